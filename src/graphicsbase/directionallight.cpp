@@ -1,0 +1,6 @@
+#include <graphicsbase/directionallight.h>
+
+tgeom::vec DirectionalLight::Direction() const {
+    float len = glm::length(position);
+    return len > 0.f ? position / len : tgeom::vec(0.f, 0.f, 1.f);
+}

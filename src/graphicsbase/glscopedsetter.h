@@ -1,0 +1,65 @@
+#pragma once
+// Scoped GL state changes: each entry saves what it changes, the destructor puts it back.
+
+#include <graphicsbase/graphicsbase_export.h>
+
+#include <GL/glew.h>
+
+#include <cstddef>
+
+namespace GL {
+
+struct Enable {
+    GLenum capability;
+};
+struct Disable {
+    GLenum capability;
+};
+struct BlendFunc {
+    GLenum source;
+    GLenum destination;
+};
+struct BlendFuncSeparate {
+    GLenum sourceRgb;
+    GLenum destinationRgb;
+    GLenum sourceAlpha;
+    GLenum destinationAlpha;
+};
+
+/// Applies state entries in order and restores them in reverse order on destruction, so a drawing
+/// pass can live inside any host without leaking state. Holds up to kMaxEntries entries without
+/// allocating.
+class GRAPHICSBASE_EXPORT GLScopedSetter {
+public:
+    static constexpr std::size_t kMaxEntries = 16;
+
+    GLScopedSetter() = default;
+    template <class... Entries> explicit GLScopedSetter(Entries... entries) { (Apply(entries), ...); }
+    ~GLScopedSetter();
+
+    GLScopedSetter(const GLScopedSetter&) = delete;
+    GLScopedSetter& operator=(const GLScopedSetter&) = delete;
+
+    void Apply(Enable e);
+    void Apply(Disable d);
+    void Apply(BlendFunc b);
+    void Apply(BlendFuncSeparate b);
+
+    std::size_t Size() const { return count_; }
+
+private:
+    enum class Kind { Capability, Blend };
+    struct Record {
+        Kind kind;
+        GLenum capability;
+        GLboolean wasEnabled;
+        GLint blend[4];
+    };
+    Record* push();
+    void setCapability(GLenum capability, bool on);
+
+    Record records_[kMaxEntries];
+    std::size_t count_ = 0;
+};
+
+} // namespace GL

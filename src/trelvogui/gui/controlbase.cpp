@@ -1,0 +1,356 @@
+#include <trelvogui/gui/controlbase.h>
+
+#include <trelvogui/gui/guimanager.h>
+#include <trelvogui/gui/renderers/renderer.h>
+#include <trelvogui/gui/texture.h>
+#include <trelvogui/gui/textureatlas.h>
+
+#include <graphicsbase/logfile.h>
+
+#include <algorithm>
+
+namespace GUI::Controls {
+
+Base::Base() = default;
+
+Base::~Base() {
+    delete colorTexture_;
+    delete idTexture_;
+    colorTexture_ = nullptr;
+    idTexture_ = nullptr;
+    children_.clear();
+    manager_.reset();
+}
+
+void Base::DrawToTexture(GUI::Texture::Atlas* atlas) {
+    if (!animatable_ || !needsRedraw_)
+        return;
+    GUI::Renderer::Base* renderer = atlas->GetRenderer();
+    if (!colorTexture_)
+        renderer->GenerateTexture(&colorTexture_, GUI::Texture::Color);
+    if (!idTexture_)
+        renderer->GenerateTexture(&idTexture_, GUI::Texture::Identifier);
+    CalcBoundingBox(atlas);
+    CalcRenderingBoundingBox(atlas);
+    renderer->SetRenderTargetToTexture(colorTexture_, idTexture_, GetRenderRectangle());
+    DrawWithChildren(atlas);
+    renderer->ClearRenderTargetToTexture();
+    needsRedraw_ = false;
+}
+
+void Base::DrawWithChildren(GUI::Texture::Atlas* atlas) {
+    if (!Visible())
+        return;
+    DrawControl(atlas);
+    DrawCustom();
+    for (Base* child : children_)
+        child->DrawWithChildren(atlas);
+}
+
+void Base::Draw(GUI::Texture::Atlas* atlas) {
+    if (!Visible())
+        return;
+    // Children are drawn by their root's DrawWithChildren.
+    if (HasParent())
+        return;
+    if (Animatable()) {
+        atlas->GetRenderer()->RenderTexture(colorTexture_, idTexture_, GetLocalFrameAnimation(), &GetRenderRectangle(),
+                                            &Center());
+    } else {
+        DrawWithChildren(atlas);
+    }
+}
+
+void Base::DrawControl(GUI::Texture::Atlas*) {}
+void Base::DrawCustom() {}
+
+DrawFlags Base::OnMouseDown(GUI::Event* e) {
+    if (!Enabled())
+        return DRAW_NOTHING;
+    pressed_ = true;
+    SetNeedsRedraw(true);
+    MouseDownSignal(e);
+    return DRAW_CONSUMED | DRAW_OVERLAY;
+}
+
+DrawFlags Base::OnMouseHover(GUI::Event*) { return DRAW_NOTHING; }
+
+DrawFlags Base::OnMouseDrag(GUI::Event* e, int dx, int dy) {
+    if (!Enabled())
+        return DRAW_NOTHING;
+    if (Draggable()) {
+        Translate(dx, dy);
+        return DRAW_CONSUMED | DRAW_OVERLAY;
+    }
+    // A root that is not draggable ignores drags even when DragSignal has listeners.
+    if (!HasParent())
+        return DRAW_NOTHING;
+    if (DragSignal.empty())
+        return parent_->OnMouseDrag(e, dx, dy);
+    DragSignal(e, dx, dy);
+    return DRAW_NOTHING;
+}
+
+DrawFlags Base::OnMouseUp(GUI::Event*) {
+    if (!Enabled())
+        return DRAW_NOTHING;
+    pressed_ = false;
+    SetNeedsRedraw(true);
+    return DRAW_CONSUMED | DRAW_OVERLAY;
+}
+
+DrawFlags Base::OnMouseEnter(GUI::Event*) {
+    if (!Enabled())
+        return DRAW_NOTHING;
+    SetHovered(true);
+    SetNeedsRedraw(true);
+    MouseEnterSignal();
+    return DRAW_CONSUMED | DRAW_OVERLAY;
+}
+
+DrawFlags Base::OnMouseExit(GUI::Event*) {
+    if (!Enabled())
+        return DRAW_NOTHING;
+    SetHovered(false);
+    SetNeedsRedraw(true);
+    return DRAW_CONSUMED | DRAW_OVERLAY;
+}
+
+DrawFlags Base::OnClick(GUI::Event* e) {
+    if (!Enabled())
+        return DRAW_NOTHING;
+    pressed_ = false;
+    if (Checkable()) {
+        checked_ = !checked_;
+        if (checked_)
+            CheckedSignal();
+        return DRAW_OVERLAY;
+    }
+    ClickedSignal();
+    if (HasParent())
+        return parent_->OnClick(e);
+    return DRAW_NOTHING;
+}
+
+DrawFlags Base::OnDoubleClick(GUI::Event*) { return DRAW_NOTHING; }
+
+bool Base::HasParent() { return parent_ != nullptr; }
+bool Base::HasChildren() { return !children_.empty(); }
+void Base::SetParent(Base* parent) { parent_ = parent; }
+
+bool Base::AddChild(Base* child) {
+    if (IsChild(child)) {
+        LogFile::Instance().AddLine(LOG_WARNING, "The control is already a child of this control\n");
+        return false;
+    }
+    if (child->HasParent()) {
+        LogFile::Instance().AddLine(LOG_WARNING, "The control is already a child of another control\n");
+        return false;
+    }
+    if (registered_)
+        child->Register(manager_);
+    children_.push_back(child);
+    child->SetParent(this);
+    child->CalcGlobalPosition();
+    SetNeedsRedraw(true);
+    return true;
+}
+
+bool Base::RemoveChild(Base* child) {
+    auto it = std::find(children_.begin(), children_.end(), child);
+    if (it == children_.end()) {
+        LogFile::Instance().AddLine(LOG_WARNING, "Could not remove child control which is not among the children.\n");
+        return false;
+    }
+    children_.erase(it);
+    if (registered_)
+        child->Unregister();
+    // The parent pointer stays on purpose: the owner decides when the control is free again by
+    // calling SetParent(nullptr).
+    SetNeedsRedraw(true);
+    return true;
+}
+
+unsigned int Base::GetId() { return id_; }
+void Base::SetId(unsigned int id) { id_ = id; }
+
+bool Base::Enabled() { return enabled_; }
+bool Base::Visible() { return visible_; }
+bool Base::Pressed() { return pressed_; }
+bool Base::Hovered() { return hovered_; }
+bool Base::Checked() { return checked_; }
+bool Base::Checkable() { return checkable_; }
+bool Base::Draggable() { return draggable_; }
+bool Base::Sizeable() { return sizeable_; }
+bool Base::Animatable() { return animatable_; }
+bool Base::NeedsRedraw() { return needsRedraw_; }
+bool Base::UsesCamera() { return usesCamera_; }
+bool Base::UsesLight() { return usesLight_; }
+
+void Base::SetEnabled(bool v) {
+    enabled_ = v;
+    SetNeedsRedraw(true);
+}
+
+void Base::SetVisible(bool v) {
+    visible_ = v;
+    SetNeedsRedraw(true);
+}
+
+void Base::SetPressed(bool v) { pressed_ = v; }
+void Base::SetHovered(bool v) { hovered_ = v; }
+void Base::SetChecked(bool v) { checked_ = v; }
+void Base::SetCheckable(bool v) { checkable_ = v; }
+void Base::SetDraggable(bool v) { draggable_ = v; }
+void Base::SetSizeable(bool v) { sizeable_ = v; }
+
+void Base::SetNeedsRedraw(bool v) {
+    needsRedraw_ = v;
+    // Any call marks the manager, also one that clears this control's flag. While the manager is
+    // still registering us it has handed over its flag but not yet itself: raise the flag directly so
+    // that a freshly registered control is drawn by the next layer update.
+    if (manager_)
+        manager_->SetNeedsRedraw(true);
+    else if (managerRedrawFlag_)
+        *managerRedrawFlag_ = true;
+    if (parent_)
+        parent_->SetNeedsRedraw(true);
+}
+
+GUI::Geometry::Point& Base::GlobalFrame() { return globalFrame_; }
+
+GUI::Geometry::Point& Base::GlobalPosition() {
+    globalPosition_ = {globalFrame_.x + rectangle_.xMin, globalFrame_.y + rectangle_.yMin};
+    return globalPosition_;
+}
+
+GUI::Geometry::Rectangle& Base::MinimumSize() { return minimumSize_; }
+GUI::Geometry::Rectangle& Base::BoundingBox() { return boundingBox_; }
+GUI::Geometry::Point& Base::Center() { return center_; }
+
+void Base::CalcGlobalPosition() {
+    if (!parent_) {
+        globalRectangle_ = rectangle_;
+        globalPosition_ = {rectangle_.xMin, rectangle_.yMin};
+    } else {
+        GUI::Geometry::Point p = parent_->GlobalPosition();
+        GUI::Geometry::Margin& pm = parent_->GetMargins();
+        globalFrame_ = {pm.left + p.x, pm.bottom + p.y};
+        globalRectangle_ = rectangle_;
+        globalRectangle_.Shift(globalFrame_.x, globalFrame_.y);
+        globalPosition_ = {globalRectangle_.xMin, globalRectangle_.yMin};
+    }
+    center_ = globalRectangle_.Center();
+    for (Base* child : children_)
+        child->CalcGlobalPosition();
+}
+
+void Base::CalcRenderingBoundingBox(GUI::Texture::Atlas* atlas) {
+    renderRectangle_ = GetRenderRectangleStandard(atlas);
+    for (Base* child : children_) {
+        child->CalcRenderingBoundingBox(atlas);
+        renderRectangle_.Include(child->GetRenderRectangle());
+    }
+}
+
+void Base::CalcBoundingBox(GUI::Texture::Atlas* atlas) {
+    GUI::Geometry::Point o{rectangle_.xMin + margins_.left, rectangle_.yMin + margins_.bottom};
+    GUI::Geometry::Rectangle extent{o.x, o.x, o.y, o.y};
+    for (Base* child : children_) {
+        child->CalcBoundingBox(atlas);
+        // Shifted in place: the child's stored box stays in our coordinates until it recomputes.
+        GUI::Geometry::Rectangle& box = child->BoundingBox();
+        box.Shift(o.x, o.y);
+        extent.Include(box);
+    }
+    if (horizontalSizing_ == GUI::Policy::Fixed && verticalSizing_ == GUI::Policy::Fixed) {
+        boundingBox_ = rectangle_;
+        boundingBox_.Include(extent);
+        return;
+    }
+    GUI::Geometry::Rectangle fitted = rectangle_;
+    if (horizontalSizing_ == GUI::Policy::FitContent)
+        fitted.xMax = margins_.right + extent.xMax;
+    if (verticalSizing_ == GUI::Policy::FitContent)
+        fitted.yMax = margins_.top + extent.yMax;
+    SetRectangle(fitted);
+    boundingBox_ = rectangle_;
+}
+
+void Base::SetPosition(int x, int y) {
+    int w = rectangle_.Width();
+    int h = rectangle_.Height();
+    rectangle_ = {x, x + w, y, y + h};
+    CalcGlobalPosition();
+    SetNeedsRedraw(true);
+}
+
+void Base::SetMinSize(int w, int h) {
+    minimumSize_.xMax = w;
+    minimumSize_.yMax = h;
+}
+
+void Base::SetRectangle(GUI::Geometry::Rectangle r) {
+    rectangle_ = r;
+    CalcGlobalPosition();
+    RectangleChangedSignal();
+    SetNeedsRedraw(true);
+}
+
+void Base::Translate(int dx, int dy) {
+    rectangle_.Shift(dx, dy);
+    CalcGlobalPosition();
+    SetNeedsRedraw(true);
+}
+
+GUI::Geometry::Rectangle& Base::GetControlRectangle() { return rectangle_; }
+GUI::Geometry::Rectangle& Base::GetRenderRectangle() { return renderRectangle_; }
+GUI::Geometry::Rectangle& Base::GetRectangle() { return globalRectangle_; }
+GUI::Geometry::Rectangle Base::GetRenderRectangleStandard(GUI::Texture::Atlas*) { return GetRectangle(); }
+void Base::ProcessGlobalTransformations() {}
+GUI::Animation::Frame* Base::GetLocalFrame() { return &localFrame_; }
+GUI::Animation::Frame* Base::GetLocalFrameAnimation() { return &animationFrame_; }
+
+bool Base::IsChild(Base* control) {
+    return std::find(children_.begin(), children_.end(), control) != children_.end();
+}
+
+void Base::SetHorizontalSizingPolicy(GUI::Policy::Sizing p) {
+    horizontalSizing_ = p;
+    SetNeedsRedraw(true);
+}
+
+void Base::SetVerticalSizingPolicy(GUI::Policy::Sizing p) {
+    verticalSizing_ = p;
+    SetNeedsRedraw(true);
+}
+
+void Base::SetMargins(GUI::Geometry::Margin m) {
+    margins_ = m;
+    SetNeedsRedraw(true);
+}
+
+bool Base::Register(std::shared_ptr<GUI::GUIManager> manager) {
+    if (registered_ || !manager)
+        return false;
+    bool ok = static_cast<GUI::Controls::Factory*>(manager.get())->AddControl(this);
+    registered_ = true;
+    manager_ = manager;
+    for (Base* child : children_)
+        ok = child->Register(manager) && ok;
+    return ok;
+}
+
+bool Base::Unregister() {
+    if (!registered_)
+        return false;
+    for (Base* child : children_)
+        child->Unregister();
+    registered_ = false;
+    // The registry entry stays on purpose: the control keeps its id and Find(id) still returns it.
+    // Code that must forget a control calls the manager's RemoveControl.
+    manager_.reset();
+    return false;
+}
+
+} // namespace GUI::Controls

@@ -1,0 +1,204 @@
+#pragma once
+// Node of the retained control tree and base class of every control and scene widget.
+
+#include <trelvogui/gui/animationframe.h>
+#include <trelvogui/gui/geometry.h>
+#include <trelvogui/gui/guitypes.h>
+#include <trelvogui/trelvogui_export.h>
+
+#include <graphicsbase/drawflags.h>
+
+#include <boost/signals2/signal.hpp>
+
+#include <list>
+#include <memory>
+
+namespace GUI {
+class GUIManager;
+namespace Texture {
+class Atlas;
+class Base;
+} // namespace Texture
+} // namespace GUI
+
+namespace GUI::Controls {
+
+/// A control: rectangle relative to its parent's content origin, state flags, children (non-owning,
+/// in drawing order), a cached colour/id layer pair and two animation frames. The host owns controls;
+/// parents, the factory and the manager only point at them.
+class TRELVOGUI_EXPORT Base {
+public:
+    boost::signals2::signal<void()> ClickedSignal;
+    boost::signals2::signal<void(GUI::Event*)> MouseDownSignal;
+    boost::signals2::signal<void()> MouseEnterSignal;
+    boost::signals2::signal<void()> CheckedSignal;
+    boost::signals2::signal<void()> RectangleChangedSignal;
+    boost::signals2::signal<void(GUI::Event*, int, int)> DragSignal;
+
+    Base();
+    virtual ~Base();
+
+    Base(const Base&) = delete;
+    Base& operator=(const Base&) = delete;
+
+    /// Renders the subtree into the cached layer when animatable and stale.
+    virtual void DrawToTexture(GUI::Texture::Atlas* atlas);
+    /// If visible: DrawControl, DrawCustom, then every child's DrawWithChildren.
+    virtual void DrawWithChildren(GUI::Texture::Atlas* atlas);
+    /// Top-level drawing: roots only; animatable roots composite their cached layer.
+    virtual void Draw(GUI::Texture::Atlas* atlas);
+    /// Draws the control's skin from the atlas (nothing here).
+    virtual void DrawControl(GUI::Texture::Atlas* atlas);
+    /// Free-form drawing with the control's own programs (nothing here).
+    virtual void DrawCustom();
+
+    virtual DrawFlags OnMouseDown(GUI::Event* e);
+    virtual DrawFlags OnMouseHover(GUI::Event* e);
+    virtual DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy);
+    virtual DrawFlags OnMouseUp(GUI::Event* e);
+    virtual DrawFlags OnMouseEnter(GUI::Event* e);
+    virtual DrawFlags OnMouseExit(GUI::Event* e);
+    virtual DrawFlags OnClick(GUI::Event* e);
+    virtual DrawFlags OnDoubleClick(GUI::Event* e);
+
+    virtual bool HasParent();
+    virtual bool HasChildren();
+    /// Stores the pointer only.
+    virtual void SetParent(Base* parent);
+    virtual bool AddChild(Base* child);
+    virtual bool RemoveChild(Base* child);
+    virtual unsigned int GetId();
+    virtual void SetId(unsigned int id);
+
+    virtual bool Enabled();
+    virtual bool Visible();
+    virtual bool Pressed();
+    virtual bool Hovered();
+    virtual bool Checked();
+    virtual bool Checkable();
+    virtual bool Draggable();
+    virtual bool Sizeable();
+    virtual bool Animatable();
+    virtual bool NeedsRedraw();
+    virtual bool UsesCamera();
+    virtual bool UsesLight();
+    virtual void SetEnabled(bool v);
+    virtual void SetVisible(bool v);
+    virtual void SetPressed(bool v);
+    virtual void SetHovered(bool v);
+    virtual void SetChecked(bool v);
+    virtual void SetCheckable(bool v);
+    virtual void SetDraggable(bool v);
+    virtual void SetSizeable(bool v);
+    /// Marks this control, every ancestor and the manager stale.
+    virtual void SetNeedsRedraw(bool v);
+
+    virtual GUI::Geometry::Point& GlobalFrame();
+    /// Recomputes global frame + (xMin, yMin) and returns it.
+    virtual GUI::Geometry::Point& GlobalPosition();
+    virtual GUI::Geometry::Rectangle& MinimumSize();
+    virtual GUI::Geometry::Rectangle& BoundingBox();
+    virtual GUI::Geometry::Point& Center();
+    virtual void CalcGlobalPosition();
+    virtual void CalcRenderingBoundingBox(GUI::Texture::Atlas* atlas);
+    virtual void CalcBoundingBox(GUI::Texture::Atlas* atlas);
+    /// Moves the lower-left corner to (x, y) keeping the size.
+    virtual void SetPosition(int x, int y);
+    /// Stores width and height as the minimum size; requests no redraw.
+    virtual void SetMinSize(int w, int h);
+    virtual void SetRectangle(GUI::Geometry::Rectangle r);
+    virtual void Translate(int dx, int dy);
+    virtual GUI::Geometry::Rectangle& GetControlRectangle();
+    virtual GUI::Geometry::Rectangle& GetRenderRectangle();
+    /// The rectangle in overlay coordinates.
+    virtual GUI::Geometry::Rectangle& GetRectangle();
+    /// The area the control's own drawing covers; larger than the rectangle for skins with borders.
+    virtual GUI::Geometry::Rectangle GetRenderRectangleStandard(GUI::Texture::Atlas* atlas);
+    virtual void ProcessGlobalTransformations();
+    virtual GUI::Animation::Frame* GetLocalFrame();
+    virtual GUI::Animation::Frame* GetLocalFrameAnimation();
+
+    Base* Parent() { return parent_; }
+    std::list<Base*>* Children() { return &children_; }
+    /// Linear search of the direct children.
+    bool IsChild(Base* control);
+    GUI::Texture::Base* GetColorTexture() { return colorTexture_; }
+    GUI::Texture::Base* GetIDTexture() { return idTexture_; }
+    GUI::Alignment::Horizontal::Type GetHorizontalAlignment() { return horizontalAlignment_; }
+    void SetHorizontalAlignment(GUI::Alignment::Horizontal::Type a) { horizontalAlignment_ = a; }
+    GUI::Alignment::Vertical::Type GetVerticalAlignment() { return verticalAlignment_; }
+    void SetVerticalAlignment(GUI::Alignment::Vertical::Type a) { verticalAlignment_ = a; }
+    GUI::Policy::Sizing GetHorizontalSizingPolicy() { return horizontalSizing_; }
+    void SetHorizontalSizingPolicy(GUI::Policy::Sizing p);
+    GUI::Policy::Sizing GetVerticalSizingPolicy() { return verticalSizing_; }
+    void SetVerticalSizingPolicy(GUI::Policy::Sizing p);
+    GUI::Geometry::Margin& GetMargins() { return margins_; }
+    void SetMargins(GUI::Geometry::Margin m);
+    bool Registered() { return registered_; }
+    /// Enters this control and its subtree into the manager's registry, which assigns the ids.
+    bool Register(std::shared_ptr<GUI::GUIManager> manager);
+    /// Clears the registered mark for the subtree; the registry entries stay (see the definition).
+    bool Unregister();
+    GUI::GUIManager* Manager() { return manager_.get(); }
+    /// Set by the manager while the control is in its registry.
+    void SetManagerRedrawFlag(bool* flag) { managerRedrawFlag_ = flag; }
+    bool* ManagerRedrawFlag() { return managerRedrawFlag_; }
+
+protected:
+    /// The three flags reserved for subclasses.
+    bool& SubclassFlagA() { return subclassFlagA_; }
+    bool& SubclassFlagB() { return subclassFlagB_; }
+    bool& SubclassFlagC() { return subclassFlagC_; }
+    GUI::Geometry::Rectangle& SpareRectangle() { return spareRectangle_; }
+    GUI::Geometry::Rectangle& MaximumSize() { return maximumSize_; }
+    GUI::Texture::Base*& ColorTextureSlot() { return colorTexture_; }
+    GUI::Texture::Base*& IdTextureSlot() { return idTexture_; }
+    void SetAnimatable(bool v) { animatable_ = v; }
+    void SetUsesCamera(bool v) { usesCamera_ = v; }
+    void SetUsesLight(bool v) { usesLight_ = v; }
+
+private:
+    std::shared_ptr<GUI::GUIManager> manager_;
+    bool registered_ = false;
+    unsigned int id_ = 0;
+    Base* parent_ = nullptr;
+    std::list<Base*> children_;
+    bool* managerRedrawFlag_ = nullptr;
+    GUI::Geometry::Rectangle renderRectangle_{0, 4, 0, 4};
+    GUI::Geometry::Rectangle boundingBox_{0, 4, 0, 4};
+    GUI::Geometry::Rectangle rectangle_{0, 4, 0, 4};
+    GUI::Geometry::Rectangle globalRectangle_{0, 4, 0, 4};
+    GUI::Geometry::Rectangle spareRectangle_{0, 4, 0, 4};
+    GUI::Geometry::Point center_;
+    GUI::Geometry::Rectangle minimumSize_{0, 0, 0, 0};
+    GUI::Geometry::Rectangle maximumSize_{0, 1000, 0, 1000};
+    GUI::Geometry::Margin margins_;
+    GUI::Geometry::Point globalFrame_;
+    GUI::Geometry::Point globalPosition_;
+    GUI::Policy::Sizing horizontalSizing_ = GUI::Policy::Fixed;
+    GUI::Policy::Sizing verticalSizing_ = GUI::Policy::Fixed;
+    GUI::Texture::Base* colorTexture_ = nullptr;
+    GUI::Texture::Base* idTexture_ = nullptr;
+    GUI::Animation::Frame localFrame_;
+    GUI::Animation::Frame animationFrame_;
+    GUI::Alignment::Horizontal::Type horizontalAlignment_ = GUI::Alignment::Horizontal::Left;
+    GUI::Alignment::Vertical::Type verticalAlignment_ = GUI::Alignment::Vertical::Bottom;
+    // One byte per flag, in this order.
+    bool visible_ = true;
+    bool enabled_ = true;
+    bool draggable_ = false;
+    bool subclassFlagA_ = true;
+    bool animatable_ = false;
+    bool checkable_ = false;
+    bool subclassFlagB_ = true;
+    bool subclassFlagC_ = false;
+    bool pressed_ = false;
+    bool hovered_ = false;
+    bool checked_ = false;
+    bool usesCamera_ = false;
+    bool usesLight_ = false;
+    bool sizeable_ = false;
+    bool needsRedraw_ = true;
+};
+
+} // namespace GUI::Controls

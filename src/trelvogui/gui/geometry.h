@@ -1,0 +1,78 @@
+#pragma once
+// Integer pixel geometry of the overlay (origin bottom-left, y up).
+
+#include <cstdint>
+
+namespace GUI::Geometry {
+
+struct Point {
+    int32_t x = 0;
+    int32_t y = 0;
+};
+
+/// Bounds in the order xMin, xMax, yMin, yMax: code may walk it as four integers where elements 0 and 2
+/// are lower bounds. Never normalised: xMax below xMin is stored as given.
+struct Rectangle {
+    int32_t xMin = 0;
+    int32_t xMax = 0;
+    int32_t yMin = 0;
+    int32_t yMax = 0;
+
+    int32_t Width() const { return xMax - xMin; }
+    int32_t Height() const { return yMax - yMin; }
+    /// Centre with integer division truncating toward zero.
+    Point Center() const { return {(xMin + xMax) / 2, (yMin + yMax) / 2}; }
+    /// Moves both x bounds by dx and both y bounds by dy.
+    void Shift(int32_t dx, int32_t dy) {
+        xMin += dx;
+        xMax += dx;
+        yMin += dy;
+        yMax += dy;
+    }
+    /// Lowers the lower bounds to `o`'s lower bounds and raises the upper bounds to its upper bounds.
+    void Include(const Rectangle& o) {
+        if (o.xMin < xMin)
+            xMin = o.xMin;
+        if (o.yMin < yMin)
+            yMin = o.yMin;
+        if (o.xMax > xMax)
+            xMax = o.xMax;
+        if (o.yMax > yMax)
+            yMax = o.yMax;
+    }
+    bool operator==(const Rectangle& o) const {
+        return xMin == o.xMin && xMax == o.xMax && yMin == o.yMin && yMax == o.yMax;
+    }
+    bool operator!=(const Rectangle& o) const { return !(*this == o); }
+};
+
+/// Content insets, in rectangle order: left, right, bottom, top.
+struct Margin {
+    int32_t left = 0;
+    int32_t right = 0;
+    int32_t bottom = 0;
+    int32_t top = 0;
+};
+
+struct Circle {
+    Point center;
+    int32_t radius = 0;
+};
+
+struct Line {
+    Point start;
+    Point end;
+};
+
+/// A rectangle and the texture coordinates of its minimum (s0, t0) and maximum (s1, t1) corners.
+struct TexturedRectangle {
+    Rectangle rectangle;
+    float s0 = 0.f;
+    float t0 = 0.f;
+    float s1 = 1.f;
+    float t1 = 1.f;
+};
+
+inline bool operator==(const Point& a, const Point& b) { return a.x == b.x && a.y == b.y; }
+
+} // namespace GUI::Geometry

@@ -1,0 +1,73 @@
+#pragma once
+// The abstract 2D renderer every control, the atlas and the manager draw through.
+
+#include <trelvogui/gui/geometry.h>
+#include <trelvogui/gui/guitypes.h>
+#include <trelvogui/trelvogui_export.h>
+
+#include <graphicsbase/glscopedsetter.h>
+
+#include <memory>
+#include <string>
+
+namespace GUI {
+namespace Texture {
+class Base;
+class Atlas;
+} // namespace Texture
+namespace Animation {
+class Frame;
+}
+} // namespace GUI
+
+namespace GUI::Renderer {
+
+/// Draws screen-aligned primitives in overlay pixels and writes, beside every colour pixel, the
+/// primary and secondary id set with SetIds.
+class TRELVOGUI_EXPORT Base {
+public:
+    Base() = default;
+    virtual ~Base() = default;
+
+    virtual bool Initialize() = 0;
+    /// The GL state drawing needs; the host's state comes back when the setter is destroyed.
+    virtual std::unique_ptr<GL::GLScopedSetter> SetRenderAttributes() = 0;
+    virtual bool SetScreen(unsigned int width, unsigned int height) = 0;
+    virtual bool LoadColorAtlas(std::string name, GUI::Texture::Atlas* atlas) = 0;
+    virtual bool UnloadColorAtlas(GUI::Texture::Atlas* atlas) = 0;
+    virtual bool LoadStencilAtlas(std::string name, GUI::Texture::Atlas* atlas) = 0;
+    virtual bool UnloadStencilAtlas(GUI::Texture::Atlas* atlas) = 0;
+    virtual void SetDebugMode(bool on) { debug_ = on; }
+    virtual void DrawLine(GUI::Geometry::Line const& line) = 0;
+    virtual void DrawCircle(GUI::Geometry::Circle const& circle) = 0;
+    virtual void DrawFilledCircle(GUI::Geometry::Circle const& circle) = 0;
+    /// Fills the rectangle and stamps the current ids.
+    virtual void DrawRectangle(GUI::Geometry::Rectangle const& rectangle) = 0;
+    /// Draws the rectangle's outline; writes no ids.
+    virtual void DrawFilledRectangle(GUI::Geometry::Rectangle const& rectangle) = 0;
+    virtual void DrawTexturedRectangle(GUI::Geometry::TexturedRectangle const& rectangle) = 0;
+    virtual void DrawText(GUI::Texture::Base* target, GUI::Text* text, GUI::Geometry::Rectangle area,
+                          int horizontalAlignment, int verticalAlignment) = 0;
+    virtual void GetTextSize(GUI::Text* text, int* width, int* height) = 0;
+    virtual void SetLineThickness(float thickness) = 0;
+    virtual void SetLineColor(GUI::Color color) = 0;
+    virtual void SetFontColor(GUI::Color color) = 0;
+    virtual void SetIds(unsigned int primary, unsigned int sub) = 0;
+    virtual void GenerateTexture(GUI::Texture::Base** out, int format) = 0;
+    virtual void DeleteTexture(GUI::Texture::Base* texture) = 0;
+    virtual void SetRenderTargetToTexture(GUI::Texture::Base* color, GUI::Texture::Base* ids,
+                                          GUI::Geometry::Rectangle& rectangle) = 0;
+    virtual void ClearRenderTargetToTexture() = 0;
+    virtual void RenderTexture(GUI::Texture::Base* color, GUI::Texture::Base* ids, GUI::Animation::Frame* frame,
+                               GUI::Geometry::Rectangle* rectangle, GUI::Geometry::Point* pivot) = 0;
+
+    bool DebugMode() const { return debug_; }
+
+    Base(const Base&) = delete;
+    Base& operator=(const Base&) = delete;
+
+private:
+    bool debug_ = false;
+};
+
+} // namespace GUI::Renderer

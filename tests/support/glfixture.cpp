@@ -1,0 +1,81 @@
+#include "support/glfixture.h"
+
+#include <GL/glew.h>
+#include <png.h>
+
+#include <cstdio>
+#include <filesystem>
+
+namespace trelvo::test {
+
+void GLTest::SetUp() {
+    log = std::make_unique<LogCapture>();
+    Recreate(256, 256);
+}
+
+void GLTest::Recreate(int width, int height) {
+    context.reset();
+    context = std::make_unique<HeadlessGLContext>(width, height);
+    ASSERT_TRUE(context->Valid()) << context->Error();
+}
+
+void GLTest::TearDown() {
+    for (const auto& line : log->Lines())
+        EXPECT_EQ(line.find("Opengl assert"), std::string::npos) << "GL error logged: " << line;
+    log.reset();
+    context.reset();
+}
+
+std::array<uint8_t, 4> GLTest::ReadColor(int x, int y) {
+    std::array<uint8_t, 4> p{};
+    glReadPixels(x, y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, p.data());
+    return p;
+}
+
+std::array<uint32_t, 4> GLTest::ReadIds(int x, int y, unsigned attachment) {
+    std::array<uint32_t, 4> p{};
+    glReadBuffer(GL_COLOR_ATTACHMENT0 + attachment);
+    glReadPixels(x, y, 1, 1, GL_RGBA_INTEGER, GL_UNSIGNED_INT, p.data());
+    glReadBuffer(GL_COLOR_ATTACHMENT0);
+    return p;
+}
+
+std::vector<uint8_t> GLTest::ReadColorRegion(int x, int y, int width, int height) {
+    std::vector<uint8_t> pixels(static_cast<size_t>(width) * height * 4);
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadPixels(x, y, width, height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    return pixels;
+}
+
+std::string OutputDir() {
+    std::string dir = TRELVO_TEST_OUTPUT_DIR;
+    std::filesystem::create_directories(dir);
+    return dir;
+}
+
+bool WritePng(const std::string& path, const uint8_t* rgba, int width, int height, bool bottomUp) {
+    FILE* f = std::fopen(path.c_str(), "wb");
+    if (!f)
+        return false;
+    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+    png_infop info = png_create_info_struct(png);
+    if (setjmp(png_jmpbuf(png))) {
+        png_destroy_write_struct(&png, &info);
+        std::fclose(f);
+        return false;
+    }
+    png_init_io(png, f);
+    png_set_IHDR(png, info, width, height, 8, PNG_COLOR_TYPE_RGBA, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
+                 PNG_FILTER_TYPE_DEFAULT);
+    png_write_info(png, info);
+    for (int row = 0; row < height; ++row) {
+        int src = bottomUp ? height - 1 - row : row;
+        png_write_row(png, const_cast<png_bytep>(rgba + static_cast<size_t>(src) * width * 4));
+    }
+    png_write_end(png, nullptr);
+    png_destroy_write_struct(&png, &info);
+    std::fclose(f);
+    return true;
+}
+
+} // namespace trelvo::test
