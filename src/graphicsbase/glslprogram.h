@@ -1,0 +1,49 @@
+#pragma once
+// A GLSL program object built from shader files found by name on disk or among embedded resources.
+
+#include <graphicsbase/graphicsbase_export.h>
+
+#include <GL/glew.h>
+
+#include <string>
+#include <vector>
+
+/// Shader stages are added by file name and linked into one program. A name is looked up first in
+/// the directories of TRELVOGUI_SHADER_PATH (colon-separated), so shaders can be edited without a
+/// rebuild, then among the embedded resources of type "SHADER". Failures print the driver's log with
+/// the file name and return false. Move-only: owns its program and shader objects.
+class GRAPHICSBASE_EXPORT GLSLProgram {
+public:
+    GLSLProgram() = default;
+    ~GLSLProgram();
+
+    GLSLProgram(const GLSLProgram&) = delete;
+    GLSLProgram& operator=(const GLSLProgram&) = delete;
+    GLSLProgram(GLSLProgram&& other) noexcept;
+    GLSLProgram& operator=(GLSLProgram&& other) noexcept;
+
+    /// Loads and compiles one stage; the stage comes from the name's ending (".vert"/".vs" vertex,
+    /// ".frag"/".fs" fragment). False when the file is unknown, the ending is not recognised or the
+    /// source does not compile.
+    bool addShader(const std::string& fileName);
+    /// Links the stages added so far; false (with the log printed) on failure.
+    bool linkProgram();
+    bool isLinked() const { return linked_; }
+    /// Makes the program current; does nothing until it is linked.
+    void begin();
+    /// Makes no program current.
+    void end();
+    GLuint getProgram() const { return program_; }
+
+    /// Reads a shader's text by name from the override path or the embedded resources. False when
+    /// neither has it.
+    static bool LoadSource(const std::string& fileName, std::string& source);
+
+private:
+    void release();
+
+    GLuint program_ = 0;
+    std::vector<GLuint> shaders_;
+    std::vector<std::string> names_;
+    bool linked_ = false;
+};
