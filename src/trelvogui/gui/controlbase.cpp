@@ -14,6 +14,9 @@ namespace GUI::Controls {
 Base::Base() = default;
 
 Base::~Base() {
+    if (auto registry = registry_.lock())
+        if (registry->Find(id_) == this)
+            registry->RemoveControl(this);
     delete colorTexture_;
     delete idTexture_;
     colorTexture_ = nullptr;
@@ -54,8 +57,8 @@ void Base::Draw(GUI::Texture::Atlas* atlas) {
     if (HasParent())
         return;
     if (Animatable()) {
-        atlas->GetRenderer()->RenderTexture(colorTexture_, idTexture_, GetLocalFrameAnimation(), &GetRenderRectangle(),
-                                            &Center());
+        atlas->GetRenderer()->RenderTexture(colorTexture_, idTexture_, GetLocalFrameAnimation(),
+                                            &GetRenderRectangle(), &Center());
     } else {
         DrawWithChildren(atlas);
     }
@@ -73,7 +76,9 @@ DrawFlags Base::OnMouseDown(GUI::Event* e) {
     return DRAW_CONSUMED | DRAW_OVERLAY;
 }
 
-DrawFlags Base::OnMouseHover(GUI::Event*) { return DRAW_NOTHING; }
+DrawFlags Base::OnMouseHover(GUI::Event*) {
+    return DRAW_NOTHING;
+}
 
 DrawFlags Base::OnMouseDrag(GUI::Event* e, int dx, int dy) {
     if (!Enabled())
@@ -132,11 +137,19 @@ DrawFlags Base::OnClick(GUI::Event* e) {
     return DRAW_NOTHING;
 }
 
-DrawFlags Base::OnDoubleClick(GUI::Event*) { return DRAW_NOTHING; }
+DrawFlags Base::OnDoubleClick(GUI::Event*) {
+    return DRAW_NOTHING;
+}
 
-bool Base::HasParent() { return parent_ != nullptr; }
-bool Base::HasChildren() { return !children_.empty(); }
-void Base::SetParent(Base* parent) { parent_ = parent; }
+bool Base::HasParent() {
+    return parent_ != nullptr;
+}
+bool Base::HasChildren() {
+    return !children_.empty();
+}
+void Base::SetParent(Base* parent) {
+    parent_ = parent;
+}
 
 bool Base::AddChild(Base* child) {
     if (IsChild(child)) {
@@ -159,7 +172,8 @@ bool Base::AddChild(Base* child) {
 bool Base::RemoveChild(Base* child) {
     auto it = std::find(children_.begin(), children_.end(), child);
     if (it == children_.end()) {
-        LogFile::Instance().AddLine(LOG_WARNING, "Could not remove child control which is not among the children.\n");
+        LogFile::Instance().AddLine(LOG_WARNING,
+                                    "Could not remove child control which is not among the children.\n");
         return false;
     }
     children_.erase(it);
@@ -171,21 +185,49 @@ bool Base::RemoveChild(Base* child) {
     return true;
 }
 
-unsigned int Base::GetId() { return id_; }
-void Base::SetId(unsigned int id) { id_ = id; }
+unsigned int Base::GetId() {
+    return id_;
+}
+void Base::SetId(unsigned int id) {
+    id_ = id;
+}
 
-bool Base::Enabled() { return enabled_; }
-bool Base::Visible() { return visible_; }
-bool Base::Pressed() { return pressed_; }
-bool Base::Hovered() { return hovered_; }
-bool Base::Checked() { return checked_; }
-bool Base::Checkable() { return checkable_; }
-bool Base::Draggable() { return draggable_; }
-bool Base::Sizeable() { return sizeable_; }
-bool Base::Animatable() { return animatable_; }
-bool Base::NeedsRedraw() { return needsRedraw_; }
-bool Base::UsesCamera() { return usesCamera_; }
-bool Base::UsesLight() { return usesLight_; }
+bool Base::Enabled() {
+    return enabled_;
+}
+bool Base::Visible() {
+    return visible_;
+}
+bool Base::Pressed() {
+    return pressed_;
+}
+bool Base::Hovered() {
+    return hovered_;
+}
+bool Base::Checked() {
+    return checked_;
+}
+bool Base::Checkable() {
+    return checkable_;
+}
+bool Base::Draggable() {
+    return draggable_;
+}
+bool Base::Sizeable() {
+    return sizeable_;
+}
+bool Base::Animatable() {
+    return animatable_;
+}
+bool Base::NeedsRedraw() {
+    return needsRedraw_;
+}
+bool Base::UsesCamera() {
+    return usesCamera_;
+}
+bool Base::UsesLight() {
+    return usesLight_;
+}
 
 void Base::SetEnabled(bool v) {
     enabled_ = v;
@@ -197,12 +239,24 @@ void Base::SetVisible(bool v) {
     SetNeedsRedraw(true);
 }
 
-void Base::SetPressed(bool v) { pressed_ = v; }
-void Base::SetHovered(bool v) { hovered_ = v; }
-void Base::SetChecked(bool v) { checked_ = v; }
-void Base::SetCheckable(bool v) { checkable_ = v; }
-void Base::SetDraggable(bool v) { draggable_ = v; }
-void Base::SetSizeable(bool v) { sizeable_ = v; }
+void Base::SetPressed(bool v) {
+    pressed_ = v;
+}
+void Base::SetHovered(bool v) {
+    hovered_ = v;
+}
+void Base::SetChecked(bool v) {
+    checked_ = v;
+}
+void Base::SetCheckable(bool v) {
+    checkable_ = v;
+}
+void Base::SetDraggable(bool v) {
+    draggable_ = v;
+}
+void Base::SetSizeable(bool v) {
+    sizeable_ = v;
+}
 
 void Base::SetNeedsRedraw(bool v) {
     needsRedraw_ = v;
@@ -217,16 +271,24 @@ void Base::SetNeedsRedraw(bool v) {
         parent_->SetNeedsRedraw(true);
 }
 
-GUI::Geometry::Point& Base::GlobalFrame() { return globalFrame_; }
+GUI::Geometry::Point& Base::GlobalFrame() {
+    return globalFrame_;
+}
 
 GUI::Geometry::Point& Base::GlobalPosition() {
     globalPosition_ = {globalFrame_.x + rectangle_.xMin, globalFrame_.y + rectangle_.yMin};
     return globalPosition_;
 }
 
-GUI::Geometry::Rectangle& Base::MinimumSize() { return minimumSize_; }
-GUI::Geometry::Rectangle& Base::BoundingBox() { return boundingBox_; }
-GUI::Geometry::Point& Base::Center() { return center_; }
+GUI::Geometry::Rectangle& Base::MinimumSize() {
+    return minimumSize_;
+}
+GUI::Geometry::Rectangle& Base::BoundingBox() {
+    return boundingBox_;
+}
+GUI::Geometry::Point& Base::Center() {
+    return center_;
+}
 
 void Base::CalcGlobalPosition() {
     if (!parent_) {
@@ -303,13 +365,25 @@ void Base::Translate(int dx, int dy) {
     SetNeedsRedraw(true);
 }
 
-GUI::Geometry::Rectangle& Base::GetControlRectangle() { return rectangle_; }
-GUI::Geometry::Rectangle& Base::GetRenderRectangle() { return renderRectangle_; }
-GUI::Geometry::Rectangle& Base::GetRectangle() { return globalRectangle_; }
-GUI::Geometry::Rectangle Base::GetRenderRectangleStandard(GUI::Texture::Atlas*) { return GetRectangle(); }
+GUI::Geometry::Rectangle& Base::GetControlRectangle() {
+    return rectangle_;
+}
+GUI::Geometry::Rectangle& Base::GetRenderRectangle() {
+    return renderRectangle_;
+}
+GUI::Geometry::Rectangle& Base::GetRectangle() {
+    return globalRectangle_;
+}
+GUI::Geometry::Rectangle Base::GetRenderRectangleStandard(GUI::Texture::Atlas*) {
+    return GetRectangle();
+}
 void Base::ProcessGlobalTransformations() {}
-GUI::Animation::Frame* Base::GetLocalFrame() { return &localFrame_; }
-GUI::Animation::Frame* Base::GetLocalFrameAnimation() { return &animationFrame_; }
+GUI::Animation::Frame* Base::GetLocalFrame() {
+    return &localFrame_;
+}
+GUI::Animation::Frame* Base::GetLocalFrameAnimation() {
+    return &animationFrame_;
+}
 
 bool Base::IsChild(Base* control) {
     return std::find(children_.begin(), children_.end(), control) != children_.end();
@@ -334,6 +408,7 @@ bool Base::Register(std::shared_ptr<GUI::GUIManager> manager) {
     if (registered_ || !manager)
         return false;
     bool ok = static_cast<GUI::Controls::Factory*>(manager.get())->AddControl(this);
+    registry_ = manager;
     registered_ = true;
     manager_ = manager;
     for (Base* child : children_)

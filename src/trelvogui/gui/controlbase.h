@@ -159,6 +159,9 @@ protected:
 
 private:
     std::shared_ptr<GUI::GUIManager> manager_;
+    // The registry the control was entered into; its entry outlives Unregister, so the destructor
+    // uses this to make sure a destroyed control never stays reachable from it.
+    std::weak_ptr<GUI::GUIManager> registry_;
     bool registered_ = false;
     unsigned int id_ = 0;
     Base* parent_ = nullptr;

@@ -1,0 +1,9 @@
+#include <trelvogui/gui/eventsbase.h>
+
+namespace GUI::Events {
+
+Base::~Base() {
+    callback.reset();
+}
+
+} // namespace GUI::Events

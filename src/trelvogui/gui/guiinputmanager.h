@@ -1,0 +1,61 @@
+#pragma once
+// Fans the host window's input out to registered screen handlers in ascending id order.
+
+#include <trelvogui/gui/doublelinkedlist.h>
+#include <trelvogui/gui/integerbracket.h>
+#include <trelvogui/trelvogui_export.h>
+
+#include <graphicsbase/graphicsscene.h>
+#include <graphicsbase/inputhandler.h>
+
+#include <map>
+
+namespace GUI {
+
+/// Offers each event to the handlers until one returns non-zero DrawFlags, then hands that value to
+/// the scene. Handlers are not owned. Ids come from a free-range allocator and are never handed back.
+class TRELVOGUI_EXPORT GUIInputManager {
+public:
+    explicit GUIInputManager(GraphicsScene& scene);
+    ~GUIInputManager();
+
+    GUIInputManager(const GUIInputManager&) = delete;
+    GUIInputManager& operator=(const GUIInputManager&) = delete;
+
+    /// Rebuilds the id allocator (ids start again at 1); registered handlers stay.
+    void Reset();
+    /// Registers the handler and returns its id.
+    unsigned int addScreenHandler(InputHandler* handler);
+    /// The removed handler, or null when no handler has that id.
+    InputHandler* removeScreenHandler(int id);
+    std::map<int, InputHandler*>& GetScreenHandlers() { return handlers_; }
+    /// Forgets every handler without destroying them.
+    void ClearInputHandlers() { handlers_.clear(); }
+
+    bool mousePressEvent(int x, int y, int x2, int y2, int buttons, int modifiers);
+    bool mouseReleaseEvent(int x, int y, int x2, int y2, int buttons, int modifiers);
+    bool mouseMoveEvent(int x, int y, int x2, int y2, int buttons, int modifiers);
+    bool mouseWheelEvent(int delta);
+    bool keyPressEvent(unsigned int key, unsigned int modifiers);
+    bool keyReleaseEvent(unsigned int key, unsigned int modifiers);
+    /// Always hands the result (even 0) to the scene and returns true.
+    bool touchDispatchToHandlers(VX_UI::TouchEvent* event);
+
+    /// When set, mouse press, release and move are refused.
+    bool blocked = false;
+    /// Cleared by every accepted press; while set, release and move are refused.
+    bool pressRefused = false;
+
+private:
+    unsigned int allocateId();
+    void warnIfShared(int id);
+    /// Offers an event to the handlers in ascending id order until one returns non-zero.
+    template <class Call> DrawFlags offer(Call call);
+    template <class Call> bool dispatch(Call call);
+
+    GraphicsScene& scene_;
+    DoubleLinkedList<IntegerBracket> brackets_;
+    std::map<int, InputHandler*> handlers_;
+};
+
+} // namespace GUI
