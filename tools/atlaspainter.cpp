@@ -4,8 +4,8 @@
 //
 // Every shape is sampled 8 x 8 times per pixel. The colour image keeps alpha 255 over each region's
 // whole box and leaves the outline to the stencil, whose red channel (copied to green and blue) holds
-// the shape's coverage. The library uploads the stencil as an sRGB texture, so coverage is stored
-// sRGB-encoded: the shader then reads back the linear coverage it multiplies alpha by.
+// the shape's coverage, stored linearly: the renderer undoes the sRGB decoding of the stencil texture
+// before it multiplies alpha by the coverage.
 //
 // Nine-slice regions keep every curve and stroke inside their 5-pixel borders and a uniform centre,
 // so they stretch to any size. Several roles share one area (disabled and normal buttons; panels and
@@ -108,7 +108,7 @@ public:
                 color_[i * 4 + 1] = ToByte(c.g);
                 color_[i * 4 + 2] = ToByte(c.b);
                 color_[i * 4 + 3] = 255;
-                const unsigned char m = ToByte(FromLinear(coverage));
+                const unsigned char m = ToByte(coverage);
                 stencil_[i * 3 + 0] = m;
                 stencil_[i * 3 + 1] = m;
                 stencil_[i * 3 + 2] = m;

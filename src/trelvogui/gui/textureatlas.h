@@ -5,6 +5,7 @@
 #include <trelvogui/gui/geometry.h>
 #include <trelvogui/trelvogui_export.h>
 
+#include <cstddef>
 #include <string>
 
 namespace GUI::Renderer {
@@ -38,6 +39,11 @@ public:
     /// Loads both images and fills the control set. False when an image is missing, cannot be
     /// decoded, or the two sizes differ (the set is then left untouched).
     bool LoadControlSet(std::string name);
+    /// LoadControlSet on encoded PNG images given in memory (colour RGBA, stencil RGB): the colour
+    /// texture is replaced as soon as its image decodes, whatever becomes of the stencil.
+    bool LoadControlSetFromMemory(const std::string& name, const unsigned char* colorPng,
+                                  std::size_t colorSize, const unsigned char* stencilPng,
+                                  std::size_t stencilSize);
 
     void DrawLabel(GUI::Controls::Label* label);
     void DrawButton(GUI::Controls::Button* button);
@@ -51,8 +57,10 @@ public:
     void DrawExpandableTexture(Expandable& region, GUI::Geometry::Rectangle& rect);
     void DrawNonExpandableTexture(NonExpandable& region, GUI::Geometry::Rectangle& rect);
     /// The rectangle grown by the region's borders.
-    GUI::Geometry::Rectangle GetRectangleExpandableTexture(Expandable& region, GUI::Geometry::Rectangle& rect);
-    GUI::Geometry::Rectangle GetRectangleNonExpandableTexture(NonExpandable& region, GUI::Geometry::Rectangle& rect);
+    GUI::Geometry::Rectangle GetRectangleExpandableTexture(Expandable& region,
+                                                           GUI::Geometry::Rectangle& rect);
+    GUI::Geometry::Rectangle GetRectangleNonExpandableTexture(NonExpandable& region,
+                                                              GUI::Geometry::Rectangle& rect);
     GUI::Geometry::Rectangle GetRenderRectButton(GUI::Controls::Button* button);
     GUI::Geometry::Rectangle GetRenderRectPanel(GUI::Controls::Panel* panel);
     GUI::Geometry::Rectangle GetRenderRectSizeHandle(GUI::Controls::SizeHandle* handle);
@@ -66,9 +74,12 @@ public:
     GUI::Texture::Base* GetStencilTexture() { return stencilTexture_; }
 
 private:
-    bool loadImages();
+    bool loadImages(const std::string& name, const unsigned char* colorPng, std::size_t colorSize,
+                    const unsigned char* stencilPng, std::size_t stencilSize);
     void fillControlSet();
-    void bindRegion(RegionBase& region);
+    /// Binds the region's colour and stencil textures on units 13 and 14; false when the atlas has
+    /// no images yet.
+    bool bindRegion(RegionBase& region);
 
     GUI::Renderer::Base* renderer_ = nullptr;
     GUI::Texture::Base* colorTexture_ = nullptr;
