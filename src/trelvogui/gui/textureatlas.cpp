@@ -16,6 +16,8 @@
 
 #include <GL/glew.h>
 
+#include <vector>
+
 namespace GUI::Texture {
 
 namespace {
@@ -46,13 +48,13 @@ constexpr Area kBox1{170, 202, 652, 684};
 constexpr Area kBox2{204, 236, 652, 684};
 constexpr Area kBox3{237, 269, 652, 684};
 
-// Creates or replaces one atlas texture from decoded pixels. Both images use the sRGB format so that
-// filtering across stretched pieces blends in linear light.
+// Fills one atlas texture from decoded pixels, creating it on first use. Both images use the sRGB
+// format so that filtering across stretched pieces blends in linear light. A reload refills the
+// same texture object: the control set's regions keep pointing at valid textures even when a
+// reload fails half way and leaves the set as it was.
 void Upload(GUI::Renderer::Base* renderer, GUI::Texture::Base*& texture, const PNGReader& image) {
-    if (texture)
-        renderer->DeleteTexture(texture);
-    texture = nullptr;
-    renderer->GenerateTexture(&texture, GUI::Texture::SrgbColor);
+    if (!texture)
+        renderer->GenerateTexture(&texture, GUI::Texture::SrgbColor);
     texture->SetSize(image.width(), image.height());
     std::vector<unsigned char> pixels = image.rgba();
     texture->SetData(pixels.data());
