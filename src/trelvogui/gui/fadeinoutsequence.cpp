@@ -1,0 +1,16 @@
+#include <trelvogui/gui/fadeinoutsequence.h>
+
+#include <trelvogui/gui/animationframe.h>
+#include <trelvogui/gui/controlbase.h>
+
+namespace GUI::Animation {
+
+FadeInOutSequence::FadeInOutSequence(GUI::Controls::Base* control, float seconds)
+    : Sequence(control, seconds) {
+    if (control)
+        control->GetLocalFrame()->setAlpha(1.f);
+    alphaDelta_ = -1.f;
+    alphaFunction_ = SineEaseInOut;
+}
+
+} // namespace GUI::Animation

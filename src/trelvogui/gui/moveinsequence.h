@@ -1,0 +1,15 @@
+#pragma once
+// Preset sequence that brings a control in: a fade-in plus a caller-given movement.
+
+#include <trelvogui/gui/animationsequence.h>
+
+namespace GUI::Animation {
+
+/// Fades the control in like FadeInSequence; the caller adds the movement with SetTranslation.
+class TRELVOGUI_EXPORT MoveInSequence : public Sequence {
+public:
+    /// Makes the control transparent at once; the fade runs once started.
+    MoveInSequence(GUI::Controls::Base* control, float seconds);
+};
+
+} // namespace GUI::Animation
