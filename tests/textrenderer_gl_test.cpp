@@ -75,9 +75,9 @@ protected:
         renderer.DrawText(textTexture, &text, area, h, v);
     }
 
-    // Ink is any pixel the draw darkened. Also checks that the pixels with more than half coverage
-    // carry the ids and that clearly uncovered pixels kept id 0.
-    Ink FindInk() {
+    // Ink is any pixel the draw darkened. For black text also checks that the pixels with more than
+    // half coverage carry the ids and that clearly uncovered pixels kept id 0.
+    Ink FindInk(bool blackText = true) {
         Ink ink;
         std::vector<uint8_t> rgba = ReadColorRegion(0, 0, kSize, kSize);
         std::vector<uint32_t> id(static_cast<size_t>(kSize) * kSize * 4);
@@ -104,7 +104,9 @@ protected:
                     ++wrongIds;
             }
         }
-        EXPECT_EQ(wrongIds, 0);
+        if (blackText) {
+            EXPECT_EQ(wrongIds, 0);
+        }
         return ink;
     }
 
@@ -140,8 +142,9 @@ TEST_F(TextRendererTest, ExtentsGrowWithSizeAndLengthAndSwapWhenTurned) {
         SCOPED_TRACE(std::to_string(c.text.size) + " " + std::to_string(c.text.orientation));
         EXPECT_EQ(along > w, c.longer);
         EXPECT_EQ(across > h, c.taller);
-        if (!c.longer)
+        if (!c.longer) {
             EXPECT_EQ(along, w);
+        }
     }
 
     GUI::Text empty = MakeText(L"");
@@ -256,17 +259,15 @@ TEST_F(TextRendererTest, StylesAndScriptsChangeTheInk) {
     EXPECT_EQ(slanted.Height(), regular.Height());
     EXPECT_GT(slanted.Width(), regular.Width()); // the slant leans the tall letters to the right
 
-    // Cyrillic and Greek come out as glyphs, not as missing-glyph boxes of one width.
-    EXPECT_GT(inkOf(MakeText(L"Привет")).pixels, 60);
-    GUI::Text boxes = MakeText(std::wstring(6, wchar_t(0x10FFFD)));
-    GUI::Text greek = MakeText(L"αβγδεζ");
-    GUI::Text russian = MakeText(L"Привет");
-    int bw = 0, gw = 0, rw = 0, h = 0;
-    renderer.GetTextSize(&boxes, &bw, &h);
-    renderer.GetTextSize(&greek, &gw, &h);
-    renderer.GetTextSize(&russian, &rw, &h);
-    EXPECT_NE(gw, bw);
-    EXPECT_NE(rw, bw);
+    // Cyrillic and Greek come out as glyphs: missing glyphs would all be the same box, so two
+    // different words of six letters would leave the same ink.
+    Ink cyrillic = inkOf(MakeText(L"Привет"));
+    Ink greek = inkOf(MakeText(L"αβγδεζ"));
+    Ink boxes = inkOf(MakeText(std::wstring(6, wchar_t(0x10FFFD))));
+    EXPECT_GT(cyrillic.pixels, 60);
+    EXPECT_NE(cyrillic.pixels, boxes.pixels);
+    EXPECT_NE(greek.pixels, boxes.pixels);
+    EXPECT_NE(cyrillic.pixels, greek.pixels);
 }
 
 TEST_F(TextRendererTest, FontColourTintsAndZeroAlphaMeansBlack) {
@@ -338,7 +339,7 @@ TEST_F(TextRendererTest, SampleImage) {
         FreshTexture();
         Draw(line.text, line.area);
     }
-    EXPECT_GT(FindInk().pixels, 1000);
+    EXPECT_GT(FindInk(false).pixels, 1000);
     std::vector<uint8_t> rgba = ReadColorRegion(0, 0, kSize, kSize);
     EXPECT_TRUE(
         trelvo::test::WritePng(trelvo::test::OutputDir() + "/text_sample.png", rgba.data(), kSize, kSize));
