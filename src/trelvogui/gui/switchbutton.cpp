@@ -1,0 +1,25 @@
+#include <trelvogui/gui/switchbutton.h>
+
+#include <trelvogui/gui/textureatlas.h>
+
+namespace GUI::Controls {
+
+SwitchButton::SwitchButton() {
+    SetDraggable(false);
+}
+SwitchButton::~SwitchButton() = default;
+
+void SwitchButton::DrawControl(GUI::Texture::Atlas* atlas) {
+    atlas->DrawSwitchButton(this);
+}
+
+DrawFlags SwitchButton::OnClick(GUI::Event*) {
+    on_ = !on_;
+    // An empty callable throws std::bad_function_call; the toggle has happened by
+    // then.
+    DrawFlags result = callback ? ((*callback)() | DRAW_OVERLAY) : DRAW_OVERLAY;
+    SetNeedsRedraw(true);
+    return result;
+}
+
+} // namespace GUI::Controls
