@@ -1,19 +1,472 @@
 #include <trelvogui/gui/guimanager.h>
 
+#include <trelvogui/gui/animationsequence.h>
 #include <trelvogui/gui/controlbase.h>
+#include <trelvogui/gui/guiclock.h>
+#include <trelvogui/gui/renderers/detail/uniforms.h>
+#include <trelvogui/gui/renderers/openglrenderer.h>
+#include <trelvogui/gui/textureatlas.h>
+
+#include <graphicsbase/glerror.h>
+#include <graphicsbase/glscopedsetter.h>
+#include <graphicsbase/glslprogram.h>
+#include <graphicsbase/logfile.h>
+
+#include <algorithm>
+#include <cstdio>
 
 namespace GUI {
+namespace {
+const char* kFile = "gui/guimanager";
+
+GUI::Event controlEvent(const VX_UI::MouseEvent& e) {
+    return GUI::Event{e.x, e.y, e.pid, e.sid};
+}
+} // namespace
 
 GUIManager::GUIManager(GUI::Renderer::Type type) : rendererType_(type) {}
 
-GUIManager::~GUIManager() = default;
+GUIManager::~GUIManager() {
+    delete renderer_;
+    renderer_ = nullptr;
+    delete atlas_;
+    atlas_ = nullptr;
+    // Sequences still running animate controls that outlive nothing here; free them rather than leak.
+    for (GUI::Animation::Sequence* s : animations_)
+        delete s;
+    animations_.clear();
+    compositeProgram_.reset();
+    deleteCompositeQuad();
+    deleteLayers();
+}
 
-bool GUIManager::NeedsRedraw() { return needsRedraw_; }
+bool GUIManager::Initialize() {
+    delete atlas_;
+    atlas_ = nullptr;
+    delete renderer_;
+    auto* renderer = new GUI::Renderer::OpenglRenderer();
+    renderer_ = renderer;
+    if (!renderer->Initialize())
+        return false;
+    renderer->SetLineColor(GUI::Color::FromWord(0xFF000000));
+    atlas_ = new GUI::Texture::Atlas(renderer_);
+    if (!atlas_->LoadControlSet(""))
+        return false;
+    InitializeRenderer();
+    return true;
+}
+
+void GUIManager::deleteCompositeQuad() {
+    if (quadVertexArray_) {
+        glDeleteVertexArrays(1, &quadVertexArray_);
+        GB_CHECK_GL(kFile);
+    }
+    if (quadVertexBuffer_) {
+        glDeleteBuffers(1, &quadVertexBuffer_);
+        GB_CHECK_GL(kFile);
+    }
+    quadVertexArray_ = quadVertexBuffer_ = 0;
+}
+
+bool GUIManager::InitializeRenderer() {
+    compositeProgram_ = std::make_unique<GLSLProgram>();
+    compositeProgram_->addShader("UICompositShader.vert");
+    compositeProgram_->addShader("UICompositShaderSimple.frag");
+    compositeProgram_->linkProgram();
+
+    // (x, y, u, v) for the unit square; mirrored v when upside down.
+    const float normal[16] = {0, 0, 0, 0, 1, 0, 1, 0, 1, 1, 1, 1, 0, 1, 0, 1};
+    const float mirrored[16] = {0, 0, 0, 1, 1, 0, 1, 1, 1, 1, 1, 0, 0, 1, 0, 0};
+    deleteCompositeQuad();
+    glGenVertexArrays(1, &quadVertexArray_);
+    GB_CHECK_GL(kFile);
+    glBindVertexArray(quadVertexArray_);
+    GB_CHECK_GL(kFile);
+    glGenBuffers(1, &quadVertexBuffer_);
+    GB_CHECK_GL(kFile);
+    glBindBuffer(GL_ARRAY_BUFFER, quadVertexBuffer_);
+    GB_CHECK_GL(kFile);
+    glBufferData(GL_ARRAY_BUFFER, sizeof normal, upsideDown_ ? mirrored : normal, GL_STATIC_DRAW);
+    GB_CHECK_GL(kFile);
+    GLuint program = compositeProgram_->getProgram();
+    struct Attribute {
+        const char* name;
+        size_t offset;
+    };
+    for (Attribute a : {Attribute{"position", 0}, Attribute{"texcoord", 8}}) {
+        GLint location = program ? glGetAttribLocation(program, a.name) : -1;
+        GB_CHECK_GL(kFile);
+        if (location == -1) {
+            std::printf("Could not get index for %s\n", a.name);
+            continue;
+        }
+        glEnableVertexAttribArray(static_cast<GLuint>(location));
+        GB_CHECK_GL(kFile);
+        glVertexAttribPointer(static_cast<GLuint>(location), 2, GL_FLOAT, GL_FALSE, 16,
+                              reinterpret_cast<const void*>(a.offset));
+        GB_CHECK_GL(kFile);
+    }
+    glBindVertexArray(0);
+    GB_CHECK_GL(kFile);
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
+    GB_CHECK_GL(kFile);
+    return true;
+}
+
+bool GUIManager::NeedsRedraw() {
+    return needsRedraw_;
+}
 
 void GUIManager::SetNeedsRedraw(bool v) {
     if (!needsRedraw_ && v)
         RedrawRequestSignal();
     needsRedraw_ = needsRedraw_ || v;
+}
+
+void GUIManager::SetUpsideDown(bool upsideDown) {
+    upsideDown_ = upsideDown;
+    InitializeRenderer();
+}
+
+void GUIManager::Resize(int width, int height) {
+    int shift = height - height_;
+    for (GUI::Controls::Base* control : Controls()) {
+        if (control->HasParent())
+            continue;
+        GUI::Geometry::Rectangle r = control->GetRectangle();
+        control->SetHorizontalAlignment(GUI::Alignment::Horizontal::Left);
+        control->SetVerticalAlignment(GUI::Alignment::Vertical::Top);
+        r.yMin += shift;
+        r.yMax += shift;
+        control->SetRectangle(r);
+    }
+    width_ = width;
+    height_ = height;
+    if (renderer_)
+        renderer_->SetScreen(static_cast<unsigned>(width), static_cast<unsigned>(height));
+    InitLayers();
+    UpdateLayers();
+}
+
+void GUIManager::deleteLayers() {
+    if (layerFramebuffer_) {
+        glDeleteFramebuffers(1, &layerFramebuffer_);
+        GB_CHECK_GL(kFile);
+    }
+    if (pickFramebuffer_) {
+        glDeleteFramebuffers(1, &pickFramebuffer_);
+        GB_CHECK_GL(kFile);
+    }
+    for (GLuint* t : {&colorLayer_, &idLayer_, &depthLayer_}) {
+        if (*t) {
+            glDeleteTextures(1, t);
+            GB_CHECK_GL(kFile);
+        }
+    }
+    layerFramebuffer_ = pickFramebuffer_ = colorLayer_ = idLayer_ = depthLayer_ = 0;
+}
+
+void GUIManager::InitLayers() {
+    deleteLayers();
+    glGenFramebuffers(1, &layerFramebuffer_);
+    GB_CHECK_GL(kFile);
+    glBindFramebuffer(GL_FRAMEBUFFER, layerFramebuffer_);
+    GB_CHECK_GL(kFile);
+
+    struct Layer {
+        GLuint* name;
+        GLint internalFormat;
+        GLenum format;
+        GLenum type;
+        GLenum attachment;
+    };
+    const Layer layers[] = {
+        {&colorLayer_, GL_RGBA, GL_RGBA, GL_UNSIGNED_BYTE, GL_COLOR_ATTACHMENT0},
+        {&idLayer_, GL_RGBA32UI, GL_RGBA_INTEGER, GL_UNSIGNED_INT, GL_COLOR_ATTACHMENT1},
+        {&depthLayer_, GL_DEPTH_COMPONENT24, GL_DEPTH_COMPONENT, GL_UNSIGNED_INT, GL_DEPTH_ATTACHMENT},
+    };
+    for (const Layer& l : layers) {
+        glGenTextures(1, l.name);
+        GB_CHECK_GL(kFile);
+        glBindTexture(GL_TEXTURE_2D, *l.name);
+        GB_CHECK_GL(kFile);
+        glTexImage2D(GL_TEXTURE_2D, 0, l.internalFormat, width_, height_, 0, l.format, l.type, nullptr);
+        GB_CHECK_GL(kFile);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+        GB_CHECK_GL(kFile);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+        GB_CHECK_GL(kFile);
+        glFramebufferTexture2D(GL_FRAMEBUFFER, l.attachment, GL_TEXTURE_2D, *l.name, 0);
+        GB_CHECK_GL(kFile);
+    }
+    glBindTexture(GL_TEXTURE_2D, 0);
+    GB_CHECK_GL(kFile);
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    GB_CHECK_GL(kFile);
+
+    // The pick framebuffer holds the id layer alone, so that its read buffer is the id layer.
+    glGenFramebuffers(1, &pickFramebuffer_);
+    GB_CHECK_GL(kFile);
+    glBindFramebuffer(GL_FRAMEBUFFER, pickFramebuffer_);
+    GB_CHECK_GL(kFile);
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, idLayer_, 0);
+    GB_CHECK_GL(kFile);
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    GB_CHECK_GL(kFile);
+}
+
+void GUIManager::UpdateLayers() {
+    uint64_t t0 = GUI::Clock::Ticks();
+
+    for (size_t i = animations_.size(); i-- > 0;) {
+        GUI::Animation::Sequence* s = animations_[i];
+        s->Update();
+        if (s->Done()) {
+            animations_[i] = animations_.back();
+            animations_.pop_back();
+            delete s;
+        }
+    }
+
+    bool camera = GetCameraUpdated();
+    bool light = GetLightUpdated();
+    if (camera || light) {
+        for (GUI::Controls::Base* control : Controls())
+            if ((camera && control->UsesCamera()) || (light && control->UsesLight()))
+                control->SetNeedsRedraw(true);
+        SetCameraUpdated(false);
+        SetLightUpdated(false);
+    }
+
+    if (!NeedsRedraw() || !renderer_ || !atlas_ || !layerFramebuffer_)
+        return;
+
+    GLint hostViewport[4];
+    glGetIntegerv(GL_VIEWPORT, hostViewport);
+    GB_CHECK_GL(kFile);
+
+    // Only roots composite a cached layer; a stale animatable child is redrawn inside its root.
+    for (GUI::Controls::Base* control : Controls())
+        if (!control->HasParent())
+            control->DrawToTexture(atlas_);
+
+    glBindFramebuffer(GL_FRAMEBUFFER, layerFramebuffer_);
+    GB_CHECK_GL(kFile);
+    if (glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE)
+        LogFile::Instance().AddLine(LOG_WARNING,
+                                    "GUIManager::UpdateLayers(): There is a problem with the FBO\n");
+    GB_CHECK_GL(kFile);
+    glViewport(0, 0, width_, height_);
+    GB_CHECK_GL(kFile);
+
+    // The float clear on the integer id layer and the unsigned clear on the colour layer are the
+    // established clear sequence; what drawing relies on is ids 0 (no control) and depth 1.0.
+    const GLfloat zeros[4] = {0.f, 0.f, 0.f, 0.f};
+    const GLfloat farDepth[1] = {1.f};
+    const GLuint colorClear[4] = {0, 0, 0, 0xFFFFFFFFu};
+    const GLenum idBuffer = GL_COLOR_ATTACHMENT1;
+    const GLenum colorBuffer = GL_COLOR_ATTACHMENT0;
+    glDrawBuffers(1, &idBuffer);
+    GB_CHECK_GL(kFile);
+    glClearBufferfv(GL_COLOR, 0, zeros);
+    GB_CHECK_GL(kFile);
+    glClearBufferfv(GL_DEPTH, 0, farDepth);
+    GB_CHECK_GL(kFile);
+    glDrawBuffers(1, &colorBuffer);
+    GB_CHECK_GL(kFile);
+    glClearBufferuiv(GL_COLOR, 0, colorClear);
+    GB_CHECK_GL(kFile);
+
+    const GLenum both[2] = {GL_COLOR_ATTACHMENT0, GL_COLOR_ATTACHMENT1};
+    glDrawBuffers(2, both);
+    GB_CHECK_GL(kFile);
+    glActiveTexture(GL_TEXTURE9);
+    GB_CHECK_GL(kFile);
+    glBindTexture(GL_TEXTURE_2D, colorLayer_);
+    GB_CHECK_GL(kFile);
+    glActiveTexture(GL_TEXTURE10);
+    GB_CHECK_GL(kFile);
+    glBindTexture(GL_TEXTURE_2D, idLayer_);
+    GB_CHECK_GL(kFile);
+
+    {
+        std::unique_ptr<GL::GLScopedSetter> state = renderer_->SetRenderAttributes();
+        for (GUI::Controls::Base* control : Controls()) {
+            control->Draw(atlas_);
+            glFlush();
+            GB_CHECK_GL(kFile);
+        }
+        glFinish();
+        GB_CHECK_GL(kFile);
+        glBindFramebuffer(GL_FRAMEBUFFER, 0);
+        GB_CHECK_GL(kFile);
+    }
+    glViewport(hostViewport[0], hostViewport[1], hostViewport[2], hostViewport[3]);
+    GB_CHECK_GL(kFile);
+
+    needsRedraw_ = !animations_.empty();
+    layerUpdateTime_ += static_cast<int32_t>(GUI::Clock::Ticks() - t0);
+    ++layerUpdateCount_;
+}
+
+void GUIManager::Draw() {
+    if (!compositeProgram_ || !colorLayer_)
+        return;
+    GL::GLScopedSetter state(GL::Disable{GL_DEPTH_TEST}, GL::Enable{GL_BLEND},
+                             GL::BlendFunc{GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA});
+    compositeProgram_->begin();
+    GLuint program = compositeProgram_->getProgram();
+    glUniform1i(GUI::Renderer::detail::UniformLocationQuiet(program, "ExplicitGammaCorrection"),
+                explicitGammaCorrection_ ? 1 : 0);
+    GB_CHECK_GL(kFile);
+
+    // Maps the unit square onto the whole view.
+    const GLfloat projection[16] = {2, 0, 0, 0, 0, 2, 0, 0, 0, 0, -1, 0, -1, -1, 0, 1};
+    const GLfloat identity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    glUniformMatrix4fv(GUI::Renderer::detail::UniformLocation(program, "ProjectionMatrix"), 1, GL_FALSE,
+                       projection);
+    GB_CHECK_GL(kFile);
+    glUniformMatrix4fv(GUI::Renderer::detail::UniformLocationQuiet(program, "ModelViewMatrix"), 1, GL_FALSE,
+                       identity);
+    GB_CHECK_GL(kFile);
+
+    glActiveTexture(GL_TEXTURE15);
+    GB_CHECK_GL(kFile);
+    glBindTexture(GL_TEXTURE_2D, colorLayer_);
+    GB_CHECK_GL(kFile);
+    glUniform1i(GUI::Renderer::detail::UniformLocation(program, "texid_UI"), 15);
+    GB_CHECK_GL(kFile);
+
+    glBindVertexArray(quadVertexArray_);
+    GB_CHECK_GL(kFile);
+    // Four vertices: the quad's whole contents.
+    glDrawArrays(GL_TRIANGLE_FAN, 0, 4);
+    GB_CHECK_GL(kFile);
+    glBindVertexArray(0);
+    GB_CHECK_GL(kFile);
+    compositeProgram_->end();
+}
+
+bool GUIManager::HitDetect(int x, int y, unsigned int* pid, unsigned int* sid) {
+    *pid = 0;
+    *sid = 0;
+    if (x < 0 || x >= width_ || y < 0 || y >= height_ || !pickFramebuffer_)
+        return true;
+    // Read through the pick framebuffer (the id layer is its read buffer) and leave whatever the
+    // host had bound for reading in place.
+    GLint previous = 0;
+    glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &previous);
+    GB_CHECK_GL(kFile);
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, pickFramebuffer_);
+    GB_CHECK_GL(kFile);
+    GLuint texel[4] = {0, 0, 0, 0};
+    glReadPixels(x, y, 1, 1, GL_RGBA_INTEGER, GL_UNSIGNED_INT, texel);
+    GB_CHECK_GL(kFile);
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(previous));
+    GB_CHECK_GL(kFile);
+    *pid = texel[0];
+    *sid = texel[1];
+    return true;
+}
+
+bool GUIManager::AddAnimation(GUI::Animation::Sequence* sequence) {
+    animations_.push_back(sequence);
+    return true;
+}
+
+bool GUIManager::ClearAnimationOnControl(GUI::Controls::Base* control) {
+    for (size_t i = animations_.size(); i-- > 0;) {
+        GUI::Animation::Sequence* s = animations_[i];
+        if (s->GetControl() == control) {
+            animations_[i] = animations_.back();
+            animations_.pop_back();
+            delete s;
+        }
+    }
+    return true;
+}
+
+DrawFlags GUIManager::mousePressEvent(VX_UI::MouseEvent* e) {
+    DrawFlags result = DRAW_NOTHING;
+    if (e->buttons & VX_UI::BUTTON_LEFT) {
+        HitDetect(e->x, height_ - e->y, &e->pid, &e->sid);
+        pressTime_ = GUI::Clock::Ticks();
+        if (GUI::Controls::Base* control = addressed(e->pid)) {
+            GUI::Event event = controlEvent(*e);
+            DrawFlags r = control->OnMouseDown(&event);
+            // Bring the whole tree to the front: the root is drawn last.
+            GUI::Controls::Base* root = control;
+            while (root->Parent())
+                root = root->Parent();
+            auto& list = Controls();
+            auto it = std::find(list.begin(), list.end(), root);
+            if (it != list.end()) {
+                list.erase(it);
+                list.push_back(root);
+            }
+            result = r | DRAW_OVERLAY;
+        }
+    }
+    pointer_ = *e;
+    return result;
+}
+
+DrawFlags GUIManager::mouseMoveEvent(VX_UI::MouseEvent* e) {
+    DrawFlags result = DRAW_NOTHING;
+    if (e->buttons == 0) {
+        HitDetect(e->x, height_ - e->y, &e->pid, &e->sid);
+        unsigned int last = pointer_.pid;
+        if (e->pid != last) {
+            if (GUI::Controls::Base* previous = addressed(last)) {
+                GUI::Event event = controlEvent(pointer_);
+                result |= previous->OnMouseExit(&event);
+            }
+            if (GUI::Controls::Base* current = addressed(e->pid)) {
+                GUI::Event event = controlEvent(*e);
+                result |= current->OnMouseEnter(&event);
+            }
+        } else if (GUI::Controls::Base* current = addressed(e->pid)) {
+            GUI::Event event = controlEvent(*e);
+            result = current->OnMouseHover(&event);
+        }
+    } else if (e->buttons == VX_UI::BUTTON_LEFT) {
+        // The pressed control captures the pointer until release; no hit test while dragging.
+        if (GUI::Controls::Base* captured = addressed(pointer_.pid)) {
+            GUI::Event event = controlEvent(pointer_);
+            result = captured->OnMouseDrag(&event, e->x - e->prevX, e->prevY - e->y);
+            e->pid = pointer_.pid;
+            e->sid = pointer_.sid;
+        }
+    }
+    pointer_ = *e;
+    return result;
+}
+
+DrawFlags GUIManager::mouseReleaseEvent(VX_UI::MouseEvent* e) {
+    DrawFlags result = DRAW_NOTHING;
+    if ((pointer_.buttons & VX_UI::BUTTON_LEFT) && pointer_.pid != 0 && Contains(pointer_.pid)) {
+        const unsigned int pressed = pointer_.pid;
+        GUI::Event event = controlEvent(pointer_);
+        // Strictly more than 200 ms after the press is a plain release; exactly 200 is still a click.
+        if (GUI::Clock::Ticks() > pressTime_ + 200) {
+            result = Find(pressed)->OnMouseUp(&event);
+        } else {
+            result = Find(pressed)->OnClick(&event);
+            // A click handler may have removed the control.
+            if (GUI::Controls::Base* control = addressed(pressed))
+                result |= control->OnMouseUp(&event);
+        }
+        HitDetect(e->x, height_ - e->y, &e->pid, &e->sid);
+        if (e->pid != pressed)
+            if (GUI::Controls::Base* control = addressed(pressed))
+                result |= control->OnMouseExit(&event);
+        if (GUI::Controls::Base* current = addressed(e->pid)) {
+            GUI::Event entered = controlEvent(*e);
+            result |= current->OnMouseEnter(&entered);
+        }
+    }
+    pointer_ = *e;
+    return result;
 }
 
 bool GUIManager::AddControl(GUI::Controls::Base* control) {
@@ -23,6 +476,7 @@ bool GUIManager::AddControl(GUI::Controls::Base* control) {
 }
 
 bool GUIManager::RemoveControl(GUI::Controls::Base* control) {
+    ClearAnimationOnControl(control);
     control->SetManagerRedrawFlag(nullptr);
     SetNeedsRedraw(true);
     return Factory::RemoveControl(control);

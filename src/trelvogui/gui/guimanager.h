@@ -10,11 +10,36 @@
 
 #include <boost/signals2/signal.hpp>
 
-namespace GUI {
+#include <GL/glew.h>
 
-/// The manager of one overlay. The host holds it in a std::shared_ptr, which controls receive when
-/// they register. It never deletes controls.
-class TRELVOGUI_EXPORT GUIManager : public GLRendererBase, public InputHandler, public GUI::Controls::Factory {
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+class GLSLProgram;
+
+namespace GUI {
+namespace Renderer {
+class Base;
+}
+namespace Texture {
+class Atlas;
+}
+namespace Animation {
+class Sequence;
+}
+
+/// The manager of one overlay inside the host's GL view. The host holds it in a std::shared_ptr,
+/// which controls receive when they register; it never deletes controls.
+///
+/// Life cycle, with the host's context current: Initialize, Resize (creates the layers; register
+/// root controls after it, as Resize keeps existing roots at their distance from the top edge),
+/// then per frame UpdateLayers and Draw after the host's own scene. Pointer events arrive through
+/// the InputHandler entry points, directly or through a GUIInputManager. Destroy the manager while
+/// its context is current.
+class TRELVOGUI_EXPORT GUIManager : public GLRendererBase,
+                                    public InputHandler,
+                                    public GUI::Controls::Factory {
 public:
     /// Fired when the needs-redraw flag goes from false to true: the host's cue to schedule a frame.
     boost::signals2::signal<void()> RedrawRequestSignal;
@@ -22,24 +47,87 @@ public:
     explicit GUIManager(GUI::Renderer::Type type = GUI::Renderer::OpenGL);
     ~GUIManager() override;
 
+    /// Creates the OpenGL renderer, the skin atlas with the built-in control set and the composite
+    /// program. False when the renderer or the atlas cannot be initialised.
+    virtual bool Initialize();
+    /// Builds the composite program and quad (again after SetUpsideDown).
+    virtual bool InitializeRenderer();
     virtual bool NeedsRedraw();
+    /// New view size: roots keep their distance from the top edge; the layers are recreated and
+    /// redrawn.
+    virtual void Resize(int width, int height);
+    /// (Re)creates the layer framebuffer (colour, ids, depth) and the pick framebuffer.
+    virtual void InitLayers();
+    /// Advances animations and, only when something is stale, re-renders the layers.
+    virtual void UpdateLayers();
+    /// Reads the ids under overlay pixel (x, y), y up; both are 0 outside the view. Always true.
+    virtual bool HitDetect(int x, int y, unsigned int* pid, unsigned int* sid);
+    /// Takes ownership of a started sequence; it is deleted when done.
+    virtual bool AddAnimation(GUI::Animation::Sequence* sequence);
+    /// Deletes every sequence that animates `control`.
+    virtual bool ClearAnimationOnControl(GUI::Controls::Base* control);
+
+    /// Blends the colour layer over the current framebuffer with one quad.
+    void Draw() override;
+    void draw() override { Draw(); }
+
+    DrawFlags mousePressEvent(VX_UI::MouseEvent* e) override;
+    DrawFlags mouseMoveEvent(VX_UI::MouseEvent* e) override;
+    DrawFlags mouseReleaseEvent(VX_UI::MouseEvent* e) override;
+
     /// Raises the flag (firing the signal on a false-to-true change); never clears it.
     void SetNeedsRedraw(bool v);
-
-    GUI::Renderer::Type GetRendererType() const { return rendererType_; }
-    int GetWidth() const { return width_; }
-    int GetHeight() const { return height_; }
+    bool NeedsRedrawForAnimation() const { return !animations_.empty(); }
+    /// Mirrors the composite's texture coordinates vertically (rebuilds the quad).
+    void SetUpsideDown(bool upsideDown);
+    bool GetUpsideDown() const { return upsideDown_; }
 
     /// Gives the control the redraw flag, marks it stale and registers it (assigning its id).
     bool AddControl(GUI::Controls::Base* control) override;
     /// Forgets the control: cancels its animations and drops it from the registry; it keeps its id.
     bool RemoveControl(GUI::Controls::Base* control) override;
 
+    GUI::Renderer::Type GetRendererType() const { return rendererType_; }
+    GUI::Renderer::Base* GetRenderer() { return renderer_; }
+    GUI::Texture::Atlas* GetTextureAtlas() { return atlas_; }
+    int GetWidth() const { return width_; }
+    int GetHeight() const { return height_; }
+    void SetExplicitGammaCorrection(bool on) { explicitGammaCorrection_ = on; }
+    bool GetExplicitGammaCorrection() const { return explicitGammaCorrection_; }
+    /// Milliseconds spent in layer updates that re-rendered, and how many updates there were.
+    int32_t GetLayerUpdateTime() const { return layerUpdateTime_; }
+    int32_t GetLayerUpdateCount() const { return layerUpdateCount_; }
+    /// The layer textures (for hosts that composite themselves, and for inspection).
+    GLuint GetColorLayer() const { return colorLayer_; }
+    GLuint GetIdLayer() const { return idLayer_; }
+    GLuint GetLayerFramebuffer() const { return layerFramebuffer_; }
+
 private:
+    void deleteLayers();
+    void deleteCompositeQuad();
+    GUI::Controls::Base* addressed(unsigned int id) { return Contains(id) ? Find(id) : nullptr; }
+
     GUI::Renderer::Type rendererType_;
+    GUI::Renderer::Base* renderer_ = nullptr;
+    GUI::Texture::Atlas* atlas_ = nullptr;
+    std::unique_ptr<GLSLProgram> compositeProgram_;
+    GLuint layerFramebuffer_ = 0;
+    GLuint pickFramebuffer_ = 0;
+    GLuint colorLayer_ = 0;
+    GLuint idLayer_ = 0;
+    GLuint depthLayer_ = 0;
+    GLuint quadVertexArray_ = 0;
+    GLuint quadVertexBuffer_ = 0;
+    VX_UI::MouseEvent pointer_;
+    uint64_t pressTime_ = 0;
     int width_ = 100;
     int height_ = 100;
     bool needsRedraw_ = false;
+    bool upsideDown_ = false;
+    std::vector<GUI::Animation::Sequence*> animations_;
+    int32_t layerUpdateTime_ = 0;
+    int32_t layerUpdateCount_ = 0;
+    bool explicitGammaCorrection_ = false;
 };
 
 } // namespace GUI

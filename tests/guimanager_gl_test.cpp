@@ -1,0 +1,336 @@
+// The overlay end to end on a real context: layers, compositing, hit detection and input routing.
+#include "support/glfixture.h"
+
+#include <trelvogui/gui/animationsequence.h>
+#include <trelvogui/gui/controlbase.h>
+#include <trelvogui/gui/fadeinsequence.h>
+#include <trelvogui/gui/guiclock.h>
+#include <trelvogui/gui/guimanager.h>
+#include <trelvogui/gui/renderers/renderer.h>
+#include <trelvogui/gui/textureatlas.h>
+
+#include <GL/glew.h>
+
+#include <string>
+#include <vector>
+
+using GUI::Controls::Base;
+using trelvo::test::GLTest;
+
+namespace {
+/// A control that paints its rectangle in one colour with its id and records every handler call.
+class Probe : public Base {
+public:
+    explicit Probe(std::vector<std::string>* journal, std::string name, uint32_t color = 0xFF3060C0)
+        : journal_(journal), name_(std::move(name)), color_(color) {}
+
+    void DrawControl(GUI::Texture::Atlas* atlas) override {
+        ++draws;
+        auto* r = atlas->GetRenderer();
+        r->SetLineColor(GUI::Color::FromWord(color_));
+        r->SetIds(GetId(), 7);
+        r->DrawRectangle(GetRectangle());
+    }
+    DrawFlags OnMouseEnter(GUI::Event* e) override { return log("enter", Base::OnMouseEnter(e)); }
+    DrawFlags OnMouseExit(GUI::Event* e) override { return log("exit", Base::OnMouseExit(e)); }
+    DrawFlags OnMouseHover(GUI::Event* e) override { return log("hover", Base::OnMouseHover(e)); }
+    DrawFlags OnMouseDown(GUI::Event* e) override {
+        lastSid = e->sid;
+        return log("down", Base::OnMouseDown(e));
+    }
+    DrawFlags OnMouseUp(GUI::Event* e) override { return log("up", Base::OnMouseUp(e)); }
+    DrawFlags OnClick(GUI::Event* e) override { return log("click", Base::OnClick(e)); }
+    DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy) override {
+        return log("drag " + std::to_string(dx) + "," + std::to_string(dy), Base::OnMouseDrag(e, dx, dy));
+    }
+    void MakeAnimatable() { SetAnimatable(true); }
+
+    int draws = 0;
+    unsigned lastSid = 0;
+
+private:
+    DrawFlags log(const std::string& what, DrawFlags result) {
+        journal_->push_back(name_ + " " + what);
+        return result;
+    }
+    std::vector<std::string>* journal_;
+    std::string name_;
+    uint32_t color_;
+};
+
+/// A clock the test advances by hand.
+struct ManualClock {
+    ManualClock() {
+        GUI::Clock::SetSource([this] { return now; });
+    }
+    ~ManualClock() { GUI::Clock::SetSource({}); }
+    uint64_t now = 1000;
+};
+
+class GUIManagerTest : public GLTest {
+protected:
+    void SetUp() override {
+        GLTest::SetUp();
+        manager = std::make_shared<GUI::GUIManager>();
+        ASSERT_TRUE(manager->Initialize());
+        manager->Resize(256, 256);
+    }
+    void TearDown() override {
+        controls.clear();
+        manager.reset();
+        GLTest::TearDown();
+    }
+
+    /// A registered root probe at (x0, x1, y0, y1) in overlay pixels.
+    Probe* AddRoot(const std::string& name, GUI::Geometry::Rectangle r, uint32_t color = 0xFF3060C0) {
+        controls.push_back(std::make_unique<Probe>(&journal, name, color));
+        controls.back()->SetRectangle(r);
+        controls.back()->Register(manager);
+        return controls.back().get();
+    }
+
+    // Host coordinates have y down: overlay y = 256 - host y.
+    DrawFlags Move(int x, int y, int px, int py, int buttons = 0) {
+        VX_UI::MouseEvent e;
+        e.x = x;
+        e.y = y;
+        e.prevX = px;
+        e.prevY = py;
+        e.buttons = buttons;
+        return manager->mouseMoveEvent(&e);
+    }
+    DrawFlags Press(int x, int y, int buttons = 1) {
+        VX_UI::MouseEvent e;
+        e.x = x;
+        e.y = y;
+        e.buttons = buttons;
+        return manager->mousePressEvent(&e);
+    }
+    DrawFlags Release(int x, int y) {
+        VX_UI::MouseEvent e;
+        e.x = x;
+        e.y = y;
+        return manager->mouseReleaseEvent(&e);
+    }
+    unsigned PidAt(int x, int y) {
+        unsigned pid = 99, sid = 99;
+        EXPECT_TRUE(manager->HitDetect(x, y, &pid, &sid));
+        return pid;
+    }
+
+    ManualClock clock;
+    std::shared_ptr<GUI::GUIManager> manager;
+    std::vector<std::unique_ptr<Probe>> controls;
+    std::vector<std::string> journal;
+};
+} // namespace
+
+TEST_F(GUIManagerTest, EmptyOverlayClearsLayersAndHitsNothing) {
+    manager->SetNeedsRedraw(true);
+    manager->UpdateLayers();
+    EXPECT_FALSE(manager->NeedsRedraw());
+    EXPECT_EQ(PidAt(10, 10), 0u);
+    EXPECT_EQ(PidAt(-1, 10), 0u);
+    EXPECT_EQ(PidAt(10, 256), 0u);
+    glBindFramebuffer(GL_FRAMEBUFFER, manager->GetLayerFramebuffer());
+    auto c = ReadColor(100, 100);
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    EXPECT_EQ(c[3], 0) << "the cleared colour layer must be transparent";
+}
+
+TEST_F(GUIManagerTest, IdLayerCarriesIdsOfWhatIsDrawnAndCompositeBlendsOverHostFrame) {
+    Probe* a = AddRoot("a", {20, 60, 30, 70}, 0xFF0000FF); // opaque red
+    manager->UpdateLayers();
+    EXPECT_EQ(PidAt(20, 30), a->GetId());
+    EXPECT_EQ(PidAt(59, 69), a->GetId());
+    EXPECT_EQ(PidAt(60, 50), 0u);
+    EXPECT_EQ(PidAt(40, 29), 0u);
+    unsigned pid = 0, sid = 0;
+    manager->HitDetect(40, 40, &pid, &sid);
+    EXPECT_EQ(sid, 7u);
+
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    glViewport(0, 0, 256, 256);
+    glClearColor(0.f, 0.f, 1.f, 1.f);
+    glClear(GL_COLOR_BUFFER_BIT);
+    manager->Draw();
+    auto inside = ReadColor(40, 50);
+    auto outside = ReadColor(200, 200);
+    EXPECT_EQ(inside[0], 255);
+    EXPECT_EQ(inside[2], 0);
+    EXPECT_EQ(outside[2], 255) << "the host's frame shows through where the overlay is empty";
+    EXPECT_EQ(outside[0], 0);
+    EXPECT_FALSE(glIsEnabled(GL_BLEND)) << "Draw restores the host's blend state";
+}
+
+TEST_F(GUIManagerTest, IdleUpdateDrawsNothingAndAChangeRedrawsOnce) {
+    Probe* a = AddRoot("a", {0, 10, 0, 10});
+    manager->UpdateLayers();
+    int draws = a->draws;
+    int updates = manager->GetLayerUpdateCount();
+    manager->UpdateLayers();
+    manager->UpdateLayers();
+    EXPECT_EQ(a->draws, draws);
+    EXPECT_EQ(manager->GetLayerUpdateCount(), updates);
+
+    int requests = 0;
+    manager->RedrawRequestSignal.connect([&] { ++requests; });
+    a->Translate(100, 100);
+    a->SetVisible(true);
+    EXPECT_EQ(requests, 1) << "the signal fires once when the flag goes up";
+    manager->UpdateLayers();
+    EXPECT_EQ(a->draws, draws + 1);
+    EXPECT_EQ(PidAt(105, 105), a->GetId());
+    EXPECT_EQ(PidAt(5, 5), 0u);
+}
+
+TEST_F(GUIManagerTest, HoverPressDragReleaseFollowTheTransitionTable) {
+    Probe* a = AddRoot("a", {50, 100, 156, 206}); // host y 50..100
+    a->SetDraggable(true);
+    int clicked = 0;
+    a->ClickedSignal.connect([&] { ++clicked; });
+    manager->UpdateLayers();
+
+    EXPECT_EQ(Move(10, 10, 10, 10), DRAW_NOTHING);
+    EXPECT_EQ(Move(60, 60, 10, 10), DrawFlags(9));
+    EXPECT_EQ(Move(61, 61, 60, 60), DRAW_NOTHING);
+    EXPECT_EQ(Press(61, 61), DrawFlags(9));
+    EXPECT_EQ(a->lastSid, 7u);
+    clock.now += 50;
+    EXPECT_EQ(Release(61, 61), DrawFlags(9));
+    EXPECT_EQ(clicked, 1);
+    EXPECT_EQ(journal,
+              (std::vector<std::string>{"a enter", "a hover", "a down", "a click", "a up", "a enter"}));
+
+    // A slow release is not a click; the drag moves the control (upward motion is positive dy).
+    journal.clear();
+    Press(61, 61);
+    EXPECT_EQ(Move(71, 51, 61, 61, 1), DrawFlags(9));
+    EXPECT_EQ(a->GetRectangle(), (GUI::Geometry::Rectangle{60, 110, 166, 216}));
+    clock.now += 201;
+    Release(71, 51);
+    EXPECT_EQ(clicked, 1);
+    EXPECT_EQ(journal, (std::vector<std::string>{"a down", "a drag 10,10", "a up", "a enter"}));
+}
+
+TEST_F(GUIManagerTest, ClickWindowIsInclusiveOf200Milliseconds) {
+    Probe* a = AddRoot("a", {0, 50, 0, 50});
+    int clicked = 0;
+    a->ClickedSignal.connect([&] { ++clicked; });
+    manager->UpdateLayers();
+    Press(10, 240);
+    clock.now += 200;
+    Release(10, 240);
+    EXPECT_EQ(clicked, 1);
+    Press(10, 240);
+    clock.now += 201;
+    Release(10, 240);
+    EXPECT_EQ(clicked, 1);
+}
+
+TEST_F(GUIManagerTest, DragThatLeavesKeepsDeliveringAndTheNewControlIsEnteredAtRelease) {
+    Probe* a = AddRoot("a", {0, 50, 206, 256});
+    Probe* b = AddRoot("b", {150, 200, 206, 256});
+    (void)b;
+    manager->UpdateLayers();
+    Press(10, 10);
+    Move(100, 10, 10, 10, 1);
+    Move(160, 10, 100, 10, 1);
+    EXPECT_EQ(journal, (std::vector<std::string>{"a down", "a drag 90,0", "a drag 60,0"}));
+    journal.clear();
+    clock.now += 500;
+    Release(160, 10);
+    EXPECT_EQ(journal, (std::vector<std::string>{"a up", "a exit", "b enter"}));
+    EXPECT_FALSE(a->Pressed());
+}
+
+TEST_F(GUIManagerTest, PressingAChildBringsItsRootToTheFront) {
+    Probe* back = AddRoot("back", {0, 100, 0, 100}, 0xFF00FF00);
+    Probe* front = AddRoot("front", {50, 150, 50, 150}, 0xFFFF0000);
+    Probe child(&journal, "child");
+    child.SetRectangle({0, 10, 0, 10});
+    back->AddChild(&child);
+    manager->UpdateLayers();
+    EXPECT_EQ(PidAt(75, 75), front->GetId());
+    EXPECT_EQ(Press(5, 251), DrawFlags(9)) << "press on the child at overlay (5, 5)";
+    EXPECT_EQ(manager->Controls().back(), back);
+    manager->UpdateLayers();
+    EXPECT_EQ(PidAt(75, 75), back->GetId()) << "the pressed tree is now drawn last";
+    back->RemoveChild(&child);
+    child.SetParent(nullptr);
+    manager->RemoveControl(&child);
+
+    journal.clear();
+    std::list<Base*> order = manager->Controls();
+    EXPECT_EQ(Press(250, 5), DRAW_NOTHING) << "empty space";
+    EXPECT_EQ(manager->Controls(), order);
+}
+
+TEST_F(GUIManagerTest, RightButtonIsNotRoutedAndNeitherIsItsRelease) {
+    AddRoot("a", {0, 100, 156, 256});
+    manager->UpdateLayers();
+    EXPECT_EQ(Press(10, 10, 2), DRAW_NOTHING);
+    EXPECT_EQ(Release(10, 10), DRAW_NOTHING);
+    EXPECT_TRUE(journal.empty());
+}
+
+TEST_F(GUIManagerTest, ReleaseAtHostTopRowHitsNothing) {
+    AddRoot("a", {0, 100, 156, 256});
+    manager->UpdateLayers();
+    Press(10, 10);
+    clock.now += 500;
+    Release(10, 0); // overlay y = height: outside
+    EXPECT_EQ(journal, (std::vector<std::string>{"a down", "a up", "a exit"}));
+    journal.clear();
+    Move(200, 200, 10, 0);
+    Move(210, 200, 200, 200);
+    EXPECT_TRUE(journal.empty()) << "nothing under the pointer, nothing hovered";
+}
+
+TEST_F(GUIManagerTest, ResizeKeepsRootsAtTheirDistanceFromTheTop) {
+    Probe* a = AddRoot("a", {10, 20, 200, 250});
+    Probe child(&journal, "child");
+    child.SetRectangle({1, 2, 3, 4});
+    a->AddChild(&child);
+    manager->Resize(256, 456);
+    EXPECT_EQ(a->GetRectangle(), (GUI::Geometry::Rectangle{10, 20, 400, 450}));
+    EXPECT_EQ(child.GetControlRectangle(), (GUI::Geometry::Rectangle{1, 2, 3, 4}));
+    EXPECT_EQ(a->GetVerticalAlignment(), GUI::Alignment::Vertical::Top);
+    EXPECT_EQ(PidAt(15, 420), a->GetId());
+    a->RemoveChild(&child);
+    child.SetParent(nullptr);
+}
+
+TEST_F(GUIManagerTest, AnimationReRendersEveryUpdateUntilItEnds) {
+    Probe* a = AddRoot("a", {20, 60, 20, 60});
+    a->MakeAnimatable();
+    manager->UpdateLayers();
+    auto* fade = new GUI::Animation::FadeInSequence(a, 0.1f);
+    fade->Start();
+    manager->AddAnimation(fade);
+    EXPECT_TRUE(manager->NeedsRedrawForAnimation());
+    manager->SetNeedsRedraw(true);
+    int updates = manager->GetLayerUpdateCount();
+    for (int i = 0; i < 3; ++i) {
+        clock.now += 30;
+        manager->UpdateLayers();
+        EXPECT_TRUE(manager->NeedsRedraw()) << "still animating";
+    }
+    clock.now += 30;
+    manager->UpdateLayers();
+    EXPECT_EQ(manager->GetLayerUpdateCount(), updates + 4);
+    EXPECT_FALSE(manager->NeedsRedrawForAnimation());
+    EXPECT_FALSE(manager->NeedsRedraw());
+    EXPECT_FLOAT_EQ(a->GetLocalFrame()->getAlpha(), 1.f);
+    EXPECT_EQ(PidAt(40, 40), a->GetId()) << "the composited cached layer carries the ids";
+}
+
+TEST_F(GUIManagerTest, RemovingAControlCancelsItsAnimations) {
+    Probe* a = AddRoot("a", {0, 10, 0, 10});
+    auto* fade = new GUI::Animation::FadeInSequence(a, 5.f);
+    fade->Start();
+    manager->AddAnimation(fade);
+    EXPECT_TRUE(manager->RemoveControl(a));
+    EXPECT_FALSE(manager->NeedsRedrawForAnimation());
+    EXPECT_FALSE(manager->Contains(a));
+}
