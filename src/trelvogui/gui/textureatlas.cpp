@@ -66,13 +66,11 @@ Atlas::Atlas() = default;
 
 Atlas::Atlas(GUI::Renderer::Base* renderer) : renderer_(renderer) {}
 
+// The manager deletes its renderer before its atlas, so the textures are deleted directly (their
+// destructors free the GL names) rather than through the renderer.
 Atlas::~Atlas() {
-    if (!renderer_)
-        return;
-    if (colorTexture_)
-        renderer_->DeleteTexture(colorTexture_);
-    if (stencilTexture_)
-        renderer_->DeleteTexture(stencilTexture_);
+    delete colorTexture_;
+    delete stencilTexture_;
 }
 
 bool Atlas::LoadControlSet(std::string name) {
