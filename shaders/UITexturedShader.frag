@@ -1,0 +1,42 @@
+#version 330 core
+// Skin piece: atlas colour masked by the stencil's coverage, composed over the target; stamps the
+// ids where the piece covers the pixel.
+
+in vec2 uv;
+
+uniform uint pid;
+uniform uint sid;
+uniform sampler2D textureSampler;
+uniform sampler2D stencilSampler;
+uniform sampler2D targetColorSampler;
+uniform usampler2D targetIDSampler;
+// Set when the atlas textures are sRGB: sampling returns linear values, while the target holds
+// display-encoded colour like every other input of the overlay.
+uniform bool textureIsSrgb;
+uniform bool stencilIsSrgb;
+
+layout(location = 0) out vec4 fragColor;
+layout(location = 1) out uvec4 fragIds;
+
+vec3 Encode(vec3 linear) {
+    vec3 low = linear * 12.92;
+    vec3 high = 1.055 * pow(linear, vec3(1.0 / 2.4)) - 0.055;
+    return mix(high, low, vec3(lessThanEqual(linear, vec3(0.0031308))));
+}
+
+void main() {
+    vec4 source = texture(textureSampler, uv);
+    float coverage = texture(stencilSampler, uv).r;
+    if (textureIsSrgb)
+        source.rgb = Encode(source.rgb);
+    if (stencilIsSrgb)
+        coverage = Encode(vec3(coverage)).r;
+    float a = source.a * coverage;
+
+    ivec2 pixel = ivec2(gl_FragCoord.xy);
+    vec4 target = texelFetch(targetColorSampler, pixel, 0);
+    uvec4 targetIds = texelFetch(targetIDSampler, pixel, 0);
+
+    fragColor = vec4(source.rgb * a + target.rgb * (1.0 - a), a + target.a * (1.0 - a));
+    fragIds = a > 0.5 ? uvec4(pid, sid, 0u, 0u) : targetIds;
+}

@@ -1,0 +1,36 @@
+#pragma once
+// One OpenGL 2D texture behind the renderer's texture handle.
+
+#include <trelvogui/gui/texture.h>
+#include <trelvogui/trelvogui_export.h>
+
+#include <GL/glew.h>
+
+namespace GUI::Texture {
+
+/// Created by OpenglRenderer::GenerateTexture. Storage per format: 0 GL_RGBA (RGBA8), 1 GL_RGBA32UI,
+/// 2 GL_SRGB8_ALPHA8; any other format gets a name and filters but no storage. Binding and
+/// allocating use the active texture unit and leave 0 bound on it.
+class TRELVOGUI_EXPORT OpenglTexture : public Base {
+public:
+    explicit OpenglTexture(int32_t format);
+    ~OpenglTexture() override;
+
+    /// Creates the name if needed and (re)defines level 0 at the current size without data. Prints
+    /// the invalid-size message and returns false when either side is below 1.
+    bool Allocate() override;
+    /// Deletes the GL texture if any; always true.
+    bool Free() override;
+    /// Reallocates unless the contents are marked valid, then uploads width x height pixels of the
+    /// format's type. False only when there is no storage to upload into.
+    bool SetData(const void* pixels) override;
+    /// Binds to GL_TEXTURE_2D of the active unit; false without a GL name.
+    bool Bind() override;
+
+    GLuint GetTextureName() const { return name_; }
+
+private:
+    GLuint name_ = 0;
+};
+
+} // namespace GUI::Texture

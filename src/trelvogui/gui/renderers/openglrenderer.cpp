@@ -1,0 +1,514 @@
+#include <trelvogui/gui/renderers/openglrenderer.h>
+
+#include "detail/targetbarrier.h"
+#include "detail/uniforms.h"
+
+#include <trelvogui/gui/animationframe.h>
+#include <trelvogui/gui/opengltexture.h>
+#include <trelvogui/gui/renderers/textrendererfreetype.h>
+
+#include <graphicsbase/glerror.h>
+#include <graphicsbase/glslprogram.h>
+#include <graphicsbase/glvertexbuffer.h>
+
+#include <glm/gtc/constants.hpp>
+#include <glm/gtc/matrix_transform.hpp>
+#include <glm/gtc/quaternion.hpp>
+#include <glm/gtc/type_ptr.hpp>
+
+#include <cmath>
+#include <cstdio>
+
+namespace GUI::Renderer {
+
+namespace {
+
+constexpr const char* kTag = "gui/renderers/openglrenderer";
+
+// Fixed texture units shared by the whole overlay.
+constexpr GLint kTargetColorUnit = 9;
+constexpr GLint kTargetIdUnit = 10;
+constexpr GLint kSourceColorUnit = 11;
+constexpr GLint kSourceIdUnit = 12;
+constexpr GLint kAtlasColorUnit = 13;
+constexpr GLint kAtlasStencilUnit = 14;
+
+using detail::UniformLocation;
+using detail::UniformLocationQuiet;
+
+GLuint NameOf(GUI::Texture::Base* texture) {
+    auto* gl = dynamic_cast<GUI::Texture::OpenglTexture*>(texture);
+    return gl != nullptr ? gl->GetTextureName() : 0;
+}
+
+// Integer textures are incomplete under linear filtering, and an incomplete texture reads as zero
+// even through texelFetch; id textures are therefore switched to nearest filtering wherever this
+// renderer samples them. Expects the texture bound on the active unit.
+void UseNearestFilter() {
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    GB_CHECK_GL(kTag);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    GB_CHECK_GL(kTag);
+}
+
+bool IsSrgbOnUnit(GLint unit) {
+    glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
+    GB_CHECK_GL(kTag);
+    GLint format = 0;
+    glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_INTERNAL_FORMAT, &format);
+    GB_CHECK_GL(kTag);
+    return format == GL_SRGB8_ALPHA8 || format == GL_SRGB8 || format == GL_SRGB_ALPHA || format == GL_SRGB;
+}
+
+bool MakeBuffer(std::unique_ptr<GLVertexBuffer>& buffer, int componentsPerAttribute, int attributes,
+                const float* vertices, int vertexCount) {
+    buffer = std::make_unique<GLVertexBuffer>();
+    for (int i = 0; i < attributes; ++i)
+        if (!buffer->addAttribute(componentsPerAttribute, GL_FLOAT))
+            return false;
+    return buffer->finishLayout() && buffer->upload(vertices, vertexCount);
+}
+
+} // namespace
+
+OpenglRenderer::OpenglRenderer() = default;
+
+OpenglRenderer::~OpenglRenderer() {
+    circleBuffer_.reset();
+    quadBuffer_.reset();
+    centeredQuadBuffer_.reset();
+    outlineBuffer_.reset();
+    lineBuffer_.reset();
+    texturedProgram_.reset();
+    lineProgram_.reset();
+    cachedProgram_.reset();
+    textRenderer_.reset();
+}
+
+bool OpenglRenderer::BuildProgram(std::unique_ptr<GLSLProgram>& program, const char* vertex,
+                                  const char* fragment) {
+    program = std::make_unique<GLSLProgram>();
+    return program->addShader(vertex) && program->addShader(fragment) && program->linkProgram();
+}
+
+bool OpenglRenderer::Initialize() {
+    initialized_ = false;
+    if (!InitializeFBO())
+        return false;
+    if (!BuildProgram(texturedProgram_, "UITexturedShader.vert", "UITexturedShader.frag"))
+        return false;
+    if (!BuildProgram(lineProgram_, "UILineShader.vert", "UILineShader.frag"))
+        return false;
+    if (!BuildProgram(cachedProgram_, "UITexturedCachedShader.vert", "UITexturedCachedShader.frag"))
+        return false;
+    if (!BuildCircleBuffer() || !BuildQuadBuffer() || !BuildCenteredQuadBuffer() || !BuildOutlineBuffer() ||
+        !BuildLineBuffer())
+        return false;
+    SetSamplerDefaults();
+    textRenderer_ = std::make_unique<TextRendererFreeType>();
+    if (!textRenderer_->Initialize())
+        return false;
+    initialized_ = true;
+    return true;
+}
+
+void OpenglRenderer::SetSamplerDefaults() {
+    struct Sampler {
+        const char* name;
+        GLint unit;
+    };
+    static constexpr Sampler kSamplers[] = {
+        {"targetColorSampler", kTargetColorUnit}, {"targetIDSampler", kTargetIdUnit},
+        {"sourceColorSampler", kSourceColorUnit}, {"sourceIDSampler", kSourceIdUnit},
+        {"textureSampler", kAtlasColorUnit},      {"stencilSampler", kAtlasStencilUnit},
+    };
+    for (GLSLProgram* program : {texturedProgram_.get(), lineProgram_.get(), cachedProgram_.get()}) {
+        program->begin();
+        for (const Sampler& s : kSamplers) {
+            // Each program uses only some of the samplers; the others are simply absent.
+            GLint location = UniformLocationQuiet(program->getProgram(), s.name);
+            if (location != -1) {
+                glUniform1i(location, s.unit);
+                GB_CHECK_GL(kTag);
+            }
+        }
+        program->end();
+    }
+}
+
+std::unique_ptr<GL::GLScopedSetter> OpenglRenderer::SetRenderAttributes() {
+    return std::make_unique<GL::GLScopedSetter>(GL::Disable{GL_BLEND}, GL::Disable{GL_DEPTH_TEST});
+}
+
+void OpenglRenderer::UploadProjection(GLSLProgram& program, const float* matrix) {
+    program.begin();
+    glUniformMatrix4fv(UniformLocation(program.getProgram(), "ProjectionMatrix"), 1, GL_FALSE, matrix);
+    GB_CHECK_GL(kTag);
+    program.end();
+}
+
+bool OpenglRenderer::SetScreen(unsigned int width, unsigned int height) {
+    screenWidth_ = width;
+    screenHeight_ = height;
+    glViewport(0, 0, static_cast<GLsizei>(width), static_cast<GLsizei>(height));
+    GB_CHECK_GL(kTag);
+    if (!initialized_)
+        return false;
+
+    // Pixel (0, 0) is the view's lower-left corner; depth spans -1000..1000 for the UI programs.
+    // An empty view keeps a finite matrix.
+    glm::mat4 projection(1.f);
+    projection[0][0] = 2.f / static_cast<float>(width > 0 ? width : 1);
+    projection[1][1] = 2.f / static_cast<float>(height > 0 ? height : 1);
+    projection[2][2] = -0.001f;
+    projection[3][0] = -1.f;
+    projection[3][1] = -1.f;
+    projection[3][2] = -0.f;
+    UploadProjection(*texturedProgram_, glm::value_ptr(projection));
+    UploadProjection(*cachedProgram_, glm::value_ptr(projection));
+    UploadProjection(*lineProgram_, glm::value_ptr(projection));
+
+    glm::mat4 textProjection = projection;
+    textProjection[2][2] = -1.f;
+    textProjection[3][2] = 0.f;
+    textRenderer_->SetScreen(width, height, textProjection);
+    return true;
+}
+
+bool OpenglRenderer::LoadColorAtlas(std::string, GUI::Texture::Atlas*) {
+    return initialized_;
+}
+bool OpenglRenderer::UnloadColorAtlas(GUI::Texture::Atlas*) {
+    return true;
+}
+bool OpenglRenderer::LoadStencilAtlas(std::string, GUI::Texture::Atlas*) {
+    return initialized_;
+}
+bool OpenglRenderer::UnloadStencilAtlas(GUI::Texture::Atlas*) {
+    return true;
+}
+
+// Circles and lines are not drawn by the standard controls; their buffers are kept for them.
+void OpenglRenderer::DrawLine(GUI::Geometry::Line const&) {}
+void OpenglRenderer::DrawCircle(GUI::Geometry::Circle const&) {}
+void OpenglRenderer::DrawFilledCircle(GUI::Geometry::Circle const&) {}
+
+void OpenglRenderer::DrawRectangle(GUI::Geometry::Rectangle const& rectangle) {
+    if (!initialized_)
+        return;
+    GLuint program = lineProgram_->getProgram();
+    lineProgram_->begin();
+    glUniform1ui(UniformLocation(program, "pid"), primaryId_);
+    GB_CHECK_GL(kTag);
+    glUniform1ui(UniformLocation(program, "sid"), subId_);
+    GB_CHECK_GL(kTag);
+    glUniform2i(UniformLocation(program, "bboxMin"), rectangle.xMin, rectangle.yMin);
+    GB_CHECK_GL(kTag);
+    glUniform2i(UniformLocation(program, "bboxDim"), rectangle.xMax - rectangle.xMin,
+                rectangle.yMax - rectangle.yMin);
+    GB_CHECK_GL(kTag);
+    glUniform1i(UniformLocation(program, "targetColorSampler"), kTargetColorUnit);
+    GB_CHECK_GL(kTag);
+    detail::TargetBarrier();
+    quadBuffer_->draw(GLVertexBuffer::TriangleFan);
+    lineProgram_->end();
+    // The id target is read back for picking right after; make sure the fill has landed.
+    glFinish();
+    GB_CHECK_GL(kTag);
+}
+
+void OpenglRenderer::DrawFilledRectangle(GUI::Geometry::Rectangle const& rectangle) {
+    if (!initialized_)
+        return;
+    GLuint program = lineProgram_->getProgram();
+    lineProgram_->begin();
+    glUniform2i(UniformLocation(program, "bboxMin"), rectangle.xMin, rectangle.yMin);
+    GB_CHECK_GL(kTag);
+    glUniform2i(UniformLocation(program, "bboxDim"), rectangle.xMax - rectangle.xMin,
+                rectangle.yMax - rectangle.yMin);
+    GB_CHECK_GL(kTag);
+    // An outline is decoration, not a hit area: keep the id attachment as it was.
+    GLboolean idMask[4] = {GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE};
+    glGetBooleani_v(GL_COLOR_WRITEMASK, 1, idMask);
+    GB_CHECK_GL(kTag);
+    glColorMaski(1, GL_FALSE, GL_FALSE, GL_FALSE, GL_FALSE);
+    GB_CHECK_GL(kTag);
+    detail::TargetBarrier();
+    outlineBuffer_->draw(GLVertexBuffer::LineLoop);
+    glColorMaski(1, idMask[0], idMask[1], idMask[2], idMask[3]);
+    GB_CHECK_GL(kTag);
+    lineProgram_->end();
+}
+
+void OpenglRenderer::DrawTexturedRectangle(GUI::Geometry::TexturedRectangle const& textured) {
+    if (!initialized_)
+        return;
+    const GUI::Geometry::Rectangle& r = textured.rectangle;
+    glDisable(GL_BLEND);
+    GB_CHECK_GL(kTag);
+    bool textureIsSrgb = IsSrgbOnUnit(kAtlasColorUnit);
+    bool stencilIsSrgb = IsSrgbOnUnit(kAtlasStencilUnit);
+
+    GLuint program = texturedProgram_->getProgram();
+    texturedProgram_->begin();
+    glUniform1ui(UniformLocation(program, "pid"), primaryId_);
+    GB_CHECK_GL(kTag);
+    glUniform1ui(UniformLocation(program, "sid"), subId_);
+    GB_CHECK_GL(kTag);
+    glUniform2i(UniformLocation(program, "bboxMin"), r.xMin, r.yMin);
+    GB_CHECK_GL(kTag);
+    glUniform2i(UniformLocation(program, "bboxDim"), r.xMax - r.xMin, r.yMax - r.yMin);
+    GB_CHECK_GL(kTag);
+    glUniform2f(UniformLocation(program, "uvMin"), textured.s0, textured.t0);
+    GB_CHECK_GL(kTag);
+    glUniform2f(UniformLocation(program, "uvDim"), textured.s1 - textured.s0, textured.t1 - textured.t0);
+    GB_CHECK_GL(kTag);
+    glUniform1i(UniformLocation(program, "textureSampler"), kAtlasColorUnit);
+    GB_CHECK_GL(kTag);
+    glUniform1i(UniformLocation(program, "stencilSampler"), kAtlasStencilUnit);
+    GB_CHECK_GL(kTag);
+    glUniform1i(UniformLocation(program, "targetColorSampler"), kTargetColorUnit);
+    GB_CHECK_GL(kTag);
+    glUniform1i(UniformLocation(program, "targetIDSampler"), kTargetIdUnit);
+    GB_CHECK_GL(kTag);
+    glUniform1i(UniformLocationQuiet(program, "textureIsSrgb"), textureIsSrgb ? 1 : 0);
+    GB_CHECK_GL(kTag);
+    glUniform1i(UniformLocationQuiet(program, "stencilIsSrgb"), stencilIsSrgb ? 1 : 0);
+    GB_CHECK_GL(kTag);
+    detail::TargetBarrier();
+    quadBuffer_->draw(GLVertexBuffer::TriangleFan);
+    texturedProgram_->end();
+    glFlush();
+    GB_CHECK_GL(kTag);
+}
+
+void OpenglRenderer::DrawText(GUI::Texture::Base* target, GUI::Text* text, GUI::Geometry::Rectangle area,
+                              int horizontalAlignment, int verticalAlignment) {
+    if (!initialized_)
+        return;
+    textRenderer_->SetIds(primaryId_, subId_);
+    textRenderer_->Draw(target, text, area, horizontalAlignment, verticalAlignment);
+    glFlush();
+    GB_CHECK_GL(kTag);
+}
+
+void OpenglRenderer::GetTextSize(GUI::Text* text, int* width, int* height) {
+    if (textRenderer_ != nullptr) {
+        textRenderer_->Measure(text, width, height);
+        return;
+    }
+    // Measuring needs the font, which Initialize loads; report an empty extent until then.
+    if (width != nullptr)
+        *width = 0;
+    if (height != nullptr)
+        *height = 0;
+}
+
+void OpenglRenderer::SetLineThickness(float thickness) {
+    lineThickness_ = thickness;
+    if (lineProgram_ == nullptr)
+        return;
+    lineProgram_->begin();
+    glUniform1f(UniformLocation(lineProgram_->getProgram(), "thickness"), thickness);
+    GB_CHECK_GL(kTag);
+    lineProgram_->end();
+}
+
+void OpenglRenderer::SetLineColor(GUI::Color color) {
+    lineColor_ = color;
+    if (lineProgram_ == nullptr)
+        return;
+    lineProgram_->begin();
+    glUniform4f(UniformLocation(lineProgram_->getProgram(), "color"), color.r / 255.f, color.g / 255.f,
+                color.b / 255.f, color.a / 255.f);
+    GB_CHECK_GL(kTag);
+    lineProgram_->end();
+}
+
+// Text takes its colour from the text renderer's own path.
+void OpenglRenderer::SetFontColor(GUI::Color) {}
+
+void OpenglRenderer::SetIds(unsigned int primary, unsigned int sub) {
+    primaryId_ = primary;
+    subId_ = sub;
+}
+
+void OpenglRenderer::GenerateTexture(GUI::Texture::Base** out, int format) {
+    if (out != nullptr)
+        *out = new GUI::Texture::OpenglTexture(format);
+}
+
+void OpenglRenderer::DeleteTexture(GUI::Texture::Base* texture) {
+    delete texture;
+}
+
+void OpenglRenderer::SetRenderTargetToTexture(GUI::Texture::Base* color, GUI::Texture::Base* ids,
+                                              GUI::Geometry::Rectangle& rectangle) {
+    int width = rectangle.xMax - rectangle.xMin;
+    int height = rectangle.yMax - rectangle.yMin;
+    if (width <= 0 || height <= 0) {
+        std::printf("SetRenderTargetToTexture: Texture is set to invalid size %d %d.\n", width, height);
+        return;
+    }
+    color->SetSize(width, height);
+    color->Allocate();
+    ids->SetSize(width, height);
+    ids->Allocate();
+
+    // The shaders compose against the target they write, so it is also bound for reading.
+    glActiveTexture(GL_TEXTURE0 + kTargetColorUnit);
+    GB_CHECK_GL(kTag);
+    color->Bind();
+    glActiveTexture(GL_TEXTURE0 + kTargetIdUnit);
+    GB_CHECK_GL(kTag);
+    if (ids->Bind())
+        UseNearestFilter();
+
+    glBindFramebuffer(GL_FRAMEBUFFER, frameBuffer_);
+    GB_CHECK_GL(kTag);
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, NameOf(color), 0);
+    GB_CHECK_GL(kTag);
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT1, GL_TEXTURE_2D, NameOf(ids), 0);
+    GB_CHECK_GL(kTag);
+
+    // The unsigned clear goes to the colour attachment and the float clear to the id attachment;
+    // what the layer relies on is that the ids read 0 (no control) afterwards.
+    static const GLenum kColorOnly[] = {GL_COLOR_ATTACHMENT0};
+    static const GLenum kIdsOnly[] = {GL_COLOR_ATTACHMENT1};
+    static const GLenum kBoth[] = {GL_COLOR_ATTACHMENT0, GL_COLOR_ATTACHMENT1};
+    static const GLuint kUnsignedClear[] = {0, 0, 0, 4294967295u};
+    static const GLfloat kFloatClear[] = {0.f, 0.f, 0.f, 0.f};
+    static const GLfloat kDepthClear = 1.f;
+    glDrawBuffers(1, kColorOnly);
+    GB_CHECK_GL(kTag);
+    glClearBufferuiv(GL_COLOR, 0, kUnsignedClear);
+    GB_CHECK_GL(kTag);
+    glDrawBuffers(1, kIdsOnly);
+    GB_CHECK_GL(kTag);
+    glClearBufferfv(GL_COLOR, 0, kFloatClear);
+    GB_CHECK_GL(kTag);
+    glClearBufferfv(GL_DEPTH, 0, &kDepthClear);
+    GB_CHECK_GL(kTag);
+
+    // Controls keep drawing in screen coordinates; the shifted viewport puts the rectangle's
+    // minimum corner on texel (0, 0).
+    glViewport(-rectangle.xMin, -rectangle.yMin, static_cast<GLsizei>(screenWidth_),
+               static_cast<GLsizei>(screenHeight_));
+    GB_CHECK_GL(kTag);
+    glDrawBuffers(2, kBoth);
+    GB_CHECK_GL(kTag);
+}
+
+void OpenglRenderer::ClearRenderTargetToTexture() {
+    glFlush();
+    GB_CHECK_GL(kTag);
+    glFinish();
+    GB_CHECK_GL(kTag);
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    GB_CHECK_GL(kTag);
+    glViewport(0, 0, static_cast<GLsizei>(screenWidth_), static_cast<GLsizei>(screenHeight_));
+    GB_CHECK_GL(kTag);
+}
+
+void OpenglRenderer::RenderTexture(GUI::Texture::Base* color, GUI::Texture::Base* ids,
+                                   GUI::Animation::Frame* frame, GUI::Geometry::Rectangle* rectangle,
+                                   GUI::Geometry::Point* pivot) {
+    if (cachedProgram_ == nullptr || centeredQuadBuffer_ == nullptr)
+        return;
+    float w = static_cast<float>(rectangle->xMax - rectangle->xMin);
+    float h = static_cast<float>(rectangle->yMax - rectangle->yMin);
+    glm::vec3 center((rectangle->xMin + rectangle->xMax) * 0.5f, (rectangle->yMin + rectangle->yMax) * 0.5f,
+                     0.f);
+    glm::vec3 p(static_cast<float>(pivot->x), static_cast<float>(pivot->y), 0.f);
+
+    // Rotation and scale act about the pivot; the frame's position then moves the whole layer.
+    glm::mat4 modelView = glm::translate(glm::mat4(1.f), p);
+    modelView = glm::translate(modelView, frame->getPosition());
+    modelView = modelView * glm::mat4_cast(frame->getOrientation());
+    modelView = glm::scale(modelView, frame->getScale());
+    modelView = glm::translate(modelView, center - p);
+    modelView = glm::scale(modelView, glm::vec3(w, h, 1.f));
+
+    glDisable(GL_BLEND);
+    GB_CHECK_GL(kTag);
+    GLuint program = cachedProgram_->getProgram();
+    cachedProgram_->begin();
+    glUniformMatrix4fv(UniformLocation(program, "ModelViewMatrix"), 1, GL_FALSE, glm::value_ptr(modelView));
+    GB_CHECK_GL(kTag);
+    glUniform1f(UniformLocation(program, "alpha"), frame->getAlpha());
+    GB_CHECK_GL(kTag);
+    glUniform1i(UniformLocation(program, "targetColorSampler"), kTargetColorUnit);
+    GB_CHECK_GL(kTag);
+    glUniform1i(UniformLocation(program, "targetIDSampler"), kTargetIdUnit);
+    GB_CHECK_GL(kTag);
+    glUniform1i(UniformLocation(program, "sourceColorSampler"), kSourceColorUnit);
+    GB_CHECK_GL(kTag);
+    glUniform1i(UniformLocation(program, "sourceIDSampler"), kSourceIdUnit);
+    GB_CHECK_GL(kTag);
+
+    glActiveTexture(GL_TEXTURE0 + kSourceColorUnit);
+    GB_CHECK_GL(kTag);
+    color->Bind();
+    glActiveTexture(GL_TEXTURE0 + kSourceIdUnit);
+    GB_CHECK_GL(kTag);
+    if (ids->Bind())
+        UseNearestFilter();
+
+    detail::TargetBarrier();
+    centeredQuadBuffer_->draw(GLVertexBuffer::TriangleFan);
+    cachedProgram_->end();
+}
+
+bool OpenglRenderer::InitializeFBO() {
+    if (frameBuffer_ != 0)
+        return true;
+    glGenFramebuffers(1, &frameBuffer_);
+    GB_CHECK_GL(kTag);
+    return frameBuffer_ != 0;
+}
+
+bool OpenglRenderer::DestroyFBO() {
+    if (frameBuffer_ != 0) {
+        glDeleteFramebuffers(1, &frameBuffer_);
+        GB_CHECK_GL(kTag);
+        frameBuffer_ = 0;
+    }
+    return true;
+}
+
+bool OpenglRenderer::BuildCircleBuffer() {
+    constexpr int kSegments = 100;
+    float points[(kSegments + 1) * 2];
+    for (int i = 0; i < kSegments; ++i) {
+        float angle = static_cast<float>(i) * 2.f * glm::pi<float>() / static_cast<float>(kSegments);
+        points[i * 2] = 0.5f * std::cos(angle);
+        points[i * 2 + 1] = 0.5f * std::sin(angle);
+    }
+    // Closing exactly on the first point avoids a hairline gap from rounding at 2 pi.
+    points[kSegments * 2] = points[0];
+    points[kSegments * 2 + 1] = points[1];
+    return MakeBuffer(circleBuffer_, 2, 1, points, kSegments + 1);
+}
+
+bool OpenglRenderer::BuildQuadBuffer() {
+    static const float kQuad[] = {0.f, 0.f, 1.f, 0.f, 1.f, 1.f, 0.f, 1.f};
+    return MakeBuffer(quadBuffer_, 2, 1, kQuad, 4);
+}
+
+bool OpenglRenderer::BuildCenteredQuadBuffer() {
+    static const float kQuad[] = {-0.5f, -0.5f, 0.f, 0.f, 0.5f,  -0.5f, 1.f, 0.f,
+                                  0.5f,  0.5f,  1.f, 1.f, -0.5f, 0.5f,  0.f, 1.f};
+    return MakeBuffer(centeredQuadBuffer_, 2, 2, kQuad, 4);
+}
+
+bool OpenglRenderer::BuildOutlineBuffer() {
+    static const float kQuad[] = {0.f, 0.f, 1.f, 0.f, 1.f, 1.f, 0.f, 1.f};
+    return MakeBuffer(outlineBuffer_, 2, 1, kQuad, 4);
+}
+
+bool OpenglRenderer::BuildLineBuffer() {
+    static const float kLine[] = {0.f, 0.f, 1.f, 0.f};
+    return MakeBuffer(lineBuffer_, 2, 1, kLine, 2);
+}
+
+} // namespace GUI::Renderer

@@ -1,0 +1,126 @@
+#pragma once
+// The OpenGL implementation of the 2D renderer: rectangles, skin pieces and text with ids, layers.
+
+#include <trelvogui/gui/renderers/renderer.h>
+#include <trelvogui/trelvogui_export.h>
+
+#include <GL/glew.h>
+
+#include <memory>
+
+class GLSLProgram;
+class GLVertexBuffer;
+
+namespace GUI::Renderer {
+
+class TextRendererFreeType;
+
+/// Draws with three programs ("UITexturedShader", "UILineShader", "UITexturedCachedShader") that
+/// write colour to draw buffer 0 and the (primary, sub) id pair to draw buffer 1. GL blending is
+/// not used: each shader reads the target it draws into (units 9 and 10) and composes "source over
+/// target" itself, so the current target's colour and id textures must be bound there (the
+/// manager's layer, or SetRenderTargetToTexture's pair).
+///
+/// Texture coordinates of a TexturedRectangle follow the image's row order: (s0, t0) is the
+/// corner shown at the rectangle's top left (xMin, yMax), (s1, t1) the one at its bottom right.
+class TRELVOGUI_EXPORT OpenglRenderer : public Base {
+public:
+    OpenglRenderer();
+    ~OpenglRenderer() override;
+
+    /// Framebuffer, the three programs, the five vertex buffers, then the text renderer. False on
+    /// the first failure; the drawing operations stay inert until this succeeded.
+    bool Initialize() override;
+    /// Disables GL_BLEND and GL_DEPTH_TEST until the returned setter is destroyed.
+    std::unique_ptr<GL::GLScopedSetter> SetRenderAttributes() override;
+    /// Sets the viewport and the pixel projection (origin bottom left, y up). False before
+    /// Initialize, when only the viewport changes.
+    bool SetScreen(unsigned int width, unsigned int height) override;
+    /// The atlas loads its own images; these only report whether the renderer is ready for it.
+    bool LoadColorAtlas(std::string name, GUI::Texture::Atlas* atlas) override;
+    bool UnloadColorAtlas(GUI::Texture::Atlas* atlas) override;
+    bool LoadStencilAtlas(std::string name, GUI::Texture::Atlas* atlas) override;
+    bool UnloadStencilAtlas(GUI::Texture::Atlas* atlas) override;
+    void DrawLine(GUI::Geometry::Line const& line) override;
+    void DrawCircle(GUI::Geometry::Circle const& circle) override;
+    void DrawFilledCircle(GUI::Geometry::Circle const& circle) override;
+    /// Fills the rectangle with the line colour and stamps the current ids on every pixel of it.
+    void DrawRectangle(GUI::Geometry::Rectangle const& rectangle) override;
+    /// Draws the rectangle's outline with the line colour; the id target is left untouched.
+    void DrawFilledRectangle(GUI::Geometry::Rectangle const& rectangle) override;
+    /// Draws an atlas area (colour on unit 13, stencil on unit 14) masked by the stencil's red
+    /// coverage; ids are stamped where the coverage exceeds one half.
+    void DrawTexturedRectangle(GUI::Geometry::TexturedRectangle const& rectangle) override;
+    void DrawText(GUI::Texture::Base* target, GUI::Text* text, GUI::Geometry::Rectangle area,
+                  int horizontalAlignment, int verticalAlignment) override;
+    void GetTextSize(GUI::Text* text, int* width, int* height) override;
+    void SetLineThickness(float thickness) override;
+    void SetLineColor(GUI::Color color) override;
+    void SetFontColor(GUI::Color color) override;
+    void SetIds(unsigned int primary, unsigned int sub) override;
+    /// Stores a new, unallocated OpenglTexture of the format in *out.
+    void GenerateTexture(GUI::Texture::Base** out, int format) override;
+    void DeleteTexture(GUI::Texture::Base* texture) override;
+    /// Sizes the pair to the rectangle, attaches it to the renderer's framebuffer, clears it and
+    /// shifts the viewport so that screen coordinates keep working: the rectangle's minimum corner
+    /// lands on texel (0, 0).
+    void SetRenderTargetToTexture(GUI::Texture::Base* color, GUI::Texture::Base* ids,
+                                  GUI::Geometry::Rectangle& rectangle) override;
+    /// Back to the host's framebuffer with a full-screen viewport.
+    void ClearRenderTargetToTexture() override;
+    /// Composites a layer pair onto the current target: the layer covers `rectangle`, transformed
+    /// by the frame about `pivot`, faded by the frame's alpha.
+    void RenderTexture(GUI::Texture::Base* color, GUI::Texture::Base* ids, GUI::Animation::Frame* frame,
+                       GUI::Geometry::Rectangle* rectangle, GUI::Geometry::Point* pivot) override;
+
+    /// Creates the framebuffer used for texture targets unless it exists.
+    virtual bool InitializeFBO();
+    /// Deletes that framebuffer; the destructor does not.
+    virtual bool DestroyFBO();
+    /// 101 points on a circle of radius 0.5, the last repeating the first (reserved for circles).
+    virtual bool BuildCircleBuffer();
+    /// Unit quad (0,0)-(1,1) for filled areas, drawn as a triangle fan.
+    virtual bool BuildQuadBuffer();
+    /// Quad centred on the origin with texture coordinates, for compositing layers.
+    virtual bool BuildCenteredQuadBuffer();
+    /// Unit quad drawn as a line loop, for outlines.
+    virtual bool BuildOutlineBuffer();
+    /// Unit line (0,0)-(1,0), reserved for lines.
+    virtual bool BuildLineBuffer();
+
+    bool IsInitialized() const { return initialized_; }
+    unsigned int ScreenWidth() const { return screenWidth_; }
+    unsigned int ScreenHeight() const { return screenHeight_; }
+    float LineThickness() const { return lineThickness_; }
+    GUI::Color LineColor() const { return lineColor_; }
+    unsigned int PrimaryId() const { return primaryId_; }
+    unsigned int SubId() const { return subId_; }
+    GLuint FrameBuffer() const { return frameBuffer_; }
+
+private:
+    bool BuildProgram(std::unique_ptr<GLSLProgram>& program, const char* vertex, const char* fragment);
+    /// Points every sampler at its fixed unit once, so draws that set no sampler still read the
+    /// right textures.
+    void SetSamplerDefaults();
+    void UploadProjection(GLSLProgram& program, const float* matrix);
+
+    unsigned int screenWidth_ = 0;
+    unsigned int screenHeight_ = 0;
+    float lineThickness_ = 0.f;
+    GUI::Color lineColor_{};
+    unsigned int primaryId_ = 0;
+    unsigned int subId_ = 0;
+    bool initialized_ = false;
+    GLuint frameBuffer_ = 0;
+    std::unique_ptr<GLVertexBuffer> circleBuffer_;
+    std::unique_ptr<GLVertexBuffer> quadBuffer_;
+    std::unique_ptr<GLVertexBuffer> centeredQuadBuffer_;
+    std::unique_ptr<GLVertexBuffer> outlineBuffer_;
+    std::unique_ptr<GLVertexBuffer> lineBuffer_;
+    std::unique_ptr<GLSLProgram> texturedProgram_;
+    std::unique_ptr<GLSLProgram> lineProgram_;
+    std::unique_ptr<GLSLProgram> cachedProgram_;
+    std::unique_ptr<TextRendererFreeType> textRenderer_;
+};
+
+} // namespace GUI::Renderer
