@@ -65,7 +65,8 @@ GLSLProgram::~GLSLProgram() {
 
 GLSLProgram::GLSLProgram(GLSLProgram&& other) noexcept
     : program_(std::exchange(other.program_, 0)), shaders_(std::move(other.shaders_)),
-      names_(std::move(other.names_)), linked_(std::exchange(other.linked_, false)) {
+      names_(std::move(other.names_)), failedShader_(std::move(other.failedShader_)),
+      linked_(std::exchange(other.linked_, false)) {
     other.shaders_.clear();
     other.names_.clear();
 }
@@ -76,6 +77,7 @@ GLSLProgram& GLSLProgram::operator=(GLSLProgram&& other) noexcept {
         program_ = std::exchange(other.program_, 0);
         shaders_ = std::move(other.shaders_);
         names_ = std::move(other.names_);
+        failedShader_ = std::move(other.failedShader_);
         linked_ = std::exchange(other.linked_, false);
         other.shaders_.clear();
         other.names_.clear();
@@ -90,6 +92,7 @@ void GLSLProgram::release() {
     }
     shaders_.clear();
     names_.clear();
+    failedShader_.clear();
     if (program_ != 0) {
         glDeleteProgram(program_);
         GB_CHECK_GL(kTag);
@@ -120,6 +123,13 @@ bool GLSLProgram::LoadSource(const std::string& fileName, std::string& source) {
 }
 
 bool GLSLProgram::addShader(const std::string& fileName) {
+    bool added = compileAndAttach(fileName);
+    if (!added && failedShader_.empty())
+        failedShader_ = fileName;
+    return added;
+}
+
+bool GLSLProgram::compileAndAttach(const std::string& fileName) {
     GLenum stage = StageFor(fileName);
     if (stage == 0) {
         std::printf("GLSLProgram: %s: unknown shader stage (expected .vert, .vs, .frag or .fs)\n",
@@ -173,6 +183,10 @@ bool GLSLProgram::addShader(const std::string& fileName) {
 
 bool GLSLProgram::linkProgram() {
     linked_ = false;
+    if (!failedShader_.empty()) {
+        std::printf("GLSLProgram: link refused: %s failed to load\n", failedShader_.c_str());
+        return false;
+    }
     if (program_ == 0) {
         std::printf("GLSLProgram: link failed: no shaders were added\n");
         return false;

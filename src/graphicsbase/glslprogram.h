@@ -26,7 +26,8 @@ public:
     /// ".frag"/".fs" fragment). False when the file is unknown, the ending is not recognised or the
     /// source does not compile.
     bool addShader(const std::string& fileName);
-    /// Links the stages added so far; false (with the log printed) on failure.
+    /// Links the stages added so far; false (with the log printed) on failure, and without trying
+    /// when an earlier addShader failed (a program missing a stage is not a usable program).
     bool linkProgram();
     bool isLinked() const { return linked_; }
     /// Makes the program current; does nothing until it is linked.
@@ -40,10 +41,12 @@ public:
     static bool LoadSource(const std::string& fileName, std::string& source);
 
 private:
+    bool compileAndAttach(const std::string& fileName);
     void release();
 
     GLuint program_ = 0;
     std::vector<GLuint> shaders_;
     std::vector<std::string> names_;
+    std::string failedShader_;
     bool linked_ = false;
 };
