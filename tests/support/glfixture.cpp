@@ -1,7 +1,7 @@
 #include "support/glfixture.h"
 
 #include <GL/glew.h>
-#include <png.h>
+#include <graphicsbase/pngwriter.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -54,28 +54,7 @@ std::string OutputDir() {
 }
 
 bool WritePng(const std::string& path, const uint8_t* rgba, int width, int height, bool bottomUp) {
-    FILE* f = std::fopen(path.c_str(), "wb");
-    if (!f)
-        return false;
-    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-    png_infop info = png_create_info_struct(png);
-    if (setjmp(png_jmpbuf(png))) {
-        png_destroy_write_struct(&png, &info);
-        std::fclose(f);
-        return false;
-    }
-    png_init_io(png, f);
-    png_set_IHDR(png, info, width, height, 8, PNG_COLOR_TYPE_RGBA, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
-                 PNG_FILTER_TYPE_DEFAULT);
-    png_write_info(png, info);
-    for (int row = 0; row < height; ++row) {
-        int src = bottomUp ? height - 1 - row : row;
-        png_write_row(png, const_cast<png_bytep>(rgba + static_cast<size_t>(src) * width * 4));
-    }
-    png_write_end(png, nullptr);
-    png_destroy_write_struct(&png, &info);
-    std::fclose(f);
-    return true;
+    return GraphicsBase::WritePNG(path, rgba, width, height, bottomUp);
 }
 
 } // namespace trelvo::test

@@ -1,0 +1,305 @@
+#include "demohost.h"
+
+#include <trelvogui/gui/button.h>
+#include <trelvogui/gui/controlbase.h>
+#include <trelvogui/gui/label.h>
+#include <trelvogui/gui/panel.h>
+#include <trelvogui/gui/sizehandle.h>
+#include <trelvogui/gui/switchbutton.h>
+#include <trelvogui/probecontrol.h>
+
+#include <glm/glm.hpp>
+#include <glm/gtc/matrix_transform.hpp>
+#include <glm/gtc/type_ptr.hpp>
+
+#include <cstdio>
+
+namespace demo {
+namespace {
+
+const char* kCubeVertex = R"(#version 330 core
+layout(location = 0) in vec3 position;
+layout(location = 1) in vec3 normal;
+uniform mat4 model;
+uniform mat4 viewProjection;
+out vec3 worldNormal;
+void main() {
+    worldNormal = mat3(model) * normal;
+    gl_Position = viewProjection * model * vec4(position, 1.0);
+})";
+
+const char* kCubeFragment = R"(#version 330 core
+in vec3 worldNormal;
+out vec4 color;
+void main() {
+    vec3 n = normalize(worldNormal);
+    vec3 light = normalize(vec3(0.4, 0.8, 0.6));
+    float diffuse = max(dot(n, light), 0.0);
+    vec3 base = vec3(0.85, 0.55, 0.2);
+    color = vec4(base * (0.25 + 0.75 * diffuse), 1.0);
+})";
+
+GLuint compile(GLenum stage, const char* source) {
+    GLuint shader = glCreateShader(stage);
+    glShaderSource(shader, 1, &source, nullptr);
+    glCompileShader(shader);
+    GLint ok = 0;
+    glGetShaderiv(shader, GL_COMPILE_STATUS, &ok);
+    if (!ok) {
+        char log[1024];
+        glGetShaderInfoLog(shader, sizeof log, nullptr, log);
+        std::fprintf(stderr, "cube shader: %s\n", log);
+    }
+    return shader;
+}
+
+std::string describe(GUI::Controls::Base* c) {
+    return c ? "control " + std::to_string(c->GetId()) : std::string("nothing");
+}
+
+GUI::Color rgba(uint8_t r, uint8_t g, uint8_t b, uint8_t a = 255) {
+    return GUI::Color{r, g, b, a};
+}
+
+} // namespace
+
+DemoHost::DemoHost(int width, int height) : width_(width), height_(height) {}
+
+DemoHost::~DemoHost() {
+    // Controls go before the manager; the probe box owns its own.
+    probe_.reset();
+    while (!owned_.empty())
+        owned_.pop_back();
+    input_.reset();
+    manager_.reset();
+    if (cubeVao_)
+        glDeleteVertexArrays(1, &cubeVao_);
+    if (cubeVbo_)
+        glDeleteBuffers(1, &cubeVbo_);
+    if (cubeProgram_)
+        glDeleteProgram(cubeProgram_);
+}
+
+bool DemoHost::Initialize() {
+    if (!buildCube())
+        return false;
+    manager_ = std::make_shared<GUI::GUIManager>(GUI::Renderer::OpenGL);
+    if (!manager_->Initialize()) {
+        std::fprintf(stderr, "the overlay could not be initialised\n");
+        return false;
+    }
+    manager_->Resize(width_, height_);
+    input_ = std::make_unique<GUI::GUIInputManager>(*this);
+    input_->addScreenHandler(manager_.get());
+    buildOverlay();
+    return true;
+}
+
+void DemoHost::buildOverlay() {
+    using namespace GUI::Controls;
+    const int top = height_;
+
+    toolbar_ = own(new Panel());
+    toolbar_->SetRectangle({16, 336, top - 236, top - 16});
+    toolbar_->SetMargins({12, 12, 12, 12});
+
+    auto* title = own(new Label());
+    title->SetFontSize(20);
+    title->GetTextRecord()->bold = true;
+    title->SetColor(rgba(30, 40, 60));
+    title->SetRectangle({0, 260, 170, 196});
+    title->SetText(L"Scene tools");
+    toolbar_->AddChild(title);
+
+    resetButton_ = own(new Button());
+    resetButton_->SetRectangle({0, 140, 120, 156});
+    resetButton_->SetText(L"Count click");
+    resetButton_->ClickedSignal.connect([this] {
+        ++clicks_;
+        clicksLabel_->SetText(L"Clicks: " + std::to_wstring(clicks_));
+        note("  button 'Count click' fired ClickedSignal");
+    });
+    toolbar_->AddChild(resetButton_);
+
+    clicksLabel_ = own(new Label());
+    clicksLabel_->SetRectangle({152, 290, 120, 156});
+    clicksLabel_->SetVerticalAlignment(1);
+    clicksLabel_->SetColor(rgba(30, 40, 60));
+    clicksLabel_->SetText(L"Clicks: 0");
+    toolbar_->AddChild(clicksLabel_);
+
+    rotateSwitch_ = own(new SwitchButton());
+    rotateSwitch_->SetRectangle({0, 28, 76, 104});
+    rotateSwitch_->SetCallback([this] {
+        rotating_ = rotateSwitch_->IsOn();
+        note(std::string("  switch callback: rotation ") + (rotating_ ? "on" : "off"));
+        return DRAW_SCENE;
+    });
+    toolbar_->AddChild(rotateSwitch_);
+
+    auto* switchLabel = own(new Label());
+    switchLabel->SetRectangle({40, 200, 76, 104});
+    switchLabel->SetVerticalAlignment(1);
+    switchLabel->SetColor(rgba(30, 40, 60));
+    switchLabel->SetText(L"Rotate the cube");
+    toolbar_->AddChild(switchLabel);
+
+    auto* greeting = own(new Label());
+    greeting->SetRectangle({0, 260, 36, 64});
+    greeting->SetVerticalAlignment(1);
+    greeting->SetColor(rgba(20, 90, 140));
+    greeting->SetText(L"Привет, мир · Γειά σου κόσμε");
+    toolbar_->AddChild(greeting);
+
+    auto* axis = own(new Label());
+    axis->SetOrientation(1);
+    axis->SetFontSize(14);
+    axis->SetColor(rgba(120, 40, 40));
+    axis->SetRectangle({272, 296, 0, 110});
+    axis->SetHorizontalAlignment(1);
+    axis->SetVerticalAlignment(1);
+    axis->SetText(L"Depth (mm)");
+    toolbar_->AddChild(axis);
+
+    auto* hint = own(new Label());
+    hint->SetFontSize(13);
+    hint->SetRectangle({0, 260, 4, 28});
+    hint->SetVerticalAlignment(1);
+    hint->SetColor(rgba(90, 100, 110));
+    hint->SetText(L"Drag the panels; resize the notes.");
+    toolbar_->AddChild(hint);
+    toolbar_->Register(manager_);
+
+    notes_ = own(new Panel());
+    notes_->SetRectangle({width_ - 276, width_ - 16, top - 196, top - 16});
+    notes_->SetMinSize(160, 90);
+    // The grip sits in the panel's own corner, which margins would shift: keep them zero here.
+    notes_->SetSizeable(true);
+    auto* notesText = own(new Label());
+    notesText->SetRectangle({12, 240, 140, 170});
+    notesText->SetColor(rgba(30, 40, 60));
+    notesText->SetVerticalAlignment(1);
+    notesText->SetText(L"Notes: drag my grip");
+    notes_->AddChild(notesText);
+    notes_->RectangleChangedSignal.connect([this] {
+        const auto& r = notes_->GetRectangle();
+        note("  notes panel is now " + std::to_string(r.Width()) + " x " + std::to_string(r.Height()));
+    });
+    notes_->Register(manager_);
+
+    probe_ = std::make_unique<ProbeControl>(manager_);
+    probe_->Initialize();
+    probe_->SetName(L"Probe A");
+    probe_->SetCollapsedText(L"HU 42 · 3.1 mm");
+    probe_->SetLocation(width_ - 300, 24);
+}
+
+bool DemoHost::buildCube() {
+    cubeProgram_ = glCreateProgram();
+    GLuint vs = compile(GL_VERTEX_SHADER, kCubeVertex);
+    GLuint fs = compile(GL_FRAGMENT_SHADER, kCubeFragment);
+    glAttachShader(cubeProgram_, vs);
+    glAttachShader(cubeProgram_, fs);
+    glLinkProgram(cubeProgram_);
+    glDeleteShader(vs);
+    glDeleteShader(fs);
+    GLint ok = 0;
+    glGetProgramiv(cubeProgram_, GL_LINK_STATUS, &ok);
+    if (!ok) {
+        std::fprintf(stderr, "cube program does not link\n");
+        return false;
+    }
+    std::vector<float> v;
+    const glm::vec3 normals[6] = {{1, 0, 0}, {-1, 0, 0}, {0, 1, 0}, {0, -1, 0}, {0, 0, 1}, {0, 0, -1}};
+    for (const glm::vec3& n : normals) {
+        glm::vec3 u = glm::abs(n.x) > 0.5f ? glm::vec3(0, 1, 0) : glm::vec3(1, 0, 0);
+        glm::vec3 w = glm::cross(n, u);
+        glm::vec3 corners[4] = {n - u - w, n + u - w, n + u + w, n - u + w};
+        for (int i : {0, 1, 2, 0, 2, 3}) {
+            glm::vec3 p = corners[i] * 0.5f;
+            v.insert(v.end(), {p.x, p.y, p.z, n.x, n.y, n.z});
+        }
+    }
+    glGenVertexArrays(1, &cubeVao_);
+    glBindVertexArray(cubeVao_);
+    glGenBuffers(1, &cubeVbo_);
+    glBindBuffer(GL_ARRAY_BUFFER, cubeVbo_);
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(v.size() * sizeof(float)), v.data(),
+                 GL_STATIC_DRAW);
+    glEnableVertexAttribArray(0);
+    glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, 24, nullptr);
+    glEnableVertexAttribArray(1);
+    glVertexAttribPointer(1, 3, GL_FLOAT, GL_FALSE, 24, reinterpret_cast<const void*>(12));
+    glBindVertexArray(0);
+    return true;
+}
+
+void DemoHost::drawCube(float angle) {
+    glViewport(0, 0, width_, height_);
+    glClearColor(0.12f, 0.14f, 0.18f, 1.f);
+    glClearDepth(1.0);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    glEnable(GL_DEPTH_TEST);
+    glm::mat4 projection = glm::perspective(glm::radians(40.f), float(width_) / float(height_), 0.1f, 50.f);
+    glm::mat4 view = glm::lookAt(glm::vec3(0, 1.2f, 3.6f), glm::vec3(0), glm::vec3(0, 1, 0));
+    glm::mat4 model = glm::rotate(glm::mat4(1.f), glm::radians(angle), glm::vec3(0.3f, 1.f, 0.1f));
+    glm::mat4 vp = projection * view;
+    glUseProgram(cubeProgram_);
+    glUniformMatrix4fv(glGetUniformLocation(cubeProgram_, "model"), 1, GL_FALSE, glm::value_ptr(model));
+    glUniformMatrix4fv(glGetUniformLocation(cubeProgram_, "viewProjection"), 1, GL_FALSE, glm::value_ptr(vp));
+    glBindVertexArray(cubeVao_);
+    glDrawArrays(GL_TRIANGLES, 0, 36);
+    glBindVertexArray(0);
+    glUseProgram(0);
+    glDisable(GL_DEPTH_TEST);
+}
+
+void DemoHost::RenderFrame(float angle) {
+    drawCube(angle);
+    manager_->UpdateLayers();
+    manager_->Draw();
+}
+
+void DemoHost::Resize(int width, int height) {
+    width_ = width;
+    height_ = height;
+    manager_->Resize(width, height);
+}
+
+bool DemoHost::MouseMove(int x, int y, int buttons) {
+    bool handled = input_->mouseMoveEvent(x, y, lastX_, lastY_, buttons, 0);
+    lastX_ = x;
+    lastY_ = y;
+    return handled;
+}
+
+bool DemoHost::MousePress(int x, int y, int buttons) {
+    bool handled = input_->mousePressEvent(x, y, lastX_, lastY_, buttons, 0);
+    lastX_ = x;
+    lastY_ = y;
+    unsigned pid = 0, sid = 0;
+    manager_->HitDetect(x, height_ - y, &pid, &sid);
+    note("  press at (" + std::to_string(x) + ", " + std::to_string(y) + ") reached " +
+         describe(manager_->Find(pid)));
+    return handled;
+}
+
+bool DemoHost::MouseRelease(int x, int y, int buttons) {
+    bool handled = input_->mouseReleaseEvent(x, y, lastX_, lastY_, buttons, 0);
+    lastX_ = x;
+    lastY_ = y;
+    return handled;
+}
+
+void DemoHost::SetDrawFlags(DrawFlags flags) {
+    GraphicsScene::SetDrawFlags(flags);
+    note("  handlers answered DrawFlags " + std::to_string(static_cast<unsigned>(flags)));
+}
+
+std::vector<std::string> DemoHost::TakeJournal() {
+    std::vector<std::string> out;
+    out.swap(journal_);
+    return out;
+}
+
+} // namespace demo

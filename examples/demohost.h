@@ -1,0 +1,87 @@
+#pragma once
+// A small host application: a lit, rotating cube of its own and a TrelvoGUI overlay on top.
+
+#include <trelvogui/gui/guiinputmanager.h>
+#include <trelvogui/gui/guimanager.h>
+
+#include <graphicsbase/graphicsscene.h>
+
+#include <GL/glew.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace GUI::Controls {
+class Panel;
+class Label;
+class Button;
+class SwitchButton;
+} // namespace GUI::Controls
+class ProbeControl;
+
+namespace demo {
+
+/// Everything a host does: owns its scene, builds the overlay once, forwards input through the
+/// input manager and draws the overlay after its own scene each frame.
+class DemoHost : public GraphicsScene {
+public:
+    DemoHost(int width, int height);
+    ~DemoHost() override;
+
+    /// With the host's context current. False (with a message) if the overlay cannot start.
+    bool Initialize();
+    /// Draws the cube (turned by `angle` degrees) into the current framebuffer, then the overlay.
+    void RenderFrame(float angle);
+    void Resize(int width, int height);
+
+    /// Host-side input, y growing downward; the previous position is tracked here.
+    bool MouseMove(int x, int y, int buttons = 0);
+    bool MousePress(int x, int y, int buttons);
+    bool MouseRelease(int x, int y, int buttons);
+
+    void SetDrawFlags(DrawFlags flags) override;
+    /// Lines describing what the last events reached.
+    std::vector<std::string> TakeJournal();
+
+    bool Rotating() const { return rotating_; }
+    GUI::GUIManager& Manager() { return *manager_; }
+    GUI::Controls::Button* ResetButton() { return resetButton_; }
+    GUI::Controls::SwitchButton* RotateSwitch() { return rotateSwitch_; }
+    GUI::Controls::Panel* Toolbar() { return toolbar_; }
+    GUI::Controls::Panel* NotesPanel() { return notes_; }
+    ProbeControl* Probe() { return probe_.get(); }
+
+private:
+    void buildOverlay();
+    bool buildCube();
+    void drawCube(float angle);
+    void note(std::string line) { journal_.push_back(std::move(line)); }
+    template <class T> T* own(T* control) {
+        owned_.emplace_back(control, [](void* p) { delete static_cast<T*>(p); });
+        return control;
+    }
+
+    int width_;
+    int height_;
+    std::shared_ptr<GUI::GUIManager> manager_;
+    std::unique_ptr<GUI::GUIInputManager> input_;
+    std::unique_ptr<ProbeControl> probe_;
+    std::vector<std::unique_ptr<void, void (*)(void*)>> owned_;
+    GUI::Controls::Panel* toolbar_ = nullptr;
+    GUI::Controls::Panel* notes_ = nullptr;
+    GUI::Controls::Button* resetButton_ = nullptr;
+    GUI::Controls::SwitchButton* rotateSwitch_ = nullptr;
+    GUI::Controls::Label* clicksLabel_ = nullptr;
+    int clicks_ = 0;
+    bool rotating_ = true;
+    int lastX_ = 0;
+    int lastY_ = 0;
+    std::vector<std::string> journal_;
+    GLuint cubeProgram_ = 0;
+    GLuint cubeVao_ = 0;
+    GLuint cubeVbo_ = 0;
+};
+
+} // namespace demo
