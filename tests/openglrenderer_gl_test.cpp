@@ -12,6 +12,8 @@
 #include <array>
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -469,4 +471,43 @@ TEST_F(RendererTest, StateSettersKeepTheirValues) {
     EXPECT_FALSE(glIsFramebuffer(fbo));
     EXPECT_TRUE(renderer->DestroyFBO());
     EXPECT_TRUE(renderer->InitializeFBO());
+}
+
+TEST_F(RendererTest, RenderAttributesDisableBlendAndDepthUntilReleased) {
+    attributes.reset();
+    glEnable(GL_BLEND);
+    glEnable(GL_DEPTH_TEST);
+    {
+        auto setter = renderer->SetRenderAttributes();
+        EXPECT_FALSE(glIsEnabled(GL_BLEND));
+        EXPECT_FALSE(glIsEnabled(GL_DEPTH_TEST));
+    }
+    EXPECT_TRUE(glIsEnabled(GL_BLEND)) << "the host's state comes back";
+    EXPECT_TRUE(glIsEnabled(GL_DEPTH_TEST));
+    glDisable(GL_BLEND);
+    glDisable(GL_DEPTH_TEST);
+}
+
+TEST_F(GLTest, RendererInitializeFailsOnABrokenShaderAndStaysInert) {
+    std::string dir = trelvo::test::OutputDir() + "/renderer_broken_shader";
+    std::filesystem::create_directories(dir);
+    std::ofstream(dir + "/UILineShader.frag") << "#version 330 core\nvoid main() { broken }\n";
+    setenv("TRELVOGUI_SHADER_PATH", dir.c_str(), 1);
+    OpenglRenderer renderer;
+    testing::internal::CaptureStdout();
+    bool initialized = renderer.Initialize();
+    std::string output = testing::internal::GetCapturedStdout();
+    unsetenv("TRELVOGUI_SHADER_PATH");
+    std::filesystem::remove_all(dir);
+
+    EXPECT_FALSE(initialized);
+    EXPECT_FALSE(renderer.IsInitialized());
+    EXPECT_NE(output.find("UILineShader.frag"), std::string::npos) << output;
+    EXPECT_FALSE(renderer.SetScreen(256, 256));
+    glClearColor(0.f, 0.f, 1.f, 1.f);
+    glClear(GL_COLOR_BUFFER_BIT);
+    renderer.DrawRectangle(Rectangle{0, 256, 0, 256});
+    renderer.DrawTexturedRectangle(TexturedRectangle{Rectangle{0, 256, 0, 256}});
+    EXPECT_EQ(ReadColor(10, 10), (std::array<uint8_t, 4>{0, 0, 255, 255}));
+    renderer.DestroyFBO();
 }

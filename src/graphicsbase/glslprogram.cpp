@@ -69,6 +69,7 @@ GLSLProgram::GLSLProgram(GLSLProgram&& other) noexcept
       linked_(std::exchange(other.linked_, false)) {
     other.shaders_.clear();
     other.names_.clear();
+    other.failedShader_.clear();
 }
 
 GLSLProgram& GLSLProgram::operator=(GLSLProgram&& other) noexcept {
@@ -81,6 +82,7 @@ GLSLProgram& GLSLProgram::operator=(GLSLProgram&& other) noexcept {
         linked_ = std::exchange(other.linked_, false);
         other.shaders_.clear();
         other.names_.clear();
+        other.failedShader_.clear();
     }
     return *this;
 }
