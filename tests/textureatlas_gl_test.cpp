@@ -155,7 +155,8 @@ protected:
         return primary;
     }
 
-    void SaveTarget(const std::string& name) {
+    void SaveTarget(std::string name) {
+        std::replace(name.begin(), name.end(), ' ', '_');
         std::vector<uint8_t> pixels = ReadColorRegion(0, 0, 256, 256);
         trelvo::test::WritePng(trelvo::test::OutputDir() + "/" + name + ".png", pixels.data(), 256, 256);
     }

@@ -151,11 +151,9 @@ bool Atlas::bindRegion(RegionBase& region) {
     region.colorTexture->Bind();
     glActiveTexture(kStencilUnit);
     GB_CHECK_GL(kTag);
+    // Other code may rebind these units between draws (uploads bind on the active unit), so every
+    // region draw binds afresh.
     region.stencilTexture->Bind();
-    // Leave unit 0 active: texture uploads elsewhere bind on the active unit and would otherwise
-    // unbind the stencil atlas behind our back.
-    glActiveTexture(GL_TEXTURE0);
-    GB_CHECK_GL(kTag);
     return true;
 }
 
