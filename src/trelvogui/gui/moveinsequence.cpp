@@ -1,16 +1,8 @@
 #include <trelvogui/gui/moveinsequence.h>
 
-#include <trelvogui/gui/animationframe.h>
-#include <trelvogui/gui/controlbase.h>
-
 namespace GUI::Animation {
 
-MoveInSequence::MoveInSequence(GUI::Controls::Base* control, float seconds) : Sequence(control, seconds) {
-    // The control is hidden from construction on so that it does not flash before the start.
-    if (control)
-        control->GetLocalFrame()->setAlpha(0.f);
-    alphaDelta_ = 1.f;
-    alphaFunction_ = CubicEaseOut;
-}
+MoveInSequence::MoveInSequence(GUI::Controls::Base* control, float seconds)
+    : FadeInSequence(control, seconds) {}
 
 } // namespace GUI::Animation

@@ -41,6 +41,18 @@ OpenglTexture::~OpenglTexture() {
     Free();
 }
 
+// Defines level 0 of the bound texture with the format's storage, then unbinds it.
+void OpenglTexture::defineLevel(const void* pixels) {
+    Storage storage{};
+    if (StorageFor(format_, storage)) {
+        glTexImage2D(GL_TEXTURE_2D, 0, storage.internalFormat, width_, height_, 0, storage.format,
+                     storage.type, pixels);
+        GB_CHECK_GL(kTag);
+    }
+    glBindTexture(GL_TEXTURE_2D, 0);
+    GB_CHECK_GL(kTag);
+}
+
 bool OpenglTexture::Allocate() {
     if (width_ < 1 || height_ < 1) {
         std::printf("OpenglTexture::Allocate(): Texture is set to invalid size %d %d.\n", width_, height_);
@@ -56,14 +68,7 @@ bool OpenglTexture::Allocate() {
     GB_CHECK_GL(kTag);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
     GB_CHECK_GL(kTag);
-    Storage storage{};
-    if (StorageFor(format_, storage)) {
-        glTexImage2D(GL_TEXTURE_2D, 0, storage.internalFormat, width_, height_, 0, storage.format,
-                     storage.type, nullptr);
-        GB_CHECK_GL(kTag);
-    }
-    glBindTexture(GL_TEXTURE_2D, 0);
-    GB_CHECK_GL(kTag);
+    defineLevel(nullptr);
     valid_ = false;
     return true;
 }
@@ -87,14 +92,7 @@ bool OpenglTexture::SetData(const void* pixels) {
         return false;
     glBindTexture(GL_TEXTURE_2D, name_);
     GB_CHECK_GL(kTag);
-    Storage storage{};
-    if (StorageFor(format_, storage)) {
-        glTexImage2D(GL_TEXTURE_2D, 0, storage.internalFormat, width_, height_, 0, storage.format,
-                     storage.type, pixels);
-        GB_CHECK_GL(kTag);
-    }
-    glBindTexture(GL_TEXTURE_2D, 0);
-    GB_CHECK_GL(kTag);
+    defineLevel(pixels);
     return true;
 }
 

@@ -30,6 +30,8 @@ public:
     GLuint GetTextureName() const { return name_; }
 
 private:
+    void defineLevel(const void* pixels);
+
     GLuint name_ = 0;
 };
 

@@ -188,6 +188,20 @@ bool OpenglRenderer::UnloadStencilAtlas(GUI::Texture::Atlas*) {
     return true;
 }
 
+void OpenglRenderer::SetIdUniforms(GLuint program) {
+    glUniform1ui(UniformLocation(program, "pid"), primaryId_);
+    GB_CHECK_GL(kTag);
+    glUniform1ui(UniformLocation(program, "sid"), subId_);
+    GB_CHECK_GL(kTag);
+}
+
+void OpenglRenderer::SetPlacement(GLuint program, GUI::Geometry::Rectangle const& r) {
+    glUniform2i(UniformLocation(program, "bboxMin"), r.xMin, r.yMin);
+    GB_CHECK_GL(kTag);
+    glUniform2i(UniformLocation(program, "bboxDim"), r.xMax - r.xMin, r.yMax - r.yMin);
+    GB_CHECK_GL(kTag);
+}
+
 // Circles and lines are not drawn by the standard controls; their buffers are kept for them.
 void OpenglRenderer::DrawLine(GUI::Geometry::Line const&) {}
 void OpenglRenderer::DrawCircle(GUI::Geometry::Circle const&) {}
@@ -198,15 +212,8 @@ void OpenglRenderer::DrawRectangle(GUI::Geometry::Rectangle const& rectangle) {
         return;
     GLuint program = lineProgram_->getProgram();
     lineProgram_->begin();
-    glUniform1ui(UniformLocation(program, "pid"), primaryId_);
-    GB_CHECK_GL(kTag);
-    glUniform1ui(UniformLocation(program, "sid"), subId_);
-    GB_CHECK_GL(kTag);
-    glUniform2i(UniformLocation(program, "bboxMin"), rectangle.xMin, rectangle.yMin);
-    GB_CHECK_GL(kTag);
-    glUniform2i(UniformLocation(program, "bboxDim"), rectangle.xMax - rectangle.xMin,
-                rectangle.yMax - rectangle.yMin);
-    GB_CHECK_GL(kTag);
+    SetIdUniforms(program);
+    SetPlacement(program, rectangle);
     glUniform1i(UniformLocation(program, "targetColorSampler"), kTargetColorUnit);
     GB_CHECK_GL(kTag);
     detail::TargetBarrier();
@@ -222,11 +229,7 @@ void OpenglRenderer::DrawFilledRectangle(GUI::Geometry::Rectangle const& rectang
         return;
     GLuint program = lineProgram_->getProgram();
     lineProgram_->begin();
-    glUniform2i(UniformLocation(program, "bboxMin"), rectangle.xMin, rectangle.yMin);
-    GB_CHECK_GL(kTag);
-    glUniform2i(UniformLocation(program, "bboxDim"), rectangle.xMax - rectangle.xMin,
-                rectangle.yMax - rectangle.yMin);
-    GB_CHECK_GL(kTag);
+    SetPlacement(program, rectangle);
     // An outline is decoration, not a hit area: keep the id attachment as it was.
     GLboolean idMask[4] = {GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE};
     glGetBooleani_v(GL_COLOR_WRITEMASK, 1, idMask);
@@ -251,14 +254,8 @@ void OpenglRenderer::DrawTexturedRectangle(GUI::Geometry::TexturedRectangle cons
 
     GLuint program = texturedProgram_->getProgram();
     texturedProgram_->begin();
-    glUniform1ui(UniformLocation(program, "pid"), primaryId_);
-    GB_CHECK_GL(kTag);
-    glUniform1ui(UniformLocation(program, "sid"), subId_);
-    GB_CHECK_GL(kTag);
-    glUniform2i(UniformLocation(program, "bboxMin"), r.xMin, r.yMin);
-    GB_CHECK_GL(kTag);
-    glUniform2i(UniformLocation(program, "bboxDim"), r.xMax - r.xMin, r.yMax - r.yMin);
-    GB_CHECK_GL(kTag);
+    SetIdUniforms(program);
+    SetPlacement(program, r);
     glUniform2f(UniformLocation(program, "uvMin"), textured.s0, textured.t0);
     GB_CHECK_GL(kTag);
     glUniform2f(UniformLocation(program, "uvDim"), textured.s1 - textured.s0, textured.t1 - textured.t0);

@@ -103,6 +103,10 @@ private:
     /// right textures.
     void SetSamplerDefaults();
     void UploadProjection(GLSLProgram& program, const float* matrix);
+    /// The current ids as uniforms `pid` and `sid` of the bound program.
+    void SetIdUniforms(GLuint program);
+    /// Places the unit geometry on the rectangle (`bboxMin`, `bboxDim`).
+    void SetPlacement(GLuint program, GUI::Geometry::Rectangle const& r);
 
     unsigned int screenWidth_ = 0;
     unsigned int screenHeight_ = 0;
