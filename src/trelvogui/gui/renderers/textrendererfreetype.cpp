@@ -23,7 +23,6 @@
 #include <glm/gtc/type_ptr.hpp>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -152,7 +151,7 @@ template <class F> void ForEachCodePoint(const std::wstring& s, F&& f) {
 // What the text path remembers between draws: the font objects, the glyph cache and a scratch
 // buffer that rasterising reuses, so a label re-rasterised every frame allocates nothing new.
 struct TextRendererFreeType::Impl {
-    // The font settings record; the third value is kept for layout but read by nothing yet.
+    // The font settings of the last rasterised text; `reserved` has no reader yet.
     struct FontSettings {
         int lastWidth = 512;
         int lastHeight = 512;

@@ -15,7 +15,11 @@ class Base;
 
 namespace GUI::Renderer {
 
-/// Owned by the OpenGL renderer. Draw re-rasterises only when the caller's texture is not valid.
+/// Owned by the OpenGL renderer. Draw rasterises only when the caller's texture is not valid and
+/// marks it valid afterwards, so the owner clears the flag when its text changes. A text's size is
+/// its line height in pixels; the text colour tints the glyphs, and a colour with alpha 0 (a label's
+/// default) draws opaque. Fonts: "Segoe UI" when fontconfig really has it, else the embedded DejaVu
+/// Sans regular and bold; faces without an italic are slanted.
 class TRELVOGUI_EXPORT TextRendererFreeType {
 public:
     TextRendererFreeType();
@@ -24,11 +28,11 @@ public:
     TextRendererFreeType(const TextRendererFreeType&) = delete;
     TextRendererFreeType& operator=(const TextRendererFreeType&) = delete;
 
-    /// Loads the font, builds the quad and links "UITextShader.vert" + "UITextShader.frag".
+    /// Loads the fonts, builds the quad and links "UITextShader.vert" + "UITextShader.frag".
     bool Initialize();
     /// Draws the text's texture aligned in `area` (0 min side, 1 centred, 2 max side, other: 0).
-    void Draw(GUI::Texture::Base* target, GUI::Text* text, GUI::Geometry::Rectangle area, int horizontalAlignment,
-              int verticalAlignment);
+    void Draw(GUI::Texture::Base* target, GUI::Text* text, GUI::Geometry::Rectangle area,
+              int horizontalAlignment, int verticalAlignment);
     /// Extent of the text; width and height swap for any non-zero orientation.
     void Measure(GUI::Text* text, int* width, int* height);
     void SetIds(unsigned int primary, unsigned int sub) {
