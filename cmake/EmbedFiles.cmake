@@ -1,6 +1,6 @@
 # cmake -P script: writes a C++ source holding every listed file as a byte array and a function that
 # registers them with GraphicsBase's resource registry.
-file(READ ${SPEC} entries)
+file(READ ${MANIFEST} entries)
 set(body "// Generated file: do not edit.\n#include <graphicsbase/resources.h>\n#include <cstddef>\n\nnamespace {\n")
 set(regs "")
 set(idx 0)

@@ -7,7 +7,7 @@ function(trelvo_embed_resources target module)
     cmake_parse_arguments(ARG "" "OUTPUT;FUNCTION" "ENTRIES" ${ARGN})
     # ENTRIES is a flat list: <file> <resource name> <type> ...
     set(files)
-    set(spec)
+    set(manifest)
     list(LENGTH ARG_ENTRIES n)
     set(i 0)
     while(i LESS n)
@@ -17,17 +17,17 @@ function(trelvo_embed_resources target module)
         list(GET ARG_ENTRIES ${j} name)
         list(GET ARG_ENTRIES ${k} type)
         list(APPEND files ${file})
-        string(APPEND spec "${file}|${name}|${type};")
+        string(APPEND manifest "${file}|${name}|${type};")
         math(EXPR i "${i} + 3")
     endwhile()
     set(out ${CMAKE_CURRENT_BINARY_DIR}/${ARG_OUTPUT})
-    set(specfile ${CMAKE_CURRENT_BINARY_DIR}/${ARG_OUTPUT}.list)
-    file(WRITE ${specfile}.in "${spec}")
-    configure_file(${specfile}.in ${specfile} COPYONLY)
+    set(manifestfile ${CMAKE_CURRENT_BINARY_DIR}/${ARG_OUTPUT}.list)
+    file(WRITE ${manifestfile}.in "${manifest}")
+    configure_file(${manifestfile}.in ${manifestfile} COPYONLY)
     add_custom_command(OUTPUT ${out}
-        COMMAND ${CMAKE_COMMAND} -DSPEC=${specfile} -DOUT=${out} -DMODULE=${module} -DFUNCTION=${ARG_FUNCTION}
+        COMMAND ${CMAKE_COMMAND} -DMANIFEST=${manifestfile} -DOUT=${out} -DMODULE=${module} -DFUNCTION=${ARG_FUNCTION}
                 -P ${TRELVO_EMBED_SCRIPT}
-        DEPENDS ${files} ${specfile} ${TRELVO_EMBED_SCRIPT}
+        DEPENDS ${files} ${manifestfile} ${TRELVO_EMBED_SCRIPT}
         COMMENT "Embedding resources into ${target}")
     target_sources(${target} PRIVATE ${out})
 endfunction()
