@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <unistd.h>
 #include <utility>
 
 using trelvo::test::GLTest;
@@ -21,7 +22,10 @@ namespace {
 // must walk the list) for the lifetime of the object.
 class ShaderDir {
 public:
-    ShaderDir() : dir_(trelvo::test::OutputDir() + "/glslprogram_shaders") {
+    // One directory per process and test: ctest runs tests in parallel processes.
+    ShaderDir()
+        : dir_(trelvo::test::OutputDir() + "/shaders-" + std::to_string(getpid()) + "-" +
+               testing::UnitTest::GetInstance()->current_test_info()->name()) {
         std::filesystem::remove_all(dir_);
         std::filesystem::create_directories(dir_);
         std::string path = "/nonexistent-trelvo-dir:" + dir_;
