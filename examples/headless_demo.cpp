@@ -1,6 +1,7 @@
 // Headless host: draws an overlay over its own 3D scene without a window, replays a scripted mouse
 // session through the input manager and writes PNG frames, printing what each event reached.
 #include "demohost.h"
+#include "skinsheet.h"
 
 #include <trelvogui/gui/button.h>
 #include <trelvogui/gui/panel.h>
@@ -115,5 +116,13 @@ int main(int argc, char** argv) {
     const auto& r = s.host.Toolbar()->GetRectangle();
     std::printf("tools panel now at (%d, %d)-(%d, %d); rotation %s\n", r.xMin, r.yMin, r.xMax, r.yMax,
                 s.host.Rotating() ? "on" : "off");
+
+    std::string sheet = (std::filesystem::path(outDir) / "skin-sheet.png").string();
+    if (!demo::WriteSkinSheet(sheet)) {
+        std::printf("could not write the skin sheet\n");
+        return 1;
+    }
+    std::printf("wrote %s (every standard control in each state)\n",
+                std::filesystem::absolute(sheet).c_str());
     return 0;
 }

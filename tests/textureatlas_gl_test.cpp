@@ -1,6 +1,7 @@
 // Texture atlas: loading the embedded skin, nine-slice geometry, and which region each control state
 // draws, checked on pixels read back from a texture target against the decoded atlas images.
 #include "support/glfixture.h"
+#include "support/pngencode.h"
 
 #include <trelvogui/gui/button.h>
 #include <trelvogui/gui/downbutton.h>
@@ -55,30 +56,10 @@ bool SameArea(const Area& a, const Area& b) {
     return a.xMin == b.xMin && a.xMax == b.xMax && a.yMin == b.yMin && a.yMax == b.yMax;
 }
 
-void AppendBytes(png_structp png, png_bytep data, png_size_t length) {
-    auto* out = static_cast<std::vector<unsigned char>*>(png_get_io_ptr(png));
-    out->insert(out->end(), data, data + length);
-}
-
 // A flat image of the given size: RGBA (4 channels) or RGB (3).
 std::vector<unsigned char> EncodeFlat(int width, int height, int channels, uint8_t value) {
-    std::vector<unsigned char> out;
-    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-    png_infop info = png_create_info_struct(png);
-    if (setjmp(png_jmpbuf(png))) {
-        png_destroy_write_struct(&png, &info);
-        return {};
-    }
-    png_set_write_fn(png, &out, AppendBytes, nullptr);
-    png_set_IHDR(png, info, width, height, 8, channels == 4 ? PNG_COLOR_TYPE_RGBA : PNG_COLOR_TYPE_RGB,
-                 PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-    png_write_info(png, info);
-    std::vector<uint8_t> row(std::size_t(width) * channels, value);
-    for (int y = 0; y < height; ++y)
-        png_write_row(png, row.data());
-    png_write_end(png, nullptr);
-    png_destroy_write_struct(&png, &info);
-    return out;
+    return trelvo::test::EncodePng(width, height, channels == 4 ? PNG_COLOR_TYPE_RGBA : PNG_COLOR_TYPE_RGB, 8,
+                                   std::vector<uint8_t>(std::size_t(width) * height * channels, value));
 }
 
 /// The skin images as the atlas should show them, decoded independently of the atlas.
@@ -587,100 +568,4 @@ TEST_F(TextureAtlasTest, LabelDrawsOnlyWithText) {
                 ++(x >= 20 && x < 120 && y >= 20 && y < 60 ? inside : outside);
     EXPECT_GT(inside, 0);
     EXPECT_EQ(outside, 0);
-}
-
-// Every region at a few sizes and states, on a dark and a light backdrop, written to the test output
-// folder for a person to judge the skin.
-TEST_F(TextureAtlasTest, SkinPicture) {
-    constexpr int kW = 520, kH = 320;
-    renderer->SetScreen(kW, kH);
-    Rectangle screen{0, kW, 0, kH};
-    renderer->SetRenderTargetToTexture(targetColor, targetIds, screen);
-    renderer->SetIds(0, 0);
-    renderer->SetLineColor({38, 42, 50, 255});
-    renderer->DrawRectangle(screen);
-    renderer->SetLineColor({176, 184, 194, 255});
-    renderer->DrawRectangle({260, kW, 0, kH});
-
-    GUI::Controls::Set& set = atlas->GetControlSet();
-    std::vector<std::unique_ptr<GUI::Controls::Base>> controls;
-    auto button = [&](const wchar_t* text, Rectangle r, bool enabled, bool pressed, bool hovered) {
-        auto b = std::make_unique<GUI::Controls::Button>();
-        b->SetRectangle(r);
-        b->SetText(text);
-        b->GetLabel()->SetColor({28, 32, 40, 255});
-        b->GetLabel()->SetFontSize(13);
-        b->SetEnabled(enabled);
-        b->SetPressed(pressed);
-        b->SetHovered(hovered);
-        b->DrawWithChildren(atlas.get());
-        controls.push_back(std::move(b));
-    };
-
-    auto panel = std::make_unique<GUI::Controls::Panel>();
-    panel->SetRectangle({20, 240, 20, 300});
-    panel->SetSizeable(true);
-    atlas->DrawPanel(panel.get());
-    atlas->DrawSizeHandle(panel->GetSizeHandle());
-    button(L"Normal", {40, 140, 260, 284}, true, false, false);
-    button(L"Hovered", {40, 140, 222, 246}, true, false, true);
-    button(L"Pressed", {40, 140, 184, 208}, true, true, true);
-    button(L"Disabled", {40, 140, 146, 170}, false, false, false);
-    button(L"Wide button", {40, 220, 100, 130}, true, false, false);
-    for (int on = 0; on < 2; ++on) {
-        GUI::Controls::SwitchButton s;
-        s.SetRectangle({160 + 36 * on, 188 + 36 * on, 250, 278});
-        s.SetOn(on == 1);
-        atlas->DrawSwitchButton(&s);
-    }
-    for (int hovered = 0; hovered < 2; ++hovered) {
-        GUI::Controls::UpButton up;
-        up.SetRectangle({160 + 26 * hovered, 178 + 26 * hovered, 200, 209});
-        up.SetHovered(hovered == 1);
-        atlas->DrawUpButton(&up);
-        GUI::Controls::DownButton down;
-        down.SetRectangle({160 + 26 * hovered, 178 + 26 * hovered, 188, 197});
-        down.SetHovered(hovered == 1);
-        atlas->DrawDownButton(&down);
-    }
-
-    // On the light side: a hovered panel, tiny and large buttons, the spare regions.
-    auto hot = std::make_unique<GUI::Controls::Panel>();
-    hot->SetRectangle({280, 500, 20, 110});
-    hot->SetHovered(true);
-    hot->SetSizeable(true);
-    hot->GetSizeHandle()->SetHovered(true);
-    atlas->DrawPanel(hot.get());
-    atlas->DrawSizeHandle(hot->GetSizeHandle());
-    button(L"OK", {300, 340, 60, 80}, true, false, false);
-    button(L"Cancel", {360, 480, 52, 88}, true, false, true);
-    button(L"", {290, 296, 280, 286}, true, false, false);
-    button(L"Large", {310, 500, 240, 300}, true, false, false);
-    button(L"", {290, 300, 250, 260}, true, true, false);
-    Rectangle r{280, 296, 140, 156};
-    atlas->DrawExpandableTexture(set.smallSquareA, r);
-    r = {300, 316, 140, 156};
-    atlas->DrawExpandableTexture(set.smallSquareB, r);
-    r = {330, 362, 130, 162};
-    atlas->DrawExpandableTexture(set.box1[0], r);
-    r = {370, 402, 130, 162};
-    atlas->DrawExpandableTexture(set.box2[0], r);
-    r = {410, 442, 130, 162};
-    atlas->DrawExpandableTexture(set.box3[0], r);
-    for (int on = 0; on < 2; ++on) {
-        GUI::Controls::SwitchButton s;
-        s.SetRectangle({300 + 60 * on, 348 + 60 * on, 180, 228});
-        s.SetOn(on == 1);
-        atlas->DrawSwitchButton(&s);
-    }
-
-    std::vector<uint8_t> pixels = ReadColorRegion(0, 0, kW, kH);
-    EXPECT_TRUE(
-        trelvo::test::WritePng(trelvo::test::OutputDir() + "/textureatlas_skin.png", pixels.data(), kW, kH));
-    // The backdrop survives between controls and the panel shows its fill.
-    const std::array<uint8_t, 4> panelFill = Skin().Color(400, 730);
-    const uint8_t* inside = &pixels[(std::size_t(60) * kW + 200) * 4];
-    for (int c = 0; c < 3; ++c)
-        EXPECT_NEAR(inside[c], panelFill[c], 2);
-    EXPECT_EQ(pixels[(std::size_t(310) * kW + 5) * 4], 38);
 }
