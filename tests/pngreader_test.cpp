@@ -1,3 +1,5 @@
+#include "support/pngencode.h"
+
 #include <graphicsbase/pngreader.h>
 #include <graphicsbase/resources.h>
 
@@ -9,38 +11,7 @@
 
 namespace {
 
-void AppendBytes(png_structp png, png_bytep data, png_size_t length) {
-    auto* out = static_cast<std::vector<unsigned char>*>(png_get_io_ptr(png));
-    out->insert(out->end(), data, data + length);
-}
-
-/// Encodes rows top-down with the given colour type and depth; `palette` is used for palette images.
-std::vector<unsigned char> Encode(int width, int height, int colorType, int bitDepth,
-                                  const std::vector<uint8_t>& rows,
-                                  const std::vector<png_color>& palette = {}, bool interlaced = false) {
-    std::vector<unsigned char> out;
-    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-    png_infop info = png_create_info_struct(png);
-    if (setjmp(png_jmpbuf(png))) {
-        png_destroy_write_struct(&png, &info);
-        return {};
-    }
-    png_set_write_fn(png, &out, AppendBytes, nullptr);
-    png_set_IHDR(png, info, width, height, bitDepth, colorType,
-                 interlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
-                 PNG_FILTER_TYPE_DEFAULT);
-    if (!palette.empty())
-        png_set_PLTE(png, info, palette.data(), static_cast<int>(palette.size()));
-    png_write_info(png, info);
-    const std::size_t stride = rows.size() / height;
-    std::vector<png_bytep> pointers(height);
-    for (int y = 0; y < height; ++y)
-        pointers[y] = const_cast<png_bytep>(rows.data() + y * stride);
-    png_write_image(png, pointers.data());
-    png_write_end(png, nullptr);
-    png_destroy_write_struct(&png, &info);
-    return out;
-}
+using trelvo::test::EncodePng;
 
 // A 3 x 2 image whose every byte differs, so that swapped rows, channels or pixels all show.
 std::vector<uint8_t> Pattern(int channels) {
@@ -95,7 +66,7 @@ std::vector<DecodeCase> DecodeCases() {
 TEST(PNGReader, DecodesSupportedLayoutsRowsTopDown) {
     for (const DecodeCase& c : DecodeCases()) {
         SCOPED_TRACE(c.name);
-        std::vector<unsigned char> png = Encode(3, 2, c.colorType, c.bitDepth, c.stored, {}, c.interlaced);
+        std::vector<unsigned char> png = EncodePng(3, 2, c.colorType, c.bitDepth, c.stored, {}, c.interlaced);
         ASSERT_FALSE(png.empty());
         PNGReader reader;
         ASSERT_TRUE(reader.loadFromMemory(png.data(), png.size()));
@@ -109,7 +80,7 @@ TEST(PNGReader, DecodesSupportedLayoutsRowsTopDown) {
 
 TEST(PNGReader, PaletteBecomesRgb) {
     const std::vector<png_color> palette = {{200, 10, 20}, {30, 220, 40}, {50, 60, 230}};
-    std::vector<unsigned char> png = Encode(3, 2, PNG_COLOR_TYPE_PALETTE, 8, {0, 1, 2, 2, 1, 0}, palette);
+    std::vector<unsigned char> png = EncodePng(3, 2, PNG_COLOR_TYPE_PALETTE, 8, {0, 1, 2, 2, 1, 0}, palette);
     PNGReader reader;
     ASSERT_TRUE(reader.loadFromMemory(png.data(), png.size()));
     ASSERT_EQ(reader.channels(), 3);
@@ -119,7 +90,7 @@ TEST(PNGReader, PaletteBecomesRgb) {
 }
 
 TEST(PNGReader, RgbaViewAddsOpaqueAlphaToRgbAndKeepsRgba) {
-    std::vector<unsigned char> rgb = Encode(3, 2, PNG_COLOR_TYPE_RGB, 8, Pattern(3));
+    std::vector<unsigned char> rgb = EncodePng(3, 2, PNG_COLOR_TYPE_RGB, 8, Pattern(3));
     PNGReader reader;
     ASSERT_TRUE(reader.loadFromMemory(rgb.data(), rgb.size()));
     std::vector<unsigned char> view = reader.rgba();
@@ -132,13 +103,13 @@ TEST(PNGReader, RgbaViewAddsOpaqueAlphaToRgbAndKeepsRgba) {
         EXPECT_EQ(view[i * 4 + 3], 255);
     }
 
-    std::vector<unsigned char> rgba = Encode(3, 2, PNG_COLOR_TYPE_RGBA, 8, Pattern(4));
+    std::vector<unsigned char> rgba = EncodePng(3, 2, PNG_COLOR_TYPE_RGBA, 8, Pattern(4));
     ASSERT_TRUE(reader.loadFromMemory(rgba.data(), rgba.size()));
     EXPECT_EQ(reader.rgba(), Pattern(4));
 }
 
 TEST(PNGReader, CorruptInputFailsAndLeavesReaderEmpty) {
-    const std::vector<unsigned char> good = Encode(3, 2, PNG_COLOR_TYPE_RGBA, 8, Pattern(4));
+    const std::vector<unsigned char> good = EncodePng(3, 2, PNG_COLOR_TYPE_RGBA, 8, Pattern(4));
     ASSERT_GT(good.size(), 60u);
 
     std::vector<unsigned char> badCrc = good;
