@@ -334,3 +334,39 @@ TEST_F(GUIManagerTest, RemovingAControlCancelsItsAnimations) {
     EXPECT_FALSE(manager->NeedsRedrawForAnimation());
     EXPECT_FALSE(manager->Contains(a));
 }
+
+TEST_F(GUIManagerTest, HostBindingsSurviveAFrameAndTheOverlayLandsInTheHostsFramebuffer) {
+    AddRoot("a", {10, 50, 10, 50}, 0xFF00FF00);
+    GLuint hostTexture = 0, hostFramebuffer = 0, hostVertexArray = 0;
+    glGenTextures(1, &hostTexture);
+    glBindTexture(GL_TEXTURE_2D, hostTexture);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, 256, 256, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
+    glGenFramebuffers(1, &hostFramebuffer);
+    glBindFramebuffer(GL_FRAMEBUFFER, hostFramebuffer);
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, hostTexture, 0);
+    glGenVertexArrays(1, &hostVertexArray);
+    glBindVertexArray(hostVertexArray);
+    glActiveTexture(GL_TEXTURE3);
+    glViewport(0, 0, 256, 256);
+    glClearColor(0.f, 0.f, 0.f, 1.f);
+    glClear(GL_COLOR_BUFFER_BIT);
+
+    manager->UpdateLayers();
+    manager->Draw();
+
+    GLint drawFramebuffer = 0, vertexArray = 0, activeTexture = 0;
+    glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &drawFramebuffer);
+    glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &vertexArray);
+    glGetIntegerv(GL_ACTIVE_TEXTURE, &activeTexture);
+    EXPECT_EQ(static_cast<GLuint>(drawFramebuffer), hostFramebuffer);
+    EXPECT_EQ(static_cast<GLuint>(vertexArray), hostVertexArray);
+    EXPECT_EQ(activeTexture, GL_TEXTURE3);
+    EXPECT_EQ(ReadColor(30, 30)[1], 255) << "the overlay was composited into the host's framebuffer";
+
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    glBindVertexArray(0);
+    glActiveTexture(GL_TEXTURE0);
+    glDeleteFramebuffers(1, &hostFramebuffer);
+    glDeleteVertexArrays(1, &hostVertexArray);
+    glDeleteTextures(1, &hostTexture);
+}

@@ -8,6 +8,7 @@
 #include <trelvogui/gui/textureatlas.h>
 
 #include <graphicsbase/glerror.h>
+#include <graphicsbase/glscopedbindings.h>
 #include <graphicsbase/glscopedsetter.h>
 #include <graphicsbase/glslprogram.h>
 #include <graphicsbase/logfile.h>
@@ -241,9 +242,8 @@ void GUIManager::UpdateLayers() {
     if (!NeedsRedraw() || !renderer_ || !atlas_ || !layerFramebuffer_)
         return;
 
-    GLint hostViewport[4];
-    glGetIntegerv(GL_VIEWPORT, hostViewport);
-    GB_CHECK_GL(kFile);
+    // Whatever the host had bound (its own framebuffer, program, vertex array) comes back afterwards.
+    GL::GLScopedBindings hostBindings;
 
     // Only roots composite a cached layer; a stale animatable child is redrawn inside its root.
     for (GUI::Controls::Base* control : Controls())
@@ -301,9 +301,6 @@ void GUIManager::UpdateLayers() {
         glBindFramebuffer(GL_FRAMEBUFFER, 0);
         GB_CHECK_GL(kFile);
     }
-    glViewport(hostViewport[0], hostViewport[1], hostViewport[2], hostViewport[3]);
-    GB_CHECK_GL(kFile);
-
     needsRedraw_ = !animations_.empty();
     layerUpdateTime_ += static_cast<int32_t>(GUI::Clock::Ticks() - t0);
     ++layerUpdateCount_;
@@ -314,6 +311,7 @@ void GUIManager::Draw() {
         return;
     GL::GLScopedSetter state(GL::Disable{GL_DEPTH_TEST}, GL::Enable{GL_BLEND},
                              GL::BlendFunc{GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA});
+    GL::GLScopedBindings hostBindings;
     compositeProgram_->begin();
     GLuint program = compositeProgram_->getProgram();
     glUniform1i(GUI::Renderer::detail::UniformLocationQuiet(program, "ExplicitGammaCorrection"),

@@ -1,0 +1,30 @@
+#include <graphicsbase/glscopedbindings.h>
+
+#include <graphicsbase/glerror.h>
+
+namespace GL {
+namespace {
+const char* kFile = "glscopedbindings";
+}
+
+GLScopedBindings::GLScopedBindings() {
+    glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &drawFramebuffer_);
+    glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &readFramebuffer_);
+    glGetIntegerv(GL_VIEWPORT, viewport_);
+    glGetIntegerv(GL_CURRENT_PROGRAM, &program_);
+    glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &vertexArray_);
+    glGetIntegerv(GL_ACTIVE_TEXTURE, &activeTexture_);
+    GB_CHECK_GL(kFile);
+}
+
+GLScopedBindings::~GLScopedBindings() {
+    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, static_cast<GLuint>(drawFramebuffer_));
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(readFramebuffer_));
+    glViewport(viewport_[0], viewport_[1], viewport_[2], viewport_[3]);
+    glUseProgram(static_cast<GLuint>(program_));
+    glBindVertexArray(static_cast<GLuint>(vertexArray_));
+    glActiveTexture(static_cast<GLenum>(activeTexture_));
+    GB_CHECK_GL(kFile);
+}
+
+} // namespace GL
