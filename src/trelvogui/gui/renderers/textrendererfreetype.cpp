@@ -33,6 +33,21 @@ namespace GUI::Renderer {
 
 namespace {
 
+// Start of an extent placed in [min, max]: 0 at the min side, 1 centred, 2 at the max side; any
+// other value places it at 0. No clipping: a wider extent starts before min.
+int alignedStart(int min, int max, int extent, int alignment) {
+    switch (alignment) {
+    case 0:
+        return min;
+    case 1:
+        return min + (max - min - extent) / 2;
+    case 2:
+        return max - extent;
+    default:
+        return 0;
+    }
+}
+
 constexpr const char* kTag = "gui/renderers/textrendererfreetype";
 constexpr const char* kFaceName = "Segoe UI";
 
@@ -472,34 +487,8 @@ void TextRendererFreeType::Draw(GUI::Texture::Base* target, GUI::Text* text, GUI
 
     int width = target->Width();
     int height = target->Height();
-    int x = 0;
-    switch (horizontalAlignment) {
-    case 0:
-        x = area.xMin;
-        break;
-    case 1:
-        x = area.xMin + (area.Width() - width) / 2;
-        break;
-    case 2:
-        x = area.xMax - width;
-        break;
-    default:
-        break;
-    }
-    int y = 0;
-    switch (verticalAlignment) {
-    case 0:
-        y = area.yMin;
-        break;
-    case 1:
-        y = area.yMin + (area.Height() - height) / 2;
-        break;
-    case 2:
-        y = area.yMax - height;
-        break;
-    default:
-        break;
-    }
+    int x = alignedStart(area.xMin, area.xMax, width, horizontalAlignment);
+    int y = alignedStart(area.yMin, area.yMax, height, verticalAlignment);
 
     if (!impl_->program || !impl_->program->isLinked())
         return;
