@@ -1,8 +1,7 @@
 // Standard controls through the real path: drawn into the id layer, driven by routed pointer events.
-#include "support/glfixture.h"
+#include "support/overlayfixture.h"
 
 #include <trelvogui/gui/button.h>
-#include <trelvogui/gui/guiclock.h>
 #include <trelvogui/gui/guimanager.h>
 #include <trelvogui/gui/label.h>
 #include <trelvogui/gui/panel.h>
@@ -11,41 +10,15 @@
 #include <trelvogui/probecontrol.h>
 
 using GUI::Geometry::Rectangle;
-using trelvo::test::GLTest;
 
 namespace {
-class ControlsTest : public GLTest {
+class ControlsTest : public trelvo::test::OverlayTest {
 protected:
-    void SetUp() override {
-        GLTest::SetUp();
-        GUI::Clock::SetSource([this] { return now; });
-        manager = std::make_shared<GUI::GUIManager>();
-        ASSERT_TRUE(manager->Initialize());
-        manager->Resize(256, 256);
-    }
-    void TearDown() override {
-        manager.reset();
-        GUI::Clock::SetSource({});
-        GLTest::TearDown();
-    }
-    /// Routes a press, optional drag steps and a release at overlay positions (y up).
+    /// A quick press and release at overlay (x, y), y up.
     DrawFlags Click(int x, int y) {
-        VX_UI::MouseEvent press;
-        press.x = x;
-        press.y = 256 - y;
-        press.buttons = 1;
-        manager->mousePressEvent(&press);
-        VX_UI::MouseEvent release = press;
-        release.buttons = 0;
-        return manager->mouseReleaseEvent(&release);
+        Press(x, 256 - y);
+        return Release(x, 256 - y);
     }
-    unsigned PidAt(int x, int y) {
-        unsigned pid = 0, sid = 0;
-        manager->HitDetect(x, y, &pid, &sid);
-        return pid;
-    }
-    uint64_t now = 5000;
-    std::shared_ptr<GUI::GUIManager> manager;
 };
 } // namespace
 
@@ -102,22 +75,14 @@ TEST_F(ControlsTest, DraggingTheGripResizesThePanelAndStopsAtTheMinimum) {
     GUI::Controls::SizeHandle* grip = panel.GetSizeHandle();
     ASSERT_EQ(PidAt(155, 104), grip->GetId()) << "the grip is hit in the panel's x-max, y-min corner";
 
-    auto route = [&](int x, int y, int px, int py, int buttons, bool press) {
-        VX_UI::MouseEvent e;
-        e.x = x;
-        e.y = 256 - y;
-        e.prevX = px;
-        e.prevY = 256 - py;
-        e.buttons = buttons;
-        return press ? manager->mousePressEvent(&e) : manager->mouseMoveEvent(&e);
-    };
-    route(155, 104, 155, 104, 1, true);
-    // The control receives the previous event's position: each step applies the one before it.
-    route(175, 84, 155, 104, 1, false);
-    route(195, 64, 175, 84, 1, false);
+    // Host coordinates from here on (y down). The control receives the previous event's position:
+    // each step applies the one before it.
+    Press(155, 152);
+    Move(175, 172, 155, 152, 1);
+    Move(195, 192, 175, 172, 1);
     EXPECT_EQ(panel.GetRectangle(), (Rectangle{40, 180, 80, 200}));
-    route(0, 250, 195, 64, 1, false);
-    route(0, 251, 0, 250, 1, false);
+    Move(0, 6, 195, 192, 1);
+    Move(0, 5, 0, 6, 1);
     EXPECT_EQ(panel.GetRectangle(), (Rectangle{40, 120, 140, 200}))
         << "clamped to 80 x 60, x-min and y-max fixed";
     EXPECT_EQ(grip->GetRectangle(), (Rectangle{111, 120, 140, 149}));

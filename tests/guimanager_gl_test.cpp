@@ -1,10 +1,9 @@
 // The overlay end to end on a real context: layers, compositing, hit detection and input routing.
-#include "support/glfixture.h"
+#include "support/overlayfixture.h"
 
 #include <trelvogui/gui/animationsequence.h>
 #include <trelvogui/gui/controlbase.h>
 #include <trelvogui/gui/fadeinsequence.h>
-#include <trelvogui/gui/guiclock.h>
 #include <trelvogui/gui/guimanager.h>
 #include <trelvogui/gui/renderers/renderer.h>
 #include <trelvogui/gui/textureatlas.h>
@@ -15,7 +14,6 @@
 #include <vector>
 
 using GUI::Controls::Base;
-using trelvo::test::GLTest;
 
 namespace {
 /// A control that paints its rectangle in one colour with its id and records every handler call.
@@ -58,27 +56,11 @@ private:
     uint32_t color_;
 };
 
-/// A clock the test advances by hand.
-struct ManualClock {
-    ManualClock() {
-        GUI::Clock::SetSource([this] { return now; });
-    }
-    ~ManualClock() { GUI::Clock::SetSource({}); }
-    uint64_t now = 1000;
-};
-
-class GUIManagerTest : public GLTest {
+class GUIManagerTest : public trelvo::test::OverlayTest {
 protected:
-    void SetUp() override {
-        GLTest::SetUp();
-        manager = std::make_shared<GUI::GUIManager>();
-        ASSERT_TRUE(manager->Initialize());
-        manager->Resize(256, 256);
-    }
     void TearDown() override {
         controls.clear();
-        manager.reset();
-        GLTest::TearDown();
+        OverlayTest::TearDown();
     }
 
     /// A registered root probe at (x0, x1, y0, y1) in overlay pixels.
@@ -89,37 +71,6 @@ protected:
         return controls.back().get();
     }
 
-    // Host coordinates have y down: overlay y = 256 - host y.
-    DrawFlags Move(int x, int y, int px, int py, int buttons = 0) {
-        VX_UI::MouseEvent e;
-        e.x = x;
-        e.y = y;
-        e.prevX = px;
-        e.prevY = py;
-        e.buttons = buttons;
-        return manager->mouseMoveEvent(&e);
-    }
-    DrawFlags Press(int x, int y, int buttons = 1) {
-        VX_UI::MouseEvent e;
-        e.x = x;
-        e.y = y;
-        e.buttons = buttons;
-        return manager->mousePressEvent(&e);
-    }
-    DrawFlags Release(int x, int y) {
-        VX_UI::MouseEvent e;
-        e.x = x;
-        e.y = y;
-        return manager->mouseReleaseEvent(&e);
-    }
-    unsigned PidAt(int x, int y) {
-        unsigned pid = 99, sid = 99;
-        EXPECT_TRUE(manager->HitDetect(x, y, &pid, &sid));
-        return pid;
-    }
-
-    ManualClock clock;
-    std::shared_ptr<GUI::GUIManager> manager;
     std::vector<std::unique_ptr<Probe>> controls;
     std::vector<std::string> journal;
 };
@@ -196,7 +147,7 @@ TEST_F(GUIManagerTest, HoverPressDragReleaseFollowTheTransitionTable) {
     EXPECT_EQ(Move(61, 61, 60, 60), DRAW_NOTHING);
     EXPECT_EQ(Press(61, 61), DrawFlags(9));
     EXPECT_EQ(a->lastSid, 7u);
-    clock.now += 50;
+    now += 50;
     EXPECT_EQ(Release(61, 61), DrawFlags(9));
     EXPECT_EQ(clicked, 1);
     EXPECT_EQ(journal,
@@ -207,7 +158,7 @@ TEST_F(GUIManagerTest, HoverPressDragReleaseFollowTheTransitionTable) {
     Press(61, 61);
     EXPECT_EQ(Move(71, 51, 61, 61, 1), DrawFlags(9));
     EXPECT_EQ(a->GetRectangle(), (GUI::Geometry::Rectangle{60, 110, 166, 216}));
-    clock.now += 201;
+    now += 201;
     Release(71, 51);
     EXPECT_EQ(clicked, 1);
     EXPECT_EQ(journal, (std::vector<std::string>{"a down", "a drag 10,10", "a up", "a enter"}));
@@ -219,11 +170,11 @@ TEST_F(GUIManagerTest, ClickWindowIsInclusiveOf200Milliseconds) {
     a->ClickedSignal.connect([&] { ++clicked; });
     manager->UpdateLayers();
     Press(10, 240);
-    clock.now += 200;
+    now += 200;
     Release(10, 240);
     EXPECT_EQ(clicked, 1);
     Press(10, 240);
-    clock.now += 201;
+    now += 201;
     Release(10, 240);
     EXPECT_EQ(clicked, 1);
 }
@@ -238,7 +189,7 @@ TEST_F(GUIManagerTest, DragThatLeavesKeepsDeliveringAndTheNewControlIsEnteredAtR
     Move(160, 10, 100, 10, 1);
     EXPECT_EQ(journal, (std::vector<std::string>{"a down", "a drag 90,0", "a drag 60,0"}));
     journal.clear();
-    clock.now += 500;
+    now += 500;
     Release(160, 10);
     EXPECT_EQ(journal, (std::vector<std::string>{"a up", "a exit", "b enter"}));
     EXPECT_FALSE(a->Pressed());
@@ -278,7 +229,7 @@ TEST_F(GUIManagerTest, ReleaseAtHostTopRowHitsNothing) {
     AddRoot("a", {0, 100, 156, 256});
     manager->UpdateLayers();
     Press(10, 10);
-    clock.now += 500;
+    now += 500;
     Release(10, 0); // overlay y = height: outside
     EXPECT_EQ(journal, (std::vector<std::string>{"a down", "a up", "a exit"}));
     journal.clear();
@@ -312,11 +263,11 @@ TEST_F(GUIManagerTest, AnimationReRendersEveryUpdateUntilItEnds) {
     manager->SetNeedsRedraw(true);
     int updates = manager->GetLayerUpdateCount();
     for (int i = 0; i < 3; ++i) {
-        clock.now += 30;
+        now += 30;
         manager->UpdateLayers();
         EXPECT_TRUE(manager->NeedsRedraw()) << "still animating";
     }
-    clock.now += 30;
+    now += 30;
     manager->UpdateLayers();
     EXPECT_EQ(manager->GetLayerUpdateCount(), updates + 4);
     EXPECT_FALSE(manager->NeedsRedrawForAnimation());
