@@ -24,16 +24,17 @@ uniform mat4 model;
 uniform mat4 viewProjection;
 out vec3 worldNormal;
 void main() {
-    worldNormal = mat3(model) * normal;
+    worldNormal = transpose(inverse(mat3(model))) * normal;
     gl_Position = viewProjection * model * vec4(position, 1.0);
 })";
 
 const char* kCubeFragment = R"(#version 330 core
 in vec3 worldNormal;
+uniform vec3 lightDirection;
 out vec4 color;
 void main() {
     vec3 n = normalize(worldNormal);
-    vec3 light = normalize(vec3(0.4, 0.8, 0.6));
+    vec3 light = normalize(lightDirection);
     float diffuse = max(dot(n, light), 0.0);
     vec3 base = vec3(0.85, 0.55, 0.2);
     color = vec4(base * (0.25 + 0.75 * diffuse), 1.0);
@@ -63,7 +64,28 @@ GUI::Color rgba(uint8_t r, uint8_t g, uint8_t b, uint8_t a = 255) {
 
 } // namespace
 
-DemoHost::DemoHost(int width, int height) : width_(width), height_(height) {}
+DemoHost::DemoHost(int width, int height)
+    : width_(width), height_(height), camera_(std::make_shared<Camera>()),
+      light_(std::make_shared<DirectionalLight>()), cubeFrame_(std::make_shared<LocalFrame>()) {
+    camera_->SetPosition({2.4f, 1.9f, 3.4f});
+    camera_->SetTarget({0.f, 0.f, 0.f});
+    camera_->SetUpVector({0.f, 1.f, 0.f});
+    camera_->SetPerspective(40.f, 0.1f, 50.f);
+    camera_->SetViewport(width, height);
+    camera_->CalcMatrices();
+    light_->position = {0.4f, 0.8f, 0.6f};
+}
+
+void DemoHost::CameraChanged() {
+    camera_->CalcMatrices();
+    if (manager_)
+        manager_->SetCameraUpdated(true);
+}
+
+void DemoHost::LightChanged() {
+    if (manager_)
+        manager_->SetLightUpdated(true);
+}
 
 DemoHost::~DemoHost() {
     // Controls go before the manager; the probe box owns its own.
@@ -240,11 +262,13 @@ void DemoHost::drawCube(float angle) {
     glClearDepth(1.0);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     glEnable(GL_DEPTH_TEST);
-    glm::mat4 projection = glm::perspective(glm::radians(40.f), float(width_) / float(height_), 0.1f, 50.f);
-    glm::mat4 view = glm::lookAt(glm::vec3(0, 1.2f, 3.6f), glm::vec3(0), glm::vec3(0, 1, 0));
-    glm::mat4 model = glm::rotate(glm::mat4(1.f), glm::radians(angle), glm::vec3(0.3f, 1.f, 0.1f));
-    glm::mat4 vp = projection * view;
+    // The cube's pose is the shared frame (what the gizmo moves); the spin is its own animation.
+    glm::mat4 model =
+        cubeFrame_->getMatrix() * glm::rotate(glm::mat4(1.f), glm::radians(angle), glm::vec3(0, 1, 0));
+    glm::mat4 vp = camera_->ProjectionMatrix() * camera_->ViewMatrix();
+    glm::vec3 toLight = light_->Direction();
     glUseProgram(cubeProgram_);
+    glUniform3fv(glGetUniformLocation(cubeProgram_, "lightDirection"), 1, glm::value_ptr(toLight));
     glUniformMatrix4fv(glGetUniformLocation(cubeProgram_, "model"), 1, GL_FALSE, glm::value_ptr(model));
     glUniformMatrix4fv(glGetUniformLocation(cubeProgram_, "viewProjection"), 1, GL_FALSE, glm::value_ptr(vp));
     glBindVertexArray(cubeVao_);
@@ -263,6 +287,8 @@ void DemoHost::RenderFrame(float angle) {
 void DemoHost::Resize(int width, int height) {
     width_ = width;
     height_ = height;
+    camera_->SetViewport(width, height);
+    CameraChanged();
     manager_->Resize(width, height);
 }
 

@@ -4,7 +4,10 @@
 #include <trelvogui/gui/guiinputmanager.h>
 #include <trelvogui/gui/guimanager.h>
 
+#include <graphicsbase/camera.h>
+#include <graphicsbase/directionallight.h>
 #include <graphicsbase/graphicsscene.h>
+#include <graphicsbase/localframe.h>
 
 #include <GL/glew.h>
 
@@ -45,6 +48,15 @@ public:
     /// Lines describing what the last events reached.
     std::vector<std::string> TakeJournal();
 
+    /// The host's camera, light and the cube's pose, shared with the 3D widgets.
+    const std::shared_ptr<Camera>& SceneCamera() const { return camera_; }
+    const std::shared_ptr<DirectionalLight>& SceneLight() const { return light_; }
+    const std::shared_ptr<LocalFrame>& CubeFrame() const { return cubeFrame_; }
+    /// What a host does after moving its camera: new matrices, and the widgets that follow it restale.
+    void CameraChanged();
+    /// Likewise after the light moved.
+    void LightChanged();
+
     bool Rotating() const { return rotating_; }
     GUI::GUIManager& Manager() { return *manager_; }
     GUI::Controls::Button* ResetButton() { return resetButton_; }
@@ -65,6 +77,9 @@ private:
 
     int width_;
     int height_;
+    std::shared_ptr<Camera> camera_;
+    std::shared_ptr<DirectionalLight> light_;
+    std::shared_ptr<LocalFrame> cubeFrame_;
     std::shared_ptr<GUI::GUIManager> manager_;
     std::unique_ptr<GUI::GUIInputManager> input_;
     std::unique_ptr<ProbeControl> probe_;
