@@ -23,6 +23,8 @@ class Button;
 class SwitchButton;
 } // namespace GUI::Controls
 class ProbeControl;
+class ManipulatorControl;
+class PlaneControl;
 
 namespace demo {
 
@@ -64,11 +66,19 @@ public:
     GUI::Controls::Panel* Toolbar() { return toolbar_; }
     GUI::Controls::Panel* NotesPanel() { return notes_; }
     ProbeControl* Probe() { return probe_.get(); }
+    /// The gizmo on the cube and the slicing-plane widget beside it.
+    ManipulatorControl* Gizmo() { return gizmo_.get(); }
+    PlaneControl* SlicePlane() { return plane_.get(); }
+    /// A pixel deep inside a part of a control, found in the overlay's id layer; host pixels, y down.
+    /// False when the part is not drawn.
+    bool FindPart(unsigned pid, unsigned sid, int& x, int& y);
 
 private:
     void buildOverlay();
+    /// The 3D widgets: a gizmo that carries the cube and a plane widget.
+    bool buildSceneWidgets();
     bool buildCube();
-    void drawCube(float angle);
+    void drawCube();
     void note(std::string line) { journal_.push_back(std::move(line)); }
     template <class T> T* own(T* control) {
         owned_.emplace_back(control, [](void* p) { delete static_cast<T*>(p); });
@@ -83,6 +93,9 @@ private:
     std::shared_ptr<GUI::GUIManager> manager_;
     std::unique_ptr<GUI::GUIInputManager> input_;
     std::unique_ptr<ProbeControl> probe_;
+    std::unique_ptr<ManipulatorControl> gizmo_;
+    std::unique_ptr<PlaneControl> plane_;
+    float spinAngle_ = 0.f;
     std::vector<std::unique_ptr<void, void (*)(void*)>> owned_;
     GUI::Controls::Panel* toolbar_ = nullptr;
     GUI::Controls::Panel* notes_ = nullptr;
@@ -94,6 +107,7 @@ private:
     int lastX_ = 0;
     int lastY_ = 0;
     std::vector<std::string> journal_;
+    std::vector<std::string> stepNotes_;
     GLuint cubeProgram_ = 0;
     GLuint cubeVao_ = 0;
     GLuint cubeVbo_ = 0;

@@ -5,6 +5,7 @@
 #include <trelvogui/gui/guiclock.h>
 #include <trelvogui/gui/guiinputmanager.h>
 #include <trelvogui/gui/guimanager.h>
+#include <trelvogui/gui/panel.h>
 #include <trelvogui/manipulatorcontrol.h>
 #include <trelvogui/manipulatorrenderer.h>
 #include <trelvogui/planecontrol.h>
@@ -414,6 +415,20 @@ TEST_F(GizmoTest, ScaleHandlesStopAtAFloorAndUniformScalingScalesEveryAxis) {
     EXPECT_FLOAT_EQ(s.x, s.y);
     EXPECT_FLOAT_EQ(s.x, s.z);
     EXPECT_EQ(attached->getScale(), s);
+}
+
+TEST_F(GizmoTest, PressingTheGizmoKeepsItBeneathThePanelsOverTheScene) {
+    ManipulatorControl gizmo(camera);
+    Add(gizmo);
+    glm::vec2 box = HandlePoint(gizmo, 7);
+    GUI::Controls::Panel panel;
+    panel.SetRectangle({static_cast<int>(box.x) - 20, static_cast<int>(box.x) + 60,
+                        static_cast<int>(box.y) - 20, static_cast<int>(box.y) + 60});
+    panel.Register(manager);
+    manager->UpdateLayers();
+    ASSERT_EQ(Hit(box).first, panel.GetId());
+    Drag(HandlePoint(gizmo, 2), HandlePoint(gizmo, 2) + glm::vec2(0.f, 3.f));
+    EXPECT_EQ(Hit(box).first, panel.GetId());
 }
 
 TEST_F(GizmoTest, AttachingAndReportingEdges) {

@@ -367,8 +367,12 @@ DrawFlags ManipulatorControl::OnClick(GUI::Event* e) {
     LocalFrame& frame = getFrame();
     glm::mat3 rotation = glm::mat3_cast(frame.getOrientation());
     tgeom::vec axis = rotation[static_cast<int>(e->sid) - 4];
+    // The step a slot reads is this turn, not what the last drag left there.
+    transformation_.reset();
+    const tgeom::quat old = frame.getOrientation();
     if (glm::length(axis) != 0.f)
         frame.rotate(kQuarterTurn, axis);
+    transformation_.setOrientation(frame.getOrientation() * glm::conjugate(old));
     copyToAttached();
     calculateTransformations();
     DrawFlags r = processMoveEvent() | processTransformation();
