@@ -1,6 +1,7 @@
 // The transform gizmo and the plane widget through the real path: drawn by the manager into its
 // layers, picked from the id layer, driven by pointer events through the input manager.
 #include "support/glfixture.h"
+#include "support/shaderdir.h"
 
 #include <trelvogui/gui/guiclock.h>
 #include <trelvogui/gui/guiinputmanager.h>
@@ -499,4 +500,35 @@ TEST_F(GizmoTest, PlaneOutlineFollowsTheFrameAndHidesWithIt) {
     box = outlineBox();
     EXPECT_NEAR(static_cast<float>(box[1] - box[0]) / static_cast<float>(box[3] - box[2]), 2.f, 0.05f);
     EXPECT_FALSE(Handles(plane.GetId()).empty());
+}
+
+TEST_F(GizmoTest, ShadersLackingUniformsAreReportedAndDrawingGoesOn) {
+    trelvo::test::ShaderDir dir;
+    // Places nothing by the pixel matrices and writes no handle ids: every optional name is missing.
+    dir.Write("PolygonManipulator.vs", R"(#version 330 core
+layout(location = 0) in vec3 position;
+void main() { gl_Position = vec4(position * 0.01, 1.0); })");
+    dir.Write("PolygonManipulator.fs", R"(#version 330 core
+uniform uint pid;
+layout(location = 0) out vec4 fragColor;
+layout(location = 1) out uvec4 fragIds;
+void main() { fragColor = vec4(1.0); fragIds = uvec4(pid, 0u, 0u, 0u); })");
+    ManipulatorControl gizmo(camera);
+    Add(gizmo);
+    for (const char* name : {"ProjectionMatrix", "ModelViewMatrix", "secondaryId"})
+        EXPECT_TRUE(log->Contains(std::string("Could not get index for ") + name + "\n")) << name;
+    EXPECT_FALSE(log->Contains("ModelMatrix\n")) << "a missing ModelMatrix is reported under the other name";
+    EXPECT_FALSE(Handles(gizmo.GetId()).empty()) << "drawing went on";
+
+    // The outline's program cannot be built: the plane widget says so and refuses to start.
+    dir.Write("genericLine.fs", "#version 330 core\nvoid main() { broken }\n");
+    PlaneControl plane(camera);
+    testing::internal::CaptureStdout();
+    EXPECT_FALSE(plane.Initialize());
+    std::string out = testing::internal::GetCapturedStdout();
+    EXPECT_NE(out.find("PlanarShapeRenderer::loadProgram(): Could not load shaders.\n"), std::string::npos)
+        << out;
+    plane.Register(manager);
+    manager->UpdateLayers();
+    EXPECT_EQ(Handles(plane.GetId()).size(), 0u) << "a plane widget that failed to start draws nothing";
 }
