@@ -3,7 +3,9 @@
 
 #include <glm/gtc/matrix_transform.hpp>
 
-Camera::Camera() { CalcMatrices(); }
+Camera::Camera() {
+    CalcMatrices();
+}
 
 void Camera::SetPerspective(float fovyDegrees, float nearPlane, float farPlane) {
     fovy_ = fovyDegrees;

@@ -14,6 +14,8 @@ GLScopedBindings::GLScopedBindings() {
     glGetIntegerv(GL_CURRENT_PROGRAM, &program_);
     glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &vertexArray_);
     glGetIntegerv(GL_ACTIVE_TEXTURE, &activeTexture_);
+    glGetIntegerv(GL_TEXTURE_BINDING_2D, &texture_);
+    glGetIntegerv(GL_ARRAY_BUFFER_BINDING, &arrayBuffer_);
     GB_CHECK_GL(kFile);
 }
 
@@ -23,7 +25,9 @@ GLScopedBindings::~GLScopedBindings() {
     glViewport(viewport_[0], viewport_[1], viewport_[2], viewport_[3]);
     glUseProgram(static_cast<GLuint>(program_));
     glBindVertexArray(static_cast<GLuint>(vertexArray_));
+    glBindBuffer(GL_ARRAY_BUFFER, static_cast<GLuint>(arrayBuffer_));
     glActiveTexture(static_cast<GLenum>(activeTexture_));
+    glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(texture_));
     GB_CHECK_GL(kFile);
 }
 

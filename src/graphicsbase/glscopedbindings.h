@@ -8,8 +8,9 @@
 namespace GL {
 
 /// Remembers the draw and read framebuffers, the viewport, the current program, the bound vertex
-/// array and the active texture unit, and restores them on destruction, so that drawing into the
-/// library's own targets leaves a host that renders into its own framebuffer undisturbed.
+/// array, the array buffer, the active texture unit and the 2D texture bound on it, and restores them
+/// on destruction, so that drawing into the library's own targets leaves a host that renders into its
+/// own framebuffer undisturbed.
 class GRAPHICSBASE_EXPORT GLScopedBindings {
 public:
     GLScopedBindings();
@@ -25,6 +26,8 @@ private:
     GLint program_ = 0;
     GLint vertexArray_ = 0;
     GLint activeTexture_ = GL_TEXTURE0;
+    GLint texture_ = 0;
+    GLint arrayBuffer_ = 0;
 };
 
 } // namespace GL

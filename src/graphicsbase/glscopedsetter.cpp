@@ -29,10 +29,16 @@ void GLScopedSetter::setCapability(GLenum capability, bool on) {
     GB_CHECK_GL("glscopedsetter");
 }
 
-void GLScopedSetter::Apply(Enable e) { setCapability(e.capability, true); }
-void GLScopedSetter::Apply(Disable d) { setCapability(d.capability, false); }
+void GLScopedSetter::Apply(Enable e) {
+    setCapability(e.capability, true);
+}
+void GLScopedSetter::Apply(Disable d) {
+    setCapability(d.capability, false);
+}
 
-void GLScopedSetter::Apply(BlendFunc b) { Apply(BlendFuncSeparate{b.source, b.destination, b.source, b.destination}); }
+void GLScopedSetter::Apply(BlendFunc b) {
+    Apply(BlendFuncSeparate{b.source, b.destination, b.source, b.destination});
+}
 
 void GLScopedSetter::Apply(BlendFuncSeparate b) {
     Record* r = push();

@@ -1,8 +1,8 @@
 #include <graphicsbase/headlesscontext.h>
 
-#include <GL/glew.h>
 #include <EGL/egl.h>
 #include <EGL/eglext.h>
+#include <GL/glew.h>
 
 #include <cstring>
 
@@ -15,7 +15,8 @@ EGLDisplay openDisplay() {
     auto getPlatformDisplay =
         reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(eglGetProcAddress("eglGetPlatformDisplayEXT"));
     const char* clientExtensions = eglQueryString(EGL_NO_DISPLAY, EGL_EXTENSIONS);
-    if (getPlatformDisplay && clientExtensions && std::strstr(clientExtensions, "EGL_MESA_platform_surfaceless")) {
+    if (getPlatformDisplay && clientExtensions &&
+        std::strstr(clientExtensions, "EGL_MESA_platform_surfaceless")) {
         EGLDisplay d = getPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
         if (d != EGL_NO_DISPLAY)
             return d;
@@ -94,7 +95,8 @@ HeadlessGLContext::HeadlessGLContext(int width, int height) : width_(width), hei
     // GLEW looks for a GLX display first; on an EGL context it reports that as an error although
     // every entry point has been loaded.
     if (glewResult != GLEW_OK && glewResult != 4 /* GLEW_ERROR_NO_GLX_DISPLAY */) {
-        fail(std::string("glewInit failed: ") + reinterpret_cast<const char*>(glewGetErrorString(glewResult)));
+        fail(std::string("glewInit failed: ") +
+             reinterpret_cast<const char*>(glewGetErrorString(glewResult)));
         return;
     }
     if (!glGenFramebuffers) {

@@ -5,10 +5,22 @@
 #include <graphicsbase/graphicsbase_export.h>
 #include <graphicsbase/uievents.h>
 
+#include <functional>
+#include <utility>
+#include <vector>
+
 /// Every entry point returns what must be redrawn; the defaults ignore the event and return 0.
 class GRAPHICSBASE_EXPORT InputHandler {
 public:
-    virtual ~InputHandler() = default;
+    InputHandler() = default;
+    /// A copy is registered nowhere: registrations belong to the object that was registered.
+    InputHandler(const InputHandler& other) : id_(other.id_) {}
+    InputHandler& operator=(const InputHandler& other) {
+        id_ = other.id_;
+        return *this;
+    }
+    /// Tells every registry that holds this handler to forget it.
+    virtual ~InputHandler();
 
     virtual DrawFlags mousePressEvent(VX_UI::MouseEvent*) { return DRAW_NOTHING; }
     virtual DrawFlags mouseMoveEvent(VX_UI::MouseEvent*) { return DRAW_NOTHING; }
@@ -35,6 +47,12 @@ public:
     void setID(int id) { id_ = id; }
     int getID() const { return id_; }
 
+    /// For registries of handlers: `forget` runs when this handler is destroyed, so a registry never
+    /// keeps a dangling pointer. One entry per owner; adding again replaces it.
+    void AddRemovalObserver(const void* owner, std::function<void(InputHandler*)> forget);
+    void RemoveRemovalObserver(const void* owner);
+
 private:
     int id_ = 0;
+    std::vector<std::pair<const void*, std::function<void(InputHandler*)>>> removalObservers_;
 };

@@ -7,9 +7,15 @@ void LocalFrame::setOrientation(const tgeom::quat& q) {
     orientation_ = len > 0.f ? q / len : tgeom::quat(1.f, 0.f, 0.f, 0.f);
 }
 
-tgeom::vec LocalFrame::xvector() const { return orientation_ * tgeom::vec(1.f, 0.f, 0.f); }
-tgeom::vec LocalFrame::yvector() const { return orientation_ * tgeom::vec(0.f, 1.f, 0.f); }
-tgeom::vec LocalFrame::zvector() const { return orientation_ * tgeom::vec(0.f, 0.f, 1.f); }
+tgeom::vec LocalFrame::xvector() const {
+    return orientation_ * tgeom::vec(1.f, 0.f, 0.f);
+}
+tgeom::vec LocalFrame::yvector() const {
+    return orientation_ * tgeom::vec(0.f, 1.f, 0.f);
+}
+tgeom::vec LocalFrame::zvector() const {
+    return orientation_ * tgeom::vec(0.f, 0.f, 1.f);
+}
 
 void LocalFrame::rotate(float angle, const tgeom::vec& axis) {
     float len = glm::length(axis);
@@ -18,7 +24,9 @@ void LocalFrame::rotate(float angle, const tgeom::vec& axis) {
     rotate(glm::angleAxis(angle, axis / len));
 }
 
-void LocalFrame::rotate(const tgeom::quat& q) { setOrientation(q * orientation_); }
+void LocalFrame::rotate(const tgeom::quat& q) {
+    setOrientation(q * orientation_);
+}
 
 void LocalFrame::reset() {
     position_ = tgeom::vec(0.f);

@@ -8,7 +8,9 @@ LogFile& LogFile::Instance() {
     return instance;
 }
 
-LogFile::~LogFile() { Close(); }
+LogFile::~LogFile() {
+    Close();
+}
 
 void LogFile::AddLine(int level, const char* format, ...) {
     char stackBuffer[512];
@@ -62,4 +64,6 @@ int LogFile::AddObserver(Observer observer) {
     return handle;
 }
 
-void LogFile::RemoveObserver(int handle) { observers_.erase(handle); }
+void LogFile::RemoveObserver(int handle) {
+    observers_.erase(handle);
+}

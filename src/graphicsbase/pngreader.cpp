@@ -2,6 +2,8 @@
 
 #include <png.h>
 
+#include <cstdint>
+
 #include <cstring>
 
 namespace {
@@ -69,6 +71,13 @@ bool decode(png_structp png, png_infop info, MemorySource* source, Decoded* out)
         return false;
     std::size_t rowBytes = png_get_rowbytes(png, info);
     if (rowBytes != std::size_t(out->width) * out->channels)
+        return false;
+    // Refused before anything is allocated: images beyond the pixel budget, and headers that promise
+    // more pixels than the compressed bytes could ever inflate to (deflate stays below about 1:1032,
+    // and rows add a filter byte each), which is how a few hundred bytes would ask for a gigabyte.
+    const std::uint64_t bytes = std::uint64_t(rowBytes) * out->height;
+    if (std::uint64_t(out->width) * out->height > PNGReader::kMaxPixels ||
+        bytes > std::uint64_t(source->size) * 1032u + 65536u)
         return false;
     out->pixels.resize(rowBytes * out->height);
     out->rows.resize(out->height);

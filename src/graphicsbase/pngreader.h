@@ -10,10 +10,14 @@
 
 /// Reads 8-bit RGB and RGBA PNGs; palette and grey images are expanded to RGB (RGBA when they carry
 /// transparency) and 16-bit channels are reduced to 8 bits. Rows are kept top-down, as stored.
-/// A failed load leaves the reader empty (width and height 0); corrupt or truncated input never
+/// A failed load (including an image beyond kMaxPixels, or one whose header promises far more pixels
+/// than its bytes can hold) leaves the reader empty (width and height 0); corrupt or truncated input never
 /// aborts the process.
 class GRAPHICSBASE_EXPORT PNGReader {
 public:
+    /// Images of more pixels are refused before any pixel memory is allocated (128 MiB as RGBA).
+    static constexpr unsigned long long kMaxPixels = 32ull * 1024 * 1024;
+
     PNGReader() = default;
     /// The name only labels the reader; images come from loadFromMemory.
     explicit PNGReader(std::string name) : name_(std::move(name)) {}

@@ -10,4 +10,6 @@ float SrgbColor::FromLinear(float c) {
     return c <= 0.0031308f ? c * 12.92f : 1.055f * std::pow(c, 1.f / 2.4f) - 0.055f;
 }
 
-glm::vec4 SrgbColor::ToLinear() const { return {ToLinear(r), ToLinear(g), ToLinear(b), a}; }
+glm::vec4 SrgbColor::ToLinear() const {
+    return {ToLinear(r), ToLinear(g), ToLinear(b), a};
+}

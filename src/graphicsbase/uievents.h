@@ -5,7 +5,14 @@
 
 namespace VX_UI {
 
-enum EventType { EVENT_NONE = 0, EVENT_KEY = 1, EVENT_MOUSE = 2, EVENT_WHEEL = 3, EVENT_TOUCH = 4, EVENT_TABLET = 5 };
+enum EventType {
+    EVENT_NONE = 0,
+    EVENT_KEY = 1,
+    EVENT_MOUSE = 2,
+    EVENT_WHEEL = 3,
+    EVENT_TOUCH = 4,
+    EVENT_TABLET = 5
+};
 
 /// Mouse buttons in the button mask; bit 0 is the primary (left) button.
 enum MouseButton { BUTTON_LEFT = 1, BUTTON_RIGHT = 2, BUTTON_MIDDLE = 4 };

@@ -22,7 +22,9 @@ bool IsScaleBox(int id) {
 }
 constexpr int kCentre = 10;
 
-bool Finite(const tgeom::vec& v) { return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z); }
+bool Finite(const tgeom::vec& v) {
+    return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
+}
 } // namespace
 
 ManipulatorControl::ManipulatorControl(std::shared_ptr<Camera> camera)
@@ -229,8 +231,10 @@ DrawFlags ManipulatorControl::OnMouseDown(GUI::Event* e) {
         break;
     }
     planeDirection(pressMouse_, dragAxis_, pressDirection_);
+    std::weak_ptr<const void> alive = LifeToken();
     processPressEvent();
-    SetNeedsRedraw(true);
+    if (!alive.expired())
+        SetNeedsRedraw(true);
     return DRAW_OVERLAY;
 }
 
@@ -247,9 +251,12 @@ DrawFlags ManipulatorControl::OnMouseDrag(GUI::Event* e, int dx, int dy) {
         moved_ = true;
     if (!dragStep(mouse))
         return DRAW_NOTHING;
+    std::weak_ptr<const void> alive = LifeToken();
     DrawFlags r = processMoveEvent() | processTransformation();
-    // The gizmo itself moved whatever the host answered, so its picture is stale either way.
-    SetNeedsRedraw(true);
+    // The gizmo itself moved whatever the host answered, so its picture is stale either way (unless
+    // the host's slot deleted it).
+    if (!alive.expired())
+        SetNeedsRedraw(true);
     return r | DRAW_OVERLAY;
 }
 
@@ -353,7 +360,10 @@ DrawFlags ManipulatorControl::OnMouseUp(GUI::Event*) {
         }
     }
     activeHandle_ = 0;
+    std::weak_ptr<const void> alive = LifeToken();
     DrawFlags r = processReleaseEvent();
+    if (alive.expired())
+        return r | DRAW_OVERLAY;
     if (r != DRAW_NOTHING || centre) {
         SetNeedsRedraw(true);
         return DRAW_OVERLAY;
@@ -375,8 +385,10 @@ DrawFlags ManipulatorControl::OnClick(GUI::Event* e) {
     transformation_.setOrientation(frame.getOrientation() * glm::conjugate(old));
     copyToAttached();
     calculateTransformations();
+    std::weak_ptr<const void> alive = LifeToken();
     DrawFlags r = processMoveEvent() | processTransformation();
-    SetNeedsRedraw(true);
+    if (!alive.expired())
+        SetNeedsRedraw(true);
     return r | DRAW_OVERLAY;
 }
 

@@ -22,10 +22,13 @@ void Frame::setOrientation(glm::quat q) {
     float len = std::sqrt(q.x * q.x + q.y * q.y + q.z * q.z + q.w * q.w);
     if (len < 0.9999f || len > 1.0001f)
         return;
-    orientation_ = len > 0.f ? glm::quat(q.w / len, q.x / len, q.y / len, q.z / len) : glm::quat(1.f, 0.f, 0.f, 0.f);
+    orientation_ =
+        len > 0.f ? glm::quat(q.w / len, q.x / len, q.y / len, q.z / len) : glm::quat(1.f, 0.f, 0.f, 0.f);
 }
 
-void Frame::setAlpha(float a) { alpha_ = std::clamp(a, 0.f, 1.f); }
+void Frame::setAlpha(float a) {
+    alpha_ = std::clamp(a, 0.f, 1.f);
+}
 
 void Frame::setWithInterpolation(Frame* a, Frame* b, float t) {
     t = std::clamp(t, 0.f, 1.f);
@@ -42,7 +45,8 @@ void Frame::setWithInterpolation(Frame* a, Frame* b, float t) {
         d = -d;
     }
     if (d > 0.9999999f) {
-        orientation_ = glm::quat(u * qa.w + t * qb.w, u * qa.x + t * qb.x, u * qa.y + t * qb.y, u * qa.z + t * qb.z);
+        orientation_ =
+            glm::quat(u * qa.w + t * qb.w, u * qa.x + t * qb.x, u * qa.y + t * qb.y, u * qa.z + t * qb.z);
         return;
     }
     float theta = std::acos(d);

@@ -20,7 +20,10 @@ void Button::DrawControl(GUI::Texture::Atlas* atlas) {
 }
 
 void Button::SetRectangle(GUI::Geometry::Rectangle r) {
+    std::weak_ptr<const void> alive = LifeToken();
     Controls::Base::SetRectangle(r);
+    if (alive.expired()) // deleted by a RectangleChangedSignal handler
+        return;
     const GUI::Geometry::Rectangle& own = GetControlRectangle();
     label_->SetRectangle({0, own.Width(), 0, own.Height()});
     label_->SetHorizontalAlignment(1);

@@ -14,15 +14,46 @@ namespace GUI::Controls {
 Base::Base() = default;
 
 Base::~Base() {
-    if (auto registry = registry_.lock())
-        if (registry->Find(id_) == this)
-            registry->RemoveControl(this);
+    // Nothing may reach this control once it is gone: not its parent's list, not its children, not
+    // the registry (which also cancels its animations).
+    life_.reset();
+    if (parent_) {
+        auto& siblings = parent_->children_;
+        siblings.erase(std::remove(siblings.begin(), siblings.end(), this), siblings.end());
+        parent_->SetNeedsRedraw(true);
+        parent_ = nullptr;
+    }
+    // Children the host still owns become free controls, out of the registry with their subtree.
+    for (Base* child : children_) {
+        child->parent_ = nullptr;
+        child->leaveRegistry();
+    }
+    children_.clear();
+    leaveRegistry();
     delete colorTexture_;
     delete idTexture_;
     colorTexture_ = nullptr;
     idTexture_ = nullptr;
-    children_.clear();
     manager_.reset();
+}
+
+void Base::leaveRegistry() {
+    for (Base* child : children_)
+        child->leaveRegistry();
+    if (auto registry = registry_.lock())
+        if (registry->Find(id_) == this)
+            registry->RemoveControl(this);
+    registry_.reset();
+    registered_ = false;
+    manager_.reset();
+    managerRedrawFlag_ = nullptr;
+}
+
+bool Base::isSelfOrAncestor(Base* control) {
+    for (Base* c = this; c; c = c->parent_)
+        if (c == control)
+            return true;
+    return false;
 }
 
 void Base::DrawToTexture(GUI::Texture::Atlas* atlas) {
@@ -36,8 +67,10 @@ void Base::DrawToTexture(GUI::Texture::Atlas* atlas) {
     CalcBoundingBox(atlas);
     CalcRenderingBoundingBox(atlas);
     renderer->SetRenderTargetToTexture(colorTexture_, idTexture_, GetRenderRectangle());
-    DrawWithChildren(atlas);
-    renderer->ClearRenderTargetToTexture();
+    if (renderer->RenderTargetReady()) {
+        DrawWithChildren(atlas);
+        renderer->ClearRenderTargetToTexture();
+    }
     needsRedraw_ = false;
 }
 
@@ -131,7 +164,11 @@ DrawFlags Base::OnClick(GUI::Event* e) {
             CheckedSignal();
         return DRAW_OVERLAY;
     }
+    std::weak_ptr<const void> alive = life_;
     ClickedSignal();
+    // A "Close" or "OK" handler may have deleted this control (or its dialog) by now.
+    if (alive.expired())
+        return DRAW_OVERLAY;
     if (HasParent())
         return parent_->OnClick(e);
     return DRAW_NOTHING;
@@ -152,6 +189,15 @@ void Base::SetParent(Base* parent) {
 }
 
 bool Base::AddChild(Base* child) {
+    if (!child) {
+        LogFile::Instance().AddLine(LOG_WARNING, "Base::AddChild(): The control is null.\n");
+        return false;
+    }
+    if (isSelfOrAncestor(child)) {
+        LogFile::Instance().AddLine(LOG_WARNING,
+                                    "Base::AddChild(): A control cannot be its own child or descendant.\n");
+        return false;
+    }
     if (IsChild(child)) {
         LogFile::Instance().AddLine(LOG_WARNING, "The control is already a child of this control\n");
         return false;
@@ -160,8 +206,12 @@ bool Base::AddChild(Base* child) {
         LogFile::Instance().AddLine(LOG_WARNING, "The control is already a child of another control\n");
         return false;
     }
-    if (registered_)
+    // The subtree joins this control's manager; under an unregistered parent it is no longer a root of
+    // the manager it was in, so it leaves that registry.
+    if (registered_ && manager_)
         child->Register(manager_);
+    else if (child->registry_.lock())
+        child->leaveRegistry();
     children_.push_back(child);
     child->SetParent(this);
     child->CalcGlobalPosition();
@@ -170,6 +220,10 @@ bool Base::AddChild(Base* child) {
 }
 
 bool Base::RemoveChild(Base* child) {
+    if (!child) {
+        LogFile::Instance().AddLine(LOG_WARNING, "Base::RemoveChild(): The control is null.\n");
+        return false;
+    }
     auto it = std::find(children_.begin(), children_.end(), child);
     if (it == children_.end()) {
         LogFile::Instance().AddLine(LOG_WARNING,
@@ -260,13 +314,10 @@ void Base::SetSizeable(bool v) {
 
 void Base::SetNeedsRedraw(bool v) {
     needsRedraw_ = v;
-    // Any call marks the manager, also one that clears this control's flag. While the manager is
-    // still registering us it has handed over its flag but not yet itself: raise the flag directly so
-    // that a freshly registered control is drawn by the next layer update.
+    // Any call marks the manager, also one that clears this control's flag, through the manager so
+    // that its redraw-request signal fires. An unregistered control has no manager to mark.
     if (manager_)
         manager_->SetNeedsRedraw(true);
-    else if (managerRedrawFlag_)
-        *managerRedrawFlag_ = true;
     if (parent_)
         parent_->SetNeedsRedraw(true);
 }
@@ -355,8 +406,9 @@ void Base::SetMinSize(int w, int h) {
 void Base::SetRectangle(GUI::Geometry::Rectangle r) {
     rectangle_ = r;
     CalcGlobalPosition();
-    RectangleChangedSignal();
     SetNeedsRedraw(true);
+    // Last: a handler may delete this control.
+    RectangleChangedSignal();
 }
 
 void Base::Translate(int dx, int dy) {
@@ -405,12 +457,32 @@ void Base::SetMargins(GUI::Geometry::Margin m) {
 }
 
 bool Base::Register(std::shared_ptr<GUI::GUIManager> manager) {
-    if (registered_ || !manager)
+    if (!manager) {
+        LogFile::Instance().AddLine(LOG_WARNING, "Base::Register(): The manager is null.\n");
         return false;
-    bool ok = static_cast<GUI::Controls::Factory*>(manager.get())->AddControl(this);
+    }
+    if (registered_ && manager_ == manager)
+        return false;
+    std::shared_ptr<GUI::GUIManager> previous = registry_.lock();
+    if (previous == manager && previous->Find(id_) == this) {
+        // Back after Unregister: the entry and the id were kept, only the mark comes back.
+        manager_ = manager;
+        registered_ = true;
+        SetNeedsRedraw(true);
+        bool ok = true;
+        for (Base* child : children_)
+            ok = child->Register(manager) && ok;
+        return ok;
+    }
+    // One manager at a time: the registry this control was in forgets it (and its subtree) first.
+    if (previous)
+        leaveRegistry();
+    // The manager is known before the registry marks the control stale, so that the mark reaches it
+    // (and its redraw-request signal) like any later one.
+    manager_ = manager;
     registry_ = manager;
     registered_ = true;
-    manager_ = manager;
+    bool ok = static_cast<GUI::Controls::Factory*>(manager.get())->AddControl(this);
     for (Base* child : children_)
         ok = child->Register(manager) && ok;
     return ok;
@@ -423,7 +495,8 @@ bool Base::Unregister() {
         child->Unregister();
     registered_ = false;
     // The registry entry stays on purpose: the control keeps its id and Find(id) still returns it.
-    // Code that must forget a control calls the manager's RemoveControl.
+    // Code that must forget a control calls the manager's RemoveControl. The control stops marking
+    // the manager stale (it never writes through the flag pointer the registry handed over).
     manager_.reset();
     return false;
 }

@@ -118,6 +118,11 @@ public:
     virtual GUI::Animation::Frame* GetLocalFrame();
     virtual GUI::Animation::Frame* GetLocalFrameAnimation();
 
+    /// Expires when this control is destroyed. Code that calls out to host code (signals, callbacks)
+    /// takes one first and stops touching the control when it has expired: a handler may delete the
+    /// control that called it.
+    std::weak_ptr<const void> LifeToken() const { return life_; }
+
     Base* Parent() { return parent_; }
     std::list<Base*>* Children() { return &children_; }
     /// Linear search of the direct children.
@@ -135,9 +140,12 @@ public:
     GUI::Geometry::Margin& GetMargins() { return margins_; }
     void SetMargins(GUI::Geometry::Margin m);
     bool Registered() { return registered_; }
-    /// Enters this control and its subtree into the manager's registry, which assigns the ids.
+    /// Enters this control and its subtree into the manager's registry, which assigns the ids. A
+    /// control belongs to one manager at a time: registering it with another first removes it from
+    /// the registry it was in. Registering again with the same manager changes nothing (false).
     bool Register(std::shared_ptr<GUI::GUIManager> manager);
-    /// Clears the registered mark for the subtree; the registry entries stay (see the definition).
+    /// Clears the registered mark for the subtree; the registry entries stay (see the definition),
+    /// but the controls no longer mark that manager stale.
     bool Unregister();
     GUI::GUIManager* Manager() { return manager_.get(); }
     /// Set by the manager while the control is in its registry.
@@ -158,6 +166,12 @@ protected:
     void SetUsesLight(bool v) { usesLight_ = v; }
 
 private:
+    /// Removes the subtree from the registry it was entered into (and marks it unregistered).
+    void leaveRegistry();
+    /// Whether `control` is this control or one of its ancestors.
+    bool isSelfOrAncestor(Base* control);
+
+    std::shared_ptr<const void> life_ = std::make_shared<char>(0);
     std::shared_ptr<GUI::GUIManager> manager_;
     // The registry the control was entered into; its entry outlives Unregister, so the destructor
     // uses this to make sure a destroyed control never stays reachable from it.

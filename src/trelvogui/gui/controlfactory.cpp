@@ -32,14 +32,18 @@ bool Factory::RemoveControl(GUI::Controls::Base* control) {
     return true;
 }
 
-bool Factory::Contains(unsigned int id) const { return ids_.count(id) != 0; }
+bool Factory::Contains(unsigned int id) const {
+    return ids_.count(id) != 0;
+}
 
 GUI::Controls::Base* Factory::Find(unsigned int id) const {
     auto it = ids_.find(id);
     return it == ids_.end() ? nullptr : it->second;
 }
 
-bool Factory::Contains(GUI::Controls::Base* control) const { return Contains(control->GetId()); }
+bool Factory::Contains(GUI::Controls::Base* control) const {
+    return Contains(control->GetId());
+}
 
 unsigned int Factory::Find(GUI::Controls::Base* control) const {
     unsigned int id = control->GetId();

@@ -2,8 +2,26 @@
 // Integer pixel geometry of the overlay (origin bottom-left, y up).
 
 #include <cstdint>
+#include <limits>
 
 namespace GUI::Geometry {
+
+/// Clamps a wide intermediate to the 32-bit range: pointer coordinates and drags near the integer
+/// limits saturate instead of wrapping (which would be undefined behaviour, and a panel on the far
+/// side of the view).
+constexpr int32_t Saturate(int64_t v) {
+    return v > std::numeric_limits<int32_t>::max()   ? std::numeric_limits<int32_t>::max()
+           : v < std::numeric_limits<int32_t>::min() ? std::numeric_limits<int32_t>::min()
+                                                     : static_cast<int32_t>(v);
+}
+
+/// a + b and a - b, saturated.
+constexpr int32_t AddSaturated(int32_t a, int32_t b) {
+    return Saturate(int64_t{a} + b);
+}
+constexpr int32_t SubSaturated(int32_t a, int32_t b) {
+    return Saturate(int64_t{a} - b);
+}
 
 struct Point {
     int32_t x = 0;
@@ -18,16 +36,20 @@ struct Rectangle {
     int32_t yMin = 0;
     int32_t yMax = 0;
 
-    int32_t Width() const { return xMax - xMin; }
-    int32_t Height() const { return yMax - yMin; }
+    /// Saturated at the 32-bit limits.
+    int32_t Width() const { return SubSaturated(xMax, xMin); }
+    int32_t Height() const { return SubSaturated(yMax, yMin); }
     /// Centre with integer division truncating toward zero.
-    Point Center() const { return {(xMin + xMax) / 2, (yMin + yMax) / 2}; }
-    /// Moves both x bounds by dx and both y bounds by dy.
+    Point Center() const {
+        return {static_cast<int32_t>((int64_t{xMin} + xMax) / 2),
+                static_cast<int32_t>((int64_t{yMin} + yMax) / 2)};
+    }
+    /// Moves both x bounds by dx and both y bounds by dy (saturating at the 32-bit limits).
     void Shift(int32_t dx, int32_t dy) {
-        xMin += dx;
-        xMax += dx;
-        yMin += dy;
-        yMax += dy;
+        xMin = AddSaturated(xMin, dx);
+        xMax = AddSaturated(xMax, dx);
+        yMin = AddSaturated(yMin, dy);
+        yMax = AddSaturated(yMax, dy);
     }
     /// Lowers the lower bounds to `o`'s lower bounds and raises the upper bounds to its upper bounds.
     void Include(const Rectangle& o) {
@@ -73,6 +95,8 @@ struct TexturedRectangle {
     float t1 = 1.f;
 };
 
-inline bool operator==(const Point& a, const Point& b) { return a.x == b.x && a.y == b.y; }
+inline bool operator==(const Point& a, const Point& b) {
+    return a.x == b.x && a.y == b.y;
+}
 
 } // namespace GUI::Geometry

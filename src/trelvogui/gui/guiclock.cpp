@@ -17,6 +17,8 @@ uint64_t Clock::Ticks() {
     return static_cast<uint64_t>(duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count());
 }
 
-void Clock::SetSource(std::function<uint64_t()> s) { source() = std::move(s); }
+void Clock::SetSource(std::function<uint64_t()> s) {
+    source() = std::move(s);
+}
 
 } // namespace GUI

@@ -11,7 +11,7 @@ GUIInputManager::GUIInputManager(GraphicsScene& scene) : scene_(scene) {
 }
 
 GUIInputManager::~GUIInputManager() {
-    handlers_.clear();
+    ClearInputHandlers();
     brackets_.clear();
 }
 
@@ -42,11 +42,38 @@ void GUIInputManager::warnIfShared(int id) {
         LogFile::Instance().AddLine(LOG_WARNING, "More than one screen handler sharing ID: %d\n", id);
 }
 
+void GUIInputManager::ClearInputHandlers() {
+    for (auto& entry : handlers_)
+        entry.second->RemoveRemovalObserver(this);
+    handlers_.clear();
+}
+
+void GUIInputManager::forget(InputHandler* handler) {
+    for (auto it = handlers_.begin(); it != handlers_.end();)
+        it = it->second == handler ? handlers_.erase(it) : std::next(it);
+}
+
 unsigned int GUIInputManager::addScreenHandler(InputHandler* handler) {
+    if (!handler) {
+        LogFile::Instance().AddLine(LOG_WARNING,
+                                    "GUIInputManager::addScreenHandler(): The handler is null.\n");
+        return 0;
+    }
+    for (auto& entry : handlers_)
+        if (entry.second == handler) {
+            LogFile::Instance().AddLine(
+                LOG_WARNING,
+                "GUIInputManager::addScreenHandler(): The handler is already registered "
+                "as %d.\n",
+                entry.first);
+            return static_cast<unsigned int>(entry.first);
+        }
     unsigned int id = allocateId();
     // Handlers are known only by their key here; their own id record stays 0 on purpose.
     handler->setID(0);
     handlers_.emplace(static_cast<int>(id), handler);
+    // A handler destroyed while registered takes itself out, so no event reaches freed memory.
+    handler->AddRemovalObserver(this, [this](InputHandler* gone) { forget(gone); });
     warnIfShared(static_cast<int>(id));
     return id;
 }
@@ -59,6 +86,7 @@ InputHandler* GUIInputManager::removeScreenHandler(int id) {
     LogFile::Instance().AddLine(LOG_INFO, "Removing screen handler %d\n", id);
     InputHandler* handler = it->second;
     handlers_.erase(it);
+    handler->RemoveRemovalObserver(this);
     return handler;
 }
 
@@ -76,12 +104,25 @@ VX_UI::MouseEvent mouseEvent(int x, int y, int x2, int y2, int buttons, int modi
 } // namespace
 
 template <class Call> DrawFlags GUIInputManager::offer(Call call) {
+    // Handlers may remove or destroy handlers (themselves too) while an event is offered: walk a copy
+    // of the registrations and skip those that are gone by the time their turn comes. The copy's
+    // storage is reused, except by an event offered from inside a handler.
+    std::vector<std::pair<int, InputHandler*>> nested;
+    std::vector<std::pair<int, InputHandler*>>& order = offering_ ? nested : snapshot_;
+    order.assign(handlers_.begin(), handlers_.end());
+    const bool outer = !offering_;
+    offering_ = true;
     DrawFlags result = DRAW_NOTHING;
-    for (auto& entry : handlers_) {
+    for (const auto& [id, handler] : order) {
         if (result != DRAW_NOTHING)
             break;
-        result = call(entry.second);
+        auto it = handlers_.find(id);
+        if (it == handlers_.end() || it->second != handler)
+            continue;
+        result = call(handler);
     }
+    if (outer)
+        offering_ = false;
     return result;
 }
 

@@ -9,6 +9,8 @@
 #include <graphicsbase/inputhandler.h>
 
 #include <map>
+#include <utility>
+#include <vector>
 
 namespace GUI {
 
@@ -24,13 +26,14 @@ public:
 
     /// Rebuilds the id allocator (ids start again at 1); registered handlers stay.
     void Reset();
-    /// Registers the handler and returns its id.
+    /// Registers the handler and returns its id; 0 for a null handler, the existing id for one already
+    /// registered. A handler destroyed while registered removes itself.
     unsigned int addScreenHandler(InputHandler* handler);
     /// The removed handler, or null when no handler has that id.
     InputHandler* removeScreenHandler(int id);
     std::map<int, InputHandler*>& GetScreenHandlers() { return handlers_; }
     /// Forgets every handler without destroying them.
-    void ClearInputHandlers() { handlers_.clear(); }
+    void ClearInputHandlers();
 
     bool mousePressEvent(int x, int y, int x2, int y2, int buttons, int modifiers);
     bool mouseReleaseEvent(int x, int y, int x2, int y2, int buttons, int modifiers);
@@ -49,6 +52,7 @@ public:
 private:
     unsigned int allocateId();
     void warnIfShared(int id);
+    void forget(InputHandler* handler);
     /// Offers an event to the handlers in ascending id order until one returns non-zero.
     template <class Call> DrawFlags offer(Call call);
     template <class Call> bool dispatch(Call call);
@@ -56,6 +60,8 @@ private:
     GraphicsScene& scene_;
     DoubleLinkedList<IntegerBracket> brackets_;
     std::map<int, InputHandler*> handlers_;
+    std::vector<std::pair<int, InputHandler*>> snapshot_;
+    bool offering_ = false;
 };
 
 } // namespace GUI

@@ -36,6 +36,9 @@ GUIManager::~GUIManager() {
     for (GUI::Animation::Sequence* s : animations_)
         delete s;
     animations_.clear();
+    for (GUI::Animation::Sequence* s : cancelled_)
+        delete s;
+    cancelled_.clear();
     compositeProgram_.reset();
     deleteCompositeQuad();
     deleteLayers();
@@ -50,6 +53,12 @@ bool GUIManager::Initialize() {
     if (!renderer->Initialize())
         return false;
     renderer->SetLineColor(GUI::Color::FromWord(0xFF000000));
+    GLint maxTexture = 0, maxViewport[2] = {0, 0};
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &maxTexture);
+    GB_CHECK_GL(kFile);
+    glGetIntegerv(GL_MAX_VIEWPORT_DIMS, maxViewport);
+    GB_CHECK_GL(kFile);
+    maxLayerSize_ = std::max(1, std::min({maxTexture, maxViewport[0], maxViewport[1]}));
     atlas_ = new GUI::Texture::Atlas(renderer_);
     if (!atlas_->LoadControlSet(""))
         return false;
@@ -70,6 +79,7 @@ void GUIManager::deleteCompositeQuad() {
 }
 
 bool GUIManager::InitializeRenderer() {
+    GL::GLScopedBindings hostBindings;
     compositeProgram_ = std::make_unique<GLSLProgram>();
     compositeProgram_->addShader("UICompositShader.vert");
     compositeProgram_->addShader("UICompositShaderSimple.frag");
@@ -119,9 +129,12 @@ bool GUIManager::NeedsRedraw() {
 }
 
 void GUIManager::SetNeedsRedraw(bool v) {
-    if (!needsRedraw_ && v)
-        RedrawRequestSignal();
+    const bool raised = !needsRedraw_ && v;
     needsRedraw_ = needsRedraw_ || v;
+    // A slot that asks NeedsRedraw() sees the raised flag. Marks made by a layer update itself (a
+    // camera change restaling widgets) are drawn by that same update and need no new frame.
+    if (raised && !updating_)
+        RedrawRequestSignal();
 }
 
 void GUIManager::SetUpsideDown(bool upsideDown) {
@@ -130,22 +143,38 @@ void GUIManager::SetUpsideDown(bool upsideDown) {
 }
 
 void GUIManager::Resize(int width, int height) {
-    int shift = height - height_;
+    // A minimised window is 0 x 0: keep no layers, draw and pick nothing until a real size comes.
+    width = std::max(width, 0);
+    height = std::max(height, 0);
+    if (renderer_ && (width > maxLayerSize_ || height > maxLayerSize_)) {
+        LogFile::Instance().AddLine(
+            LOG_WARNING,
+            "GUIManager::Resize(): %d x %d exceeds the context's limit of %d; the layers are "
+            "clamped.\n",
+            width, height, maxLayerSize_);
+        width = std::min(width, maxLayerSize_);
+        height = std::min(height, maxLayerSize_);
+    }
+    int shift = GUI::Geometry::SubSaturated(height, height_);
     for (GUI::Controls::Base* control : Controls()) {
         if (control->HasParent())
             continue;
         GUI::Geometry::Rectangle r = control->GetRectangle();
         control->SetHorizontalAlignment(GUI::Alignment::Horizontal::Left);
         control->SetVerticalAlignment(GUI::Alignment::Vertical::Top);
-        r.yMin += shift;
-        r.yMax += shift;
+        r.Shift(0, shift);
         control->SetRectangle(r);
     }
     width_ = width;
     height_ = height;
+    if (width == 0 || height == 0) {
+        deleteLayers();
+        return;
+    }
     if (renderer_)
         renderer_->SetScreen(static_cast<unsigned>(width), static_cast<unsigned>(height));
     InitLayers();
+    SetNeedsRedraw(true);
     UpdateLayers();
 }
 
@@ -169,6 +198,9 @@ void GUIManager::deleteLayers() {
 
 void GUIManager::InitLayers() {
     deleteLayers();
+    if (width_ <= 0 || height_ <= 0)
+        return;
+    GL::GLScopedBindings hostBindings;
     glGenFramebuffers(1, &layerFramebuffer_);
     GB_CHECK_GL(kFile);
     glBindFramebuffer(GL_FRAMEBUFFER, layerFramebuffer_);
@@ -218,16 +250,24 @@ void GUIManager::InitLayers() {
 
 void GUIManager::UpdateLayers() {
     uint64_t t0 = GUI::Clock::Ticks();
+    updating_ = true;
 
+    // A sequence may be cancelled while the sequences run (its control deleted by one of them): the
+    // cancelled ones are only unlisted here and deleted after the loop.
+    for (size_t i = 0; i < animations_.size(); ++i)
+        if (GUI::Animation::Sequence* s = animations_[i])
+            s->Update();
     for (size_t i = animations_.size(); i-- > 0;) {
         GUI::Animation::Sequence* s = animations_[i];
-        s->Update();
-        if (s->Done()) {
+        if (!s || s->Done()) {
             animations_[i] = animations_.back();
             animations_.pop_back();
             delete s;
         }
     }
+    for (GUI::Animation::Sequence* s : cancelled_)
+        delete s;
+    cancelled_.clear();
 
     bool camera = GetCameraUpdated();
     bool light = GetLightUpdated();
@@ -239,8 +279,10 @@ void GUIManager::UpdateLayers() {
         SetLightUpdated(false);
     }
 
+    updating_ = false;
     if (!NeedsRedraw() || !renderer_ || !atlas_ || !layerFramebuffer_)
         return;
+    updating_ = true;
 
     // Whatever the host had bound (its own framebuffer, program, vertex array) comes back afterwards.
     GL::GLScopedBindings hostBindings;
@@ -301,6 +343,7 @@ void GUIManager::UpdateLayers() {
         glBindFramebuffer(GL_FRAMEBUFFER, 0);
         GB_CHECK_GL(kFile);
     }
+    updating_ = false;
     needsRedraw_ = !animations_.empty();
     layerUpdateTime_ += static_cast<int32_t>(GUI::Clock::Ticks() - t0);
     ++layerUpdateCount_;
@@ -346,6 +389,11 @@ void GUIManager::Draw() {
 }
 
 bool GUIManager::HitDetect(int x, int y, unsigned int* pid, unsigned int* sid) {
+    unsigned int ignored = 0;
+    if (!pid)
+        pid = &ignored;
+    if (!sid)
+        sid = &ignored;
     *pid = 0;
     *sid = 0;
     if (x < 0 || x >= width_ || y < 0 || y >= height_ || !pickFramebuffer_)
@@ -368,14 +416,39 @@ bool GUIManager::HitDetect(int x, int y, unsigned int* pid, unsigned int* sid) {
 }
 
 bool GUIManager::AddAnimation(GUI::Animation::Sequence* sequence) {
+    if (!sequence) {
+        LogFile::Instance().AddLine(LOG_WARNING, "GUIManager::AddAnimation(): The sequence is null.\n");
+        return false;
+    }
+    if (std::find(animations_.begin(), animations_.end(), sequence) != animations_.end()) {
+        LogFile::Instance().AddLine(LOG_WARNING,
+                                    "GUIManager::AddAnimation(): The sequence is already running.\n");
+        return false;
+    }
+    // Only a control of this registry is sure to cancel its sequences when it is destroyed.
+    GUI::Controls::Base* control = sequence->GetControl();
+    if (!control || Find(control->GetId()) != control) {
+        LogFile::Instance().AddLine(LOG_WARNING, "GUIManager::AddAnimation(): The sequence's control is not "
+                                                 "registered with this manager; the sequence is refused.\n");
+        return false;
+    }
     animations_.push_back(sequence);
+    SetNeedsRedraw(true);
     return true;
 }
 
 bool GUIManager::ClearAnimationOnControl(GUI::Controls::Base* control) {
+    if (!control)
+        return false;
     for (size_t i = animations_.size(); i-- > 0;) {
         GUI::Animation::Sequence* s = animations_[i];
-        if (s->GetControl() == control) {
+        if (!s || s->GetControl() != control)
+            continue;
+        if (updating_) {
+            // A sequence may be running right now: keep its slot and delete it after the loop.
+            animations_[i] = nullptr;
+            cancelled_.push_back(s);
+        } else {
             animations_[i] = animations_.back();
             animations_.pop_back();
             delete s;
@@ -387,11 +460,17 @@ bool GUIManager::ClearAnimationOnControl(GUI::Controls::Base* control) {
 DrawFlags GUIManager::mousePressEvent(VX_UI::MouseEvent* e) {
     DrawFlags result = DRAW_NOTHING;
     if (e->buttons & VX_UI::BUTTON_LEFT) {
-        HitDetect(e->x, height_ - e->y, &e->pid, &e->sid);
+        HitDetect(e->x, GUI::Geometry::SubSaturated(height_, e->y), &e->pid, &e->sid);
         pressTime_ = GUI::Clock::Ticks();
         if (GUI::Controls::Base* control = addressed(e->pid)) {
             GUI::Event event = controlEvent(*e);
             DrawFlags r = control->OnMouseDown(&event);
+            // The handler may have deleted the control: look it up again.
+            control = addressed(e->pid);
+            if (!control) {
+                pointer_ = *e;
+                return r | DRAW_OVERLAY;
+            }
             // Bring the whole tree to the front: the root is drawn last. Widgets of the 3D scene
             // stay where they are, beneath the panels that float over the scene.
             GUI::Controls::Base* root = control;
@@ -413,7 +492,7 @@ DrawFlags GUIManager::mousePressEvent(VX_UI::MouseEvent* e) {
 DrawFlags GUIManager::mouseMoveEvent(VX_UI::MouseEvent* e) {
     DrawFlags result = DRAW_NOTHING;
     if (e->buttons == 0) {
-        HitDetect(e->x, height_ - e->y, &e->pid, &e->sid);
+        HitDetect(e->x, GUI::Geometry::SubSaturated(height_, e->y), &e->pid, &e->sid);
         unsigned int last = pointer_.pid;
         if (e->pid != last) {
             if (GUI::Controls::Base* previous = addressed(last)) {
@@ -432,7 +511,8 @@ DrawFlags GUIManager::mouseMoveEvent(VX_UI::MouseEvent* e) {
         // The pressed control captures the pointer until release; no hit test while dragging.
         if (GUI::Controls::Base* captured = addressed(pointer_.pid)) {
             GUI::Event event = controlEvent(pointer_);
-            result = captured->OnMouseDrag(&event, e->x - e->prevX, e->prevY - e->y);
+            result = captured->OnMouseDrag(&event, GUI::Geometry::SubSaturated(e->x, e->prevX),
+                                           GUI::Geometry::SubSaturated(e->prevY, e->y));
             e->pid = pointer_.pid;
             e->sid = pointer_.sid;
         }
@@ -455,7 +535,7 @@ DrawFlags GUIManager::mouseReleaseEvent(VX_UI::MouseEvent* e) {
             if (GUI::Controls::Base* control = addressed(pressed))
                 result |= control->OnMouseUp(&event);
         }
-        HitDetect(e->x, height_ - e->y, &e->pid, &e->sid);
+        HitDetect(e->x, GUI::Geometry::SubSaturated(height_, e->y), &e->pid, &e->sid);
         if (e->pid != pressed)
             if (GUI::Controls::Base* control = addressed(pressed))
                 result |= control->OnMouseExit(&event);
@@ -469,12 +549,20 @@ DrawFlags GUIManager::mouseReleaseEvent(VX_UI::MouseEvent* e) {
 }
 
 bool GUIManager::AddControl(GUI::Controls::Base* control) {
+    if (!control) {
+        LogFile::Instance().AddLine(LOG_WARNING, "GUIManager::AddControl(): The control is null.\n");
+        return false;
+    }
     control->SetManagerRedrawFlag(&needsRedraw_);
     control->SetNeedsRedraw(true);
     return Factory::AddControl(control);
 }
 
 bool GUIManager::RemoveControl(GUI::Controls::Base* control) {
+    if (!control) {
+        LogFile::Instance().AddLine(LOG_WARNING, "GUIManager::RemoveControl(): The control is null.\n");
+        return false;
+    }
     ClearAnimationOnControl(control);
     control->SetManagerRedrawFlag(nullptr);
     SetNeedsRedraw(true);

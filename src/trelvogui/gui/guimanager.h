@@ -91,6 +91,9 @@ public:
     GUI::Renderer::Base* GetRenderer() { return renderer_; }
     GUI::Texture::Atlas* GetTextureAtlas() { return atlas_; }
     int GetWidth() const { return width_; }
+    /// The largest layer side the context allows (its texture and viewport limits), known after
+    /// Initialize. Views and control layers beyond it are clamped with a message.
+    int GetMaxLayerSize() const { return maxLayerSize_; }
     int GetHeight() const { return height_; }
     void SetExplicitGammaCorrection(bool on) { explicitGammaCorrection_ = on; }
     bool GetExplicitGammaCorrection() const { return explicitGammaCorrection_; }
@@ -125,6 +128,9 @@ private:
     bool needsRedraw_ = false;
     bool upsideDown_ = false;
     std::vector<GUI::Animation::Sequence*> animations_;
+    std::vector<GUI::Animation::Sequence*> cancelled_;
+    bool updating_ = false;
+    int maxLayerSize_ = 16384;
     int32_t layerUpdateTime_ = 0;
     int32_t layerUpdateCount_ = 0;
     bool explicitGammaCorrection_ = false;

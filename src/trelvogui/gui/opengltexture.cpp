@@ -58,6 +58,14 @@ bool OpenglTexture::Allocate() {
         std::printf("OpenglTexture::Allocate(): Texture is set to invalid size %d %d.\n", width_, height_);
         return false;
     }
+    GLint limit = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
+    GB_CHECK_GL(kTag);
+    if (width_ > limit || height_ > limit) {
+        std::printf("OpenglTexture::Allocate(): Texture size %d %d exceeds the context's limit of %d.\n",
+                    width_, height_, limit);
+        return false;
+    }
     if (name_ == 0) {
         glGenTextures(1, &name_);
         GB_CHECK_GL(kTag);

@@ -38,7 +38,10 @@ void Panel::SetSizeable(bool on) {
 }
 
 void Panel::SetRectangle(GUI::Geometry::Rectangle r) {
+    std::weak_ptr<const void> alive = LifeToken();
     Base::SetRectangle(r);
+    if (alive.expired()) // deleted by a RectangleChangedSignal handler
+        return;
     if (Sizeable() && sizeHandle_)
         placeHandle();
 }

@@ -1,11 +1,18 @@
 #include <trelvogui/gui/sizehandle.h>
 
+#include <trelvogui/gui/guimanager.h>
 #include <trelvogui/gui/panel.h>
 #include <trelvogui/gui/textureatlas.h>
+
+#include <graphicsbase/logfile.h>
 
 #include <algorithm>
 
 namespace GUI::Controls {
+namespace {
+// Without a manager there is no context to ask; every GL 4 context allows textures this large.
+constexpr int kUnmanagedLimit = 16384;
+} // namespace
 
 SizeHandle::SizeHandle(Panel* panel) : panel_(panel) {
     SetDraggable(true);
@@ -26,11 +33,25 @@ DrawFlags SizeHandle::OnMouseDown(GUI::Event* e) {
 }
 
 DrawFlags SizeHandle::OnMouseDrag(GUI::Event* e, int, int) {
+    using GUI::Geometry::AddSaturated;
+    using GUI::Geometry::SubSaturated;
     const GUI::Geometry::Rectangle& min = panel_->MinimumSize();
-    int width = std::max(startRectangle_.Width() + (e->x - pressPoint_.x), min.Width());
-    int height = std::max(startRectangle_.Height() + (e->y - pressPoint_.y), min.Height());
-    panel_->SetRectangle({startRectangle_.xMin, startRectangle_.xMin + width, startRectangle_.yMax - height,
-                          startRectangle_.yMax});
+    int width =
+        std::max(AddSaturated(startRectangle_.Width(), SubSaturated(e->x, pressPoint_.x)), min.Width());
+    int height =
+        std::max(AddSaturated(startRectangle_.Height(), SubSaturated(e->y, pressPoint_.y)), min.Height());
+    // A panel is drawn through a cached layer of its size: keep it within what the context can hold.
+    const int limit = panel_->Manager() ? panel_->Manager()->GetMaxLayerSize() : kUnmanagedLimit;
+    if (width > limit || height > limit) {
+        LogFile::Instance().AddLine(LOG_WARNING,
+                                    "SizeHandle::OnMouseDrag(): %d x %d exceeds the limit of %d; the size is "
+                                    "clamped.\n",
+                                    width, height, limit);
+        width = std::min(width, limit);
+        height = std::min(height, limit);
+    }
+    panel_->SetRectangle({startRectangle_.xMin, AddSaturated(startRectangle_.xMin, width),
+                          SubSaturated(startRectangle_.yMax, height), startRectangle_.yMax});
     return DRAW_OVERLAY;
 }
 

@@ -17,8 +17,10 @@ DrawFlags SwitchButton::OnClick(GUI::Event*) {
     on_ = !on_;
     // An empty callable throws std::bad_function_call; the toggle has happened by
     // then.
+    std::weak_ptr<const void> alive = LifeToken();
     DrawFlags result = callback ? ((*callback)() | DRAW_OVERLAY) : DRAW_OVERLAY;
-    SetNeedsRedraw(true);
+    if (!alive.expired()) // the callback may have deleted the switch
+        SetNeedsRedraw(true);
     return result;
 }
 

@@ -341,16 +341,17 @@ void OpenglRenderer::DeleteTexture(GUI::Texture::Base* texture) {
 
 void OpenglRenderer::SetRenderTargetToTexture(GUI::Texture::Base* color, GUI::Texture::Base* ids,
                                               GUI::Geometry::Rectangle& rectangle) {
-    int width = rectangle.xMax - rectangle.xMin;
-    int height = rectangle.yMax - rectangle.yMin;
+    targetReady_ = false;
+    int width = rectangle.Width();
+    int height = rectangle.Height();
     if (width <= 0 || height <= 0) {
         std::printf("SetRenderTargetToTexture: Texture is set to invalid size %d %d.\n", width, height);
         return;
     }
     color->SetSize(width, height);
-    color->Allocate();
     ids->SetSize(width, height);
-    ids->Allocate();
+    if (!color->Allocate() || !ids->Allocate())
+        return;
 
     // The shaders compose against the target they write, so it is also bound for reading.
     glActiveTexture(GL_TEXTURE0 + kTargetColorUnit);
@@ -389,11 +390,12 @@ void OpenglRenderer::SetRenderTargetToTexture(GUI::Texture::Base* color, GUI::Te
 
     // Controls keep drawing in screen coordinates; the shifted viewport puts the rectangle's
     // minimum corner on texel (0, 0).
-    glViewport(-rectangle.xMin, -rectangle.yMin, static_cast<GLsizei>(screenWidth_),
-               static_cast<GLsizei>(screenHeight_));
+    glViewport(GUI::Geometry::SubSaturated(0, rectangle.xMin), GUI::Geometry::SubSaturated(0, rectangle.yMin),
+               static_cast<GLsizei>(screenWidth_), static_cast<GLsizei>(screenHeight_));
     GB_CHECK_GL(kTag);
     glDrawBuffers(2, kBoth);
     GB_CHECK_GL(kTag);
+    targetReady_ = true;
 }
 
 void OpenglRenderer::ClearRenderTargetToTexture() {
@@ -410,7 +412,9 @@ void OpenglRenderer::ClearRenderTargetToTexture() {
 void OpenglRenderer::RenderTexture(GUI::Texture::Base* color, GUI::Texture::Base* ids,
                                    GUI::Animation::Frame* frame, GUI::Geometry::Rectangle* rectangle,
                                    GUI::Geometry::Point* pivot) {
-    if (cachedProgram_ == nullptr || centeredQuadBuffer_ == nullptr)
+    // A layer that could not be allocated has nothing to show.
+    if (cachedProgram_ == nullptr || centeredQuadBuffer_ == nullptr || !color || !ids || NameOf(color) == 0 ||
+        NameOf(ids) == 0)
         return;
     float w = static_cast<float>(rectangle->xMax - rectangle->xMin);
     float h = static_cast<float>(rectangle->yMax - rectangle->yMin);

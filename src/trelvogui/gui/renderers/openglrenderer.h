@@ -64,6 +64,7 @@ public:
     /// Sizes the pair to the rectangle, attaches it to the renderer's framebuffer, clears it and
     /// shifts the viewport so that screen coordinates keep working: the rectangle's minimum corner
     /// lands on texel (0, 0).
+    bool RenderTargetReady() const override { return targetReady_; }
     void SetRenderTargetToTexture(GUI::Texture::Base* color, GUI::Texture::Base* ids,
                                   GUI::Geometry::Rectangle& rectangle) override;
     /// Back to the host's framebuffer with a full-screen viewport.
@@ -115,6 +116,7 @@ private:
     unsigned int primaryId_ = 0;
     unsigned int subId_ = 0;
     bool initialized_ = false;
+    bool targetReady_ = false;
     GLuint frameBuffer_ = 0;
     std::unique_ptr<GLVertexBuffer> circleBuffer_;
     std::unique_ptr<GLVertexBuffer> quadBuffer_;

@@ -58,8 +58,12 @@ public:
     virtual void SetRenderTargetToTexture(GUI::Texture::Base* color, GUI::Texture::Base* ids,
                                           GUI::Geometry::Rectangle& rectangle) = 0;
     virtual void ClearRenderTargetToTexture() = 0;
-    virtual void RenderTexture(GUI::Texture::Base* color, GUI::Texture::Base* ids, GUI::Animation::Frame* frame,
-                               GUI::Geometry::Rectangle* rectangle, GUI::Geometry::Point* pivot) = 0;
+    /// Whether the last SetRenderTargetToTexture took effect. A target it refused (empty, or beyond
+    /// the context's texture limit) must not be drawn into: drawing would land in another target.
+    virtual bool RenderTargetReady() const { return true; }
+    virtual void RenderTexture(GUI::Texture::Base* color, GUI::Texture::Base* ids,
+                               GUI::Animation::Frame* frame, GUI::Geometry::Rectangle* rectangle,
+                               GUI::Geometry::Point* pivot) = 0;
 
     bool DebugMode() const { return debug_; }
 

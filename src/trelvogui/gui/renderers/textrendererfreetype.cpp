@@ -409,6 +409,18 @@ bool TextRendererFreeType::Impl::Extent(const std::wstring& text, uint32_t size,
 bool TextRendererFreeType::Impl::Rasterise(GUI::Texture::Base* texture, const std::wstring& text,
                                            uint32_t size, int style, bool rotated) {
     settings.height = static_cast<int>(size);
+    // Text lives in one texture: a run beyond the context's texture limit cannot be drawn, and a font
+    // that large would only make FreeType render enormous glyphs first.
+    GLint limit = 0;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &limit);
+    GB_CHECK_GL(kTag);
+    if (size > static_cast<uint32_t>(limit)) {
+        std::printf(
+            "TextRendererFreeType: A font size of %u pixels exceeds the texture limit of %d; the text is "
+            "not drawn.\n",
+            size, limit);
+        return false;
+    }
     int runWidth = 0;
     int runHeight = 0;
     int baseline = 0;
@@ -416,6 +428,13 @@ bool TextRendererFreeType::Impl::Rasterise(GUI::Texture::Base* texture, const st
         return false;
     int width = rotated ? runHeight : runWidth;
     int height = rotated ? runWidth : runHeight;
+    if (width > limit || height > limit) {
+        std::printf(
+            "TextRendererFreeType: The text's %d x %d pixels exceed the texture limit of %d; it is not "
+            "drawn.\n",
+            width, height, limit);
+        return false;
+    }
     settings.lastWidth = width;
     settings.lastHeight = height;
 
@@ -481,8 +500,10 @@ void TextRendererFreeType::Draw(GUI::Texture::Base* target, GUI::Text* text, GUI
         if (impl_->Rasterise(target, text->string, text->size, StyleOf(text->bold, text->italic),
                              text->orientation == 1))
             target->SetValid(true); // after SetData, which re-allocates and clears the flag
-        else
+        else {
             std::printf("Problem creating texture from text.\n");
+            return;
+        }
     }
 
     int width = target->Width();
