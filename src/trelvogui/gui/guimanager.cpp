@@ -155,6 +155,15 @@ void GUIManager::Resize(int width, int height) {
         width = std::min(width, maxLayerSize_);
         height = std::min(height, maxLayerSize_);
     }
+    // The layers hold 24 bytes a pixel; far past any display, memory runs out before the side limit.
+    if (static_cast<long long>(width) * height > kMaxLayerPixels) {
+        LogFile::Instance().AddLine(
+            LOG_WARNING,
+            "GUIManager::Resize(): %d x %d exceeds the budget of %lld layer pixels; the "
+            "height is clamped.\n",
+            width, height, kMaxLayerPixels);
+        height = static_cast<int>(kMaxLayerPixels / width);
+    }
     int shift = GUI::Geometry::SubSaturated(height, height_);
     for (GUI::Controls::Base* control : Controls()) {
         if (control->HasParent())
