@@ -216,14 +216,16 @@ void AxisControl::ComputeTicks() {
         if (!(step >= 1.0))
             step = 1.0;
         intervalCount_ = TruncateToInt(std::floor(range / step));
-        // An empty or reversed range still shows its two ends.
+        // An empty or reversed range still gets one interval.
         if (intervalCount_ < 1)
             intervalCount_ = 1;
         const double denominator = std::max(std::trunc(range), static_cast<double>(intervalCount_));
         for (int i = 0; i <= intervalCount_; ++i) {
-            float fraction = static_cast<float>((i * step) / denominator);
-            tickFractions_.push_back(fraction);
-            tickValues_.push_back(static_cast<float>(range) * fraction + min_);
+            // In double and with the step multiplied first, so whole steps stay whole before "%d"
+            // truncates them.
+            const double offset = i * step;
+            tickFractions_.push_back(static_cast<float>(offset / denominator));
+            tickValues_.push_back(static_cast<float>(range * offset / denominator + min_));
         }
     }
     RebuildNumberLabels();
