@@ -6,6 +6,8 @@
 #include <trelvogui/gui/panel.h>
 #include <trelvogui/gui/sizehandle.h>
 #include <trelvogui/gui/switchbutton.h>
+#include <trelvogui/manipulatorcontrol.h>
+#include <trelvogui/planecontrol.h>
 #include <trelvogui/probecontrol.h>
 
 #include <glm/glm.hpp>
@@ -24,16 +26,17 @@ uniform mat4 model;
 uniform mat4 viewProjection;
 out vec3 worldNormal;
 void main() {
-    worldNormal = mat3(model) * normal;
+    worldNormal = transpose(inverse(mat3(model))) * normal;
     gl_Position = viewProjection * model * vec4(position, 1.0);
 })";
 
 const char* kCubeFragment = R"(#version 330 core
 in vec3 worldNormal;
+uniform vec3 lightDirection;
 out vec4 color;
 void main() {
     vec3 n = normalize(worldNormal);
-    vec3 light = normalize(vec3(0.4, 0.8, 0.6));
+    vec3 light = normalize(lightDirection);
     float diffuse = max(dot(n, light), 0.0);
     vec3 base = vec3(0.85, 0.55, 0.2);
     color = vec4(base * (0.25 + 0.75 * diffuse), 1.0);
@@ -63,11 +66,34 @@ GUI::Color rgba(uint8_t r, uint8_t g, uint8_t b, uint8_t a = 255) {
 
 } // namespace
 
-DemoHost::DemoHost(int width, int height) : width_(width), height_(height) {}
+DemoHost::DemoHost(int width, int height)
+    : width_(width), height_(height), camera_(std::make_shared<Camera>()),
+      light_(std::make_shared<DirectionalLight>()), cubeFrame_(std::make_shared<LocalFrame>()) {
+    camera_->SetPosition({2.4f, 1.9f, 3.4f});
+    camera_->SetTarget({0.f, 0.f, 0.f});
+    camera_->SetUpVector({0.f, 1.f, 0.f});
+    camera_->SetPerspective(40.f, 0.1f, 50.f);
+    camera_->SetViewport(width, height);
+    camera_->CalcMatrices();
+    light_->position = {0.4f, 0.8f, 0.6f};
+}
+
+void DemoHost::CameraChanged() {
+    camera_->CalcMatrices();
+    if (manager_)
+        manager_->SetCameraUpdated(true);
+}
+
+void DemoHost::LightChanged() {
+    if (manager_)
+        manager_->SetLightUpdated(true);
+}
 
 DemoHost::~DemoHost() {
     // Controls go before the manager; the probe box owns its own.
     probe_.reset();
+    plane_.reset();
+    gizmo_.reset();
     while (!owned_.empty())
         owned_.pop_back();
     input_.reset();
@@ -91,6 +117,9 @@ bool DemoHost::Initialize() {
     manager_->Resize(width_, height_);
     input_ = std::make_unique<GUI::GUIInputManager>(*this);
     input_->addScreenHandler(manager_.get());
+    // The 3D widgets are registered first, so the panels are drawn over them.
+    if (!buildSceneWidgets())
+        return false;
     buildOverlay();
     return true;
 }
@@ -194,6 +223,78 @@ void DemoHost::buildOverlay() {
     probe_->SetLocation(width_ - 300, 24);
 }
 
+bool DemoHost::buildSceneWidgets() {
+    gizmo_ = std::make_unique<ManipulatorControl>(camera_);
+    if (!gizmo_->Initialize()) {
+        std::fprintf(stderr, "the gizmo could not be initialised\n");
+        return false;
+    }
+    gizmo_->attachFrame(cubeFrame_);
+    gizmo_->transformationSignal.connect([this] {
+        const LocalFrame& t = gizmo_->getTransformation();
+        char line[160];
+        std::snprintf(line, sizeof line, "  gizmo step: moved (%.3f, %.3f, %.3f), scaled (%.3f, %.3f, %.3f)",
+                      t.getPosition().x, t.getPosition().y, t.getPosition().z, gizmo_->ScaleStep().x,
+                      gizmo_->ScaleStep().y, gizmo_->ScaleStep().z);
+        stepNotes_.push_back(line);
+        return DRAW_SCENE;
+    });
+    gizmo_->Register(manager_);
+
+    // A slicing plane beside the cube, standing upright and facing along x: it slides along its
+    // normal and tilts, which is all a clipping plane needs.
+    plane_ = std::make_unique<PlaneControl>(camera_);
+    if (!plane_->Initialize()) {
+        std::fprintf(stderr, "the plane widget could not be initialised\n");
+        return false;
+    }
+    plane_->SetShape(Disc);
+    plane_->setPosition(-1.f, -0.8f, 1.f);
+    glm::quat upright = glm::angleAxis(glm::radians(90.f), glm::vec3(0.f, 1.f, 0.f));
+    plane_->setOrientation(upright.w, upright.x, upright.y, upright.z);
+    plane_->setScale(1.7f, 1.7f, 1.f);
+    plane_->enableTranslation(false, false, true);
+    plane_->enableRotation(true, true, false);
+    plane_->enableScaling(false, false, false);
+    plane_->transformationSignal.connect([] { return DRAW_SCENE; });
+    plane_->Register(manager_);
+    return true;
+}
+
+bool DemoHost::FindPart(unsigned pid, unsigned sid, int& x, int& y) {
+    std::vector<GLuint> ids(static_cast<size_t>(width_) * height_ * 4);
+    GLint previous = 0;
+    glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &previous);
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, manager_->GetLayerFramebuffer());
+    glReadBuffer(GL_COLOR_ATTACHMENT1);
+    glReadPixels(0, 0, width_, height_, GL_RGBA_INTEGER, GL_UNSIGNED_INT, ids.data());
+    glReadBuffer(GL_COLOR_ATTACHMENT0);
+    glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(previous));
+    auto is = [&](int px, int py) {
+        if (px < 0 || py < 0 || px >= width_ || py >= height_)
+            return false;
+        const GLuint* t = &ids[(static_cast<size_t>(py) * width_ + px) * 4];
+        return t[0] == pid && t[1] == sid;
+    };
+    // The pixel of the part farthest from its edges, so a press lands well inside it.
+    int best = -1;
+    for (int py = 0; py < height_; ++py)
+        for (int px = 0; px < width_; ++px) {
+            if (!is(px, py))
+                continue;
+            int depth = 0;
+            while (depth < 8 && is(px + depth + 1, py) && is(px - depth - 1, py) && is(px, py + depth + 1) &&
+                   is(px, py - depth - 1))
+                ++depth;
+            if (depth > best) {
+                best = depth;
+                x = px;
+                y = height_ - py;
+            }
+        }
+    return best >= 0;
+}
+
 bool DemoHost::buildCube() {
     cubeProgram_ = glCreateProgram();
     GLuint vs = compile(GL_VERTEX_SHADER, kCubeVertex);
@@ -234,17 +335,18 @@ bool DemoHost::buildCube() {
     return true;
 }
 
-void DemoHost::drawCube(float angle) {
+void DemoHost::drawCube() {
     glViewport(0, 0, width_, height_);
     glClearColor(0.12f, 0.14f, 0.18f, 1.f);
     glClearDepth(1.0);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     glEnable(GL_DEPTH_TEST);
-    glm::mat4 projection = glm::perspective(glm::radians(40.f), float(width_) / float(height_), 0.1f, 50.f);
-    glm::mat4 view = glm::lookAt(glm::vec3(0, 1.2f, 3.6f), glm::vec3(0), glm::vec3(0, 1, 0));
-    glm::mat4 model = glm::rotate(glm::mat4(1.f), glm::radians(angle), glm::vec3(0.3f, 1.f, 0.1f));
-    glm::mat4 vp = projection * view;
+    // The cube's pose is the shared frame the gizmo moves.
+    glm::mat4 model = cubeFrame_->getMatrix();
+    glm::mat4 vp = camera_->ProjectionMatrix() * camera_->ViewMatrix();
+    glm::vec3 toLight = light_->Direction();
     glUseProgram(cubeProgram_);
+    glUniform3fv(glGetUniformLocation(cubeProgram_, "lightDirection"), 1, glm::value_ptr(toLight));
     glUniformMatrix4fv(glGetUniformLocation(cubeProgram_, "model"), 1, GL_FALSE, glm::value_ptr(model));
     glUniformMatrix4fv(glGetUniformLocation(cubeProgram_, "viewProjection"), 1, GL_FALSE, glm::value_ptr(vp));
     glBindVertexArray(cubeVao_);
@@ -255,7 +357,14 @@ void DemoHost::drawCube(float angle) {
 }
 
 void DemoHost::RenderFrame(float angle) {
-    drawCube(angle);
+    // The host spins the cube by itself too, and then puts the gizmo back onto it: attaching again
+    // is how a host keeps the gizmo on a frame it moved.
+    if (angle != spinAngle_) {
+        cubeFrame_->rotate(glm::radians(angle - spinAngle_), glm::vec3(0.f, 1.f, 0.f));
+        spinAngle_ = angle;
+        gizmo_->attachFrame(cubeFrame_);
+    }
+    drawCube();
     manager_->UpdateLayers();
     manager_->Draw();
 }
@@ -263,6 +372,8 @@ void DemoHost::RenderFrame(float angle) {
 void DemoHost::Resize(int width, int height) {
     width_ = width;
     height_ = height;
+    camera_->SetViewport(width, height);
+    CameraChanged();
     manager_->Resize(width, height);
 }
 
@@ -299,6 +410,14 @@ void DemoHost::SetDrawFlags(DrawFlags flags) {
 std::vector<std::string> DemoHost::TakeJournal() {
     std::vector<std::string> out;
     out.swap(journal_);
+    // Gizmo steps come many per drag: the first and the last tell the story.
+    if (!stepNotes_.empty()) {
+        out.push_back(stepNotes_.front() +
+                      (stepNotes_.size() > 1 ? " (first of " + std::to_string(stepNotes_.size()) + ")" : ""));
+        if (stepNotes_.size() > 1)
+            out.push_back(stepNotes_.back() + " (last)");
+        stepNotes_.clear();
+    }
     return out;
 }
 

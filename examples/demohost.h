@@ -4,7 +4,10 @@
 #include <trelvogui/gui/guiinputmanager.h>
 #include <trelvogui/gui/guimanager.h>
 
+#include <graphicsbase/camera.h>
+#include <graphicsbase/directionallight.h>
 #include <graphicsbase/graphicsscene.h>
+#include <graphicsbase/localframe.h>
 
 #include <GL/glew.h>
 
@@ -20,6 +23,8 @@ class Button;
 class SwitchButton;
 } // namespace GUI::Controls
 class ProbeControl;
+class ManipulatorControl;
+class PlaneControl;
 
 namespace demo {
 
@@ -45,6 +50,15 @@ public:
     /// Lines describing what the last events reached.
     std::vector<std::string> TakeJournal();
 
+    /// The host's camera, light and the cube's pose, shared with the 3D widgets.
+    const std::shared_ptr<Camera>& SceneCamera() const { return camera_; }
+    const std::shared_ptr<DirectionalLight>& SceneLight() const { return light_; }
+    const std::shared_ptr<LocalFrame>& CubeFrame() const { return cubeFrame_; }
+    /// What a host does after moving its camera: new matrices, and the widgets that follow it restale.
+    void CameraChanged();
+    /// Likewise after the light moved.
+    void LightChanged();
+
     bool Rotating() const { return rotating_; }
     GUI::GUIManager& Manager() { return *manager_; }
     GUI::Controls::Button* ResetButton() { return resetButton_; }
@@ -52,11 +66,19 @@ public:
     GUI::Controls::Panel* Toolbar() { return toolbar_; }
     GUI::Controls::Panel* NotesPanel() { return notes_; }
     ProbeControl* Probe() { return probe_.get(); }
+    /// The gizmo on the cube and the slicing-plane widget beside it.
+    ManipulatorControl* Gizmo() { return gizmo_.get(); }
+    PlaneControl* SlicePlane() { return plane_.get(); }
+    /// A pixel deep inside a part of a control, found in the overlay's id layer; host pixels, y down.
+    /// False when the part is not drawn.
+    bool FindPart(unsigned pid, unsigned sid, int& x, int& y);
 
 private:
     void buildOverlay();
+    /// The 3D widgets: a gizmo that carries the cube and a plane widget.
+    bool buildSceneWidgets();
     bool buildCube();
-    void drawCube(float angle);
+    void drawCube();
     void note(std::string line) { journal_.push_back(std::move(line)); }
     template <class T> T* own(T* control) {
         owned_.emplace_back(control, [](void* p) { delete static_cast<T*>(p); });
@@ -65,9 +87,15 @@ private:
 
     int width_;
     int height_;
+    std::shared_ptr<Camera> camera_;
+    std::shared_ptr<DirectionalLight> light_;
+    std::shared_ptr<LocalFrame> cubeFrame_;
     std::shared_ptr<GUI::GUIManager> manager_;
     std::unique_ptr<GUI::GUIInputManager> input_;
     std::unique_ptr<ProbeControl> probe_;
+    std::unique_ptr<ManipulatorControl> gizmo_;
+    std::unique_ptr<PlaneControl> plane_;
+    float spinAngle_ = 0.f;
     std::vector<std::unique_ptr<void, void (*)(void*)>> owned_;
     GUI::Controls::Panel* toolbar_ = nullptr;
     GUI::Controls::Panel* notes_ = nullptr;
@@ -79,6 +107,7 @@ private:
     int lastX_ = 0;
     int lastY_ = 0;
     std::vector<std::string> journal_;
+    std::vector<std::string> stepNotes_;
     GLuint cubeProgram_ = 0;
     GLuint cubeVao_ = 0;
     GLuint cubeVbo_ = 0;

@@ -6,12 +6,21 @@
 #include <trelvogui/gui/button.h>
 #include <trelvogui/gui/panel.h>
 #include <trelvogui/gui/switchbutton.h>
+#include <trelvogui/manipulatorcontrol.h>
+#include <trelvogui/manipulatorrenderer.h>
+#include <trelvogui/planecontrol.h>
 #include <trelvogui/probecontrol.h>
+
+#include <graphicsbase/camera.h>
+
+#include <glm/gtc/quaternion.hpp>
 
 #include <graphicsbase/headlesscontext.h>
 #include <graphicsbase/pngwriter.h>
 
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <string>
@@ -54,6 +63,37 @@ struct Session {
         host.MouseMove(x, y);
         host.MousePress(x, y, 1);
         host.MouseRelease(x, y, 0);
+    }
+    /// Where the gizmo draws one of its handles, in host pixels; exits when it is not drawn.
+    glm::ivec2 part(ManipulatorControl* gizmo, unsigned handle) {
+        int x = 0, y = 0;
+        if (!host.FindPart(gizmo->GetId(), handle, x, y)) {
+            std::printf("handle %u of the gizmo is not drawn\n", handle);
+            std::exit(1);
+        }
+        return {x, y};
+    }
+    /// The unit screen direction, in host pixels (y down), of one of the gizmo frame's axes.
+    glm::vec2 axisOnScreen(ManipulatorControl* gizmo, int axis) {
+        const LocalFrame& f = gizmo->getFrame();
+        glm::vec3 o = f.getPosition();
+        glm::vec3 tip = o + (axis == 0 ? f.xvector() : axis == 1 ? f.yvector() : f.zvector());
+        float x0, y0, z0, x1, y1, z1;
+        host.SceneCamera()->ProjectPoint(o.x, o.y, o.z, &x0, &y0, &z0);
+        host.SceneCamera()->ProjectPoint(tip.x, tip.y, tip.z, &x1, &y1, &z1);
+        return glm::normalize(glm::vec2(x1 - x0, y0 - y1));
+    }
+    void printFrame(ManipulatorControl* gizmo) {
+        const LocalFrame& f = gizmo->getFrame();
+        glm::vec3 p = f.getPosition(), s = f.getScale();
+        glm::quat q = f.getOrientation();
+        float angle = glm::degrees(glm::angle(q));
+        glm::vec3 axis = angle > 0.01f ? glm::axis(q) : glm::vec3(1.f, 0.f, 0.f);
+        std::printf(
+            "  cube frame: position (%.3f, %.3f, %.3f), turned %.1f degrees about (%.3f, %.3f, %.3f), "
+            "scale (%.3f, %.3f, %.3f); snapping %s\n",
+            p.x, p.y, p.z, angle, axis.x, axis.y, axis.z, s.x, s.y, s.z,
+            gizmo->rotatonIncrementOn() ? "on" : "off");
     }
     /// Press, move in steps with the left button held, release: a drag.
     void drag(int x0, int y0, int x1, int y1) {
@@ -112,6 +152,66 @@ int main(int argc, char** argv) {
     s.drag(320, 30, 380, 110);
     s.flush("drag the tools panel by (+60, +80):");
     s.snapshot("panel-dragged");
+
+    // The gizmo on the cube. Handle ids: 1-3 arrows, 4-6 rings, 7-9 scale boxes, 10 the centre.
+    ManipulatorControl* gizmo = s.host.Gizmo();
+    glm::ivec2 arrowX = s.part(gizmo, 1);
+    s.move(arrowX.x, arrowX.y);
+    s.flush("hover the gizmo's X arrow (it lights up):");
+    s.snapshot("gizmo-hover");
+
+    glm::vec2 along = s.axisOnScreen(gizmo, 0) * 90.f;
+    s.drag(arrowX.x, arrowX.y, arrowX.x + int(along.x), arrowX.y + int(along.y));
+    s.flush("drag the X arrow 90 pixels along its axis:");
+    s.printFrame(gizmo);
+    s.snapshot("gizmo-moved-x");
+
+    glm::ivec2 centre = s.part(gizmo, 10);
+    s.click(centre.x, centre.y);
+    s.flush("click the gizmo's centre (snapping on, the centre turns hexagonal):");
+    s.printFrame(gizmo);
+    s.snapshot("gizmo-snapping");
+
+    // Turn the Y ring by about 50 degrees about the projected centre, in steps.
+    glm::ivec2 ringY = s.part(gizmo, 5);
+    {
+        float cx, cy, cz;
+        glm::vec3 o = gizmo->getFrame().getPosition();
+        s.host.SceneCamera()->ProjectPoint(o.x, o.y, o.z, &cx, &cy, &cz);
+        glm::vec2 c(cx, float(kHeight) - cy), r = glm::vec2(ringY) - c;
+        s.host.MouseMove(ringY.x, ringY.y);
+        s.host.MousePress(ringY.x, ringY.y, 1);
+        for (int i = 1; i <= 5; ++i) {
+            float a = -glm::radians(10.f * float(i)); // anticlockwise on screen, y down
+            glm::vec2 p =
+                c + glm::vec2(r.x * std::cos(a) - r.y * std::sin(a), r.x * std::sin(a) + r.y * std::cos(a));
+            s.host.MouseMove(int(p.x), int(p.y), 1);
+        }
+        s.host.MouseRelease(int(c.x + r.x * std::cos(-0.87f) - r.y * std::sin(-0.87f)),
+                            int(c.y + r.x * std::sin(-0.87f) + r.y * std::cos(-0.87f)), 0);
+    }
+    s.flush("turn the Y ring by about 50 degrees with snapping (whole 5-degree steps):");
+    s.printFrame(gizmo);
+    s.snapshot("gizmo-turned-y");
+
+    glm::ivec2 boxZ = s.part(gizmo, 9);
+    glm::vec2 outward = s.axisOnScreen(gizmo, 2) * 70.f;
+    s.drag(boxZ.x, boxZ.y, boxZ.x + int(outward.x), boxZ.y + int(outward.y));
+    s.flush("drag the Z scale box 70 pixels outward:");
+    s.printFrame(gizmo);
+    s.snapshot("gizmo-scaled-z");
+
+    centre = s.part(gizmo, 10);
+    s.drag(centre.x, centre.y, centre.x - 90, centre.y + 50);
+    s.flush("drag the centre by (-90, +50) pixels in the view plane:");
+    s.printFrame(gizmo);
+    s.snapshot("gizmo-centre-dragged");
+
+    glm::ivec2 ringX = s.part(gizmo, 4);
+    s.click(ringX.x, ringX.y);
+    s.flush("click the X ring (a quarter turn about the cube's own x axis):");
+    s.printFrame(gizmo);
+    s.snapshot("gizmo-ring-click");
 
     const auto& r = s.host.Toolbar()->GetRectangle();
     std::printf("tools panel now at (%d, %d)-(%d, %d); rotation %s\n", r.xMin, r.yMin, r.xMax, r.yMax,

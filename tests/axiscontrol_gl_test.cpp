@@ -157,7 +157,7 @@ void main() { gl_Position = vec4(0.0); }
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        trelvo::test::ShaderOverrides shaders;
+        trelvo::test::ShaderDir shaders;
         shaders.Write("BackgroundMV.vs", c.vertex);
         shaders.Write("Background.fs", c.fragment);
         AxisControl axis;

@@ -201,7 +201,7 @@ TEST_F(ColorBarGLTest, UninitialisedOrFailedBarDrawsNothingAndTouchesNoState) {
         SCOPED_TRACE(c.name);
         ColorBar bar;
         if (c.brokenShader) {
-            trelvo::test::ShaderOverrides shaders;
+            trelvo::test::ShaderDir shaders;
             shaders.Write("Legend.fs", "#version 330 core\nvoid main() { broken }\n");
             testing::internal::CaptureStdout();
             EXPECT_FALSE(bar.Initialize());
@@ -227,7 +227,7 @@ TEST_F(ColorBarGLTest, UninitialisedOrFailedBarDrawsNothingAndTouchesNoState) {
 }
 
 TEST_F(ColorBarGLTest, MissingUniformsAreReportedAndDrawingGoesOn) {
-    trelvo::test::ShaderOverrides shaders;
+    trelvo::test::ShaderDir shaders;
     shaders.Write("Legend.vs", R"(#version 330 core
 layout(location = 0) in vec2 position;
 void main() { gl_Position = vec4(position * 2.0 - 1.0, 0.0, 1.0); }

@@ -198,15 +198,24 @@ TEST(ControlTree, SettersThatChangeThePictureRequestRedraw) {
     const Case cases[] = {
         {"SetMinSize", [](Base& c) { c.SetMinSize(10, 10); }, false},
         {"SetPressed", [](Base& c) { c.SetPressed(true); }, false},
-        {"SetHorizontalAlignment", [](Base& c) { c.SetHorizontalAlignment(GUI::Alignment::Horizontal::Center); },
-         false},
+        {"SetHorizontalAlignment",
+         [](Base& c) { c.SetHorizontalAlignment(GUI::Alignment::Horizontal::Center); }, false},
         {"SetPosition", [](Base& c) { c.SetPosition(5, 7); }, true},
         {"Translate", [](Base& c) { c.Translate(1, 1); }, true},
-        {"SetRectangle", [](Base& c) { c.SetRectangle({0, 9, 0, 9}); }, true},
+        {"SetRectangle",
+         [](Base& c) {
+             c.SetRectangle({0, 9, 0, 9});
+         },
+         true},
         {"SetEnabled", [](Base& c) { c.SetEnabled(true); }, true},
         {"SetVisible", [](Base& c) { c.SetVisible(true); }, true},
-        {"SetMargins", [](Base& c) { c.SetMargins({1, 1, 1, 1}); }, true},
-        {"SetVerticalSizingPolicy", [](Base& c) { c.SetVerticalSizingPolicy(GUI::Policy::FitContent); }, true},
+        {"SetMargins",
+         [](Base& c) {
+             c.SetMargins({1, 1, 1, 1});
+         },
+         true},
+        {"SetVerticalSizingPolicy", [](Base& c) { c.SetVerticalSizingPolicy(GUI::Policy::FitContent); },
+         true},
     };
     for (const Case& k : cases) {
         Base parent, c;

@@ -1,5 +1,6 @@
 // GLSLProgram (shader lookup, failures, ownership) and GLVertexBuffer (layout, modes, indices).
 #include "support/glfixture.h"
+#include "support/shaderdir.h"
 
 #include <graphicsbase/glslprogram.h>
 #include <graphicsbase/glvertexbuffer.h>
@@ -15,33 +16,9 @@
 #include <utility>
 
 using trelvo::test::GLTest;
+using trelvo::test::ShaderDir;
 
 namespace {
-
-// Points TRELVOGUI_SHADER_PATH at a fresh directory (after one that does not exist, so the search
-// must walk the list) for the lifetime of the object.
-class ShaderDir {
-public:
-    // One directory per process and test: ctest runs tests in parallel processes.
-    ShaderDir()
-        : dir_(trelvo::test::OutputDir() + "/shaders-" + std::to_string(getpid()) + "-" +
-               testing::UnitTest::GetInstance()->current_test_info()->name()) {
-        std::filesystem::remove_all(dir_);
-        std::filesystem::create_directories(dir_);
-        std::string path = "/nonexistent-trelvo-dir:" + dir_;
-        setenv("TRELVOGUI_SHADER_PATH", path.c_str(), 1);
-    }
-    ~ShaderDir() {
-        unsetenv("TRELVOGUI_SHADER_PATH");
-        std::filesystem::remove_all(dir_);
-    }
-    void Write(const std::string& name, const std::string& text) const {
-        std::ofstream(dir_ + "/" + name) << text;
-    }
-
-private:
-    std::string dir_;
-};
 
 const char* kPassVertex = R"(#version 330 core
 layout(location = 0) in vec2 position;

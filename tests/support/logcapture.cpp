@@ -5,10 +5,13 @@
 namespace trelvo::test {
 
 LogCapture::LogCapture() {
-    handle_ = LogFile::Instance().AddObserver([this](int, const std::string& line) { lines_.push_back(line); });
+    handle_ =
+        LogFile::Instance().AddObserver([this](int, const std::string& line) { lines_.push_back(line); });
 }
 
-LogCapture::~LogCapture() { LogFile::Instance().RemoveObserver(handle_); }
+LogCapture::~LogCapture() {
+    LogFile::Instance().RemoveObserver(handle_);
+}
 
 int LogCapture::Count(const std::string& line) const {
     return static_cast<int>(std::count(lines_.begin(), lines_.end(), line));

@@ -1,19 +1,21 @@
 #pragma once
-// Shader overrides on disk for one test: TRELVOGUI_SHADER_PATH points at a fresh directory.
+// A private shader override directory for one test: TRELVOGUI_SHADER_PATH points at it meanwhile.
 
 #include <string>
 
 namespace trelvo::test {
 
-/// Creates a directory unique to the process and the running test and puts it on the shader search
-/// path for the object's lifetime; shaders written there replace the embedded ones of that name.
-class ShaderOverrides {
+/// Points TRELVOGUI_SHADER_PATH at a fresh directory (after one that does not exist, so the search
+/// must walk the list) for the lifetime of the object. One directory per process and test: ctest
+/// runs tests in parallel processes.
+class ShaderDir {
 public:
-    ShaderOverrides();
-    ~ShaderOverrides();
-    ShaderOverrides(const ShaderOverrides&) = delete;
-    ShaderOverrides& operator=(const ShaderOverrides&) = delete;
+    ShaderDir();
+    ~ShaderDir();
+    ShaderDir(const ShaderDir&) = delete;
+    ShaderDir& operator=(const ShaderDir&) = delete;
 
+    /// Writes a shader file that then overrides the embedded one of that name.
     void Write(const std::string& name, const std::string& text) const;
 
 private:

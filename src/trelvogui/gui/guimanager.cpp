@@ -392,13 +392,14 @@ DrawFlags GUIManager::mousePressEvent(VX_UI::MouseEvent* e) {
         if (GUI::Controls::Base* control = addressed(e->pid)) {
             GUI::Event event = controlEvent(*e);
             DrawFlags r = control->OnMouseDown(&event);
-            // Bring the whole tree to the front: the root is drawn last.
+            // Bring the whole tree to the front: the root is drawn last. Widgets of the 3D scene
+            // stay where they are, beneath the panels that float over the scene.
             GUI::Controls::Base* root = control;
             while (root->Parent())
                 root = root->Parent();
             auto& list = Controls();
             auto it = std::find(list.begin(), list.end(), root);
-            if (it != list.end()) {
+            if (it != list.end() && !root->UsesCamera() && !root->UsesLight()) {
                 list.erase(it);
                 list.push_back(root);
             }

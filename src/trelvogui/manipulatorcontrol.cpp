@@ -1,0 +1,428 @@
+#include <trelvogui/manipulatorcontrol.h>
+
+#include <trelvogui/manipulatorrenderer.h>
+
+#include <graphicsbase/camera.h>
+#include <graphicsbase/logfile.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+constexpr float kQuarterTurn = 1.5707964f;
+
+bool IsArrow(int id) {
+    return id >= 1 && id <= 3;
+}
+bool IsRing(int id) {
+    return id >= 4 && id <= 6;
+}
+bool IsScaleBox(int id) {
+    return id >= 7 && id <= 9;
+}
+constexpr int kCentre = 10;
+
+bool Finite(const tgeom::vec& v) { return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z); }
+} // namespace
+
+ManipulatorControl::ManipulatorControl(std::shared_ptr<Camera> camera)
+    : camera_(std::move(camera)), renderer_(std::make_shared<ManipulatorRenderer>(camera_)) {
+    SetUsesCamera(true);
+}
+
+ManipulatorControl::~ManipulatorControl() = default;
+
+bool ManipulatorControl::Initialize() {
+    if (!camera_) {
+        LogFile::Instance().AddLine(LOG_WARNING, "ManipulatorControl::Initialize(): No camera was given.\n");
+        return false;
+    }
+    if (!renderer_->Initialize())
+        return false;
+    MaterialInfo material;
+    material.color = tgeom::vec4(0.5f, 0.5f, 0.5f, 1.f);
+    renderer_->SetMaterialInfo(material);
+    renderer_->setVisible(true);
+    lastPosition_ = getFrame().getPosition();
+    lastOrientation_ = getFrame().getOrientation();
+    lastScale_ = scale_;
+    return true;
+}
+
+LocalFrame& ManipulatorControl::getFrame() {
+    return renderer_->getFrame();
+}
+
+void ManipulatorControl::attachFrame(std::shared_ptr<LocalFrame> frame) {
+    if (!frame)
+        return;
+    attachedFrame_ = std::move(frame);
+    getFrame().setPosition(attachedFrame_->getPosition());
+    getFrame().setOrientation(attachedFrame_->getOrientation());
+    SetNeedsRedraw(true);
+}
+
+void ManipulatorControl::releaseFrame() {
+    attachedFrame_.reset();
+}
+
+void ManipulatorControl::resetPrevFrame() {
+    const LocalFrame& source = attachedFrame_ ? *attachedFrame_ : getFrame();
+    prevFrame_.setPosition(source.getPosition());
+    prevFrame_.setScale(source.getScale());
+    prevFrame_.setOrientation(source.getOrientation());
+}
+
+void ManipulatorControl::setPosition(float x, float y, float z) {
+    getFrame().setPosition({x, y, z});
+    prevFrame_.setPosition({x, y, z});
+    SetNeedsRedraw(true);
+}
+
+void ManipulatorControl::setOrientation(float w, float x, float y, float z) {
+    tgeom::quat q(w, x, y, z);
+    getFrame().setOrientation(q);
+    prevFrame_.setOrientation(q);
+    SetNeedsRedraw(true);
+}
+
+void ManipulatorControl::setScale(float x, float y, float z) {
+    getFrame().setScale({x, y, z});
+    prevFrame_.setScale({x, y, z});
+}
+
+void ManipulatorControl::enableTranslation(bool x, bool y, bool z) {
+    renderer_->setVisibleTranslate(x, y, z);
+    SetNeedsRedraw(true);
+}
+
+void ManipulatorControl::enableRotation(bool x, bool y, bool z) {
+    renderer_->setVisibleRotate(x, y, z);
+    SetNeedsRedraw(true);
+}
+
+void ManipulatorControl::enableScaling(bool x, bool y, bool z) {
+    renderer_->setVisibleScale(x, y, z);
+    SetNeedsRedraw(true);
+}
+
+void ManipulatorControl::setRotationIncrement(float radians) {
+    // A zero, negative or non-finite step would make every snapped angle 0 or NaN.
+    if (!(radians > 0.f) || !std::isfinite(radians)) {
+        LogFile::Instance().AddLine(LOG_WARNING,
+                                    "ManipulatorControl::setRotationIncrement(): %g is not a usable step.\n",
+                                    static_cast<double>(radians));
+        return;
+    }
+    rotationIncrement_ = radians;
+}
+
+void ManipulatorControl::SetVisible(bool v) {
+    Base::SetVisible(v);
+    SetNeedsRedraw(true);
+    renderer_->setVisible(v);
+}
+
+void ManipulatorControl::DrawCustom() {
+    if (!camera_)
+        return;
+    camera_->SetMatrixParams(renderer_.get());
+    renderer_->setPid(GetId());
+    renderer_->Render();
+}
+
+glm::vec2 ManipulatorControl::toWindow(int x, int y) const {
+    return {static_cast<float>(x), static_cast<float>(camera_->Height()) - static_cast<float>(y)};
+}
+
+void ManipulatorControl::planeDirection(const glm::vec2& mouse, const tgeom::vec& axis,
+                                        tgeom::vec& out) const {
+    tgeom::vec a, b;
+    if (!camera_->UnProjectPoint(mouse.x, mouse.y, 0.f, &a.x, &a.y, &a.z) ||
+        !camera_->UnProjectPoint(mouse.x, mouse.y, 1.f, &b.x, &b.y, &b.z))
+        return;
+    tgeom::vec r = glm::normalize(b - a);
+    float facing = glm::dot(r, axis);
+    if (facing == 0.f || !std::isfinite(facing))
+        return;
+    float t = glm::dot(pressPosition_ - a, axis) / facing;
+    tgeom::vec towards = a + t * r - pressPosition_;
+    float length = glm::length(towards);
+    if (length > 0.f && std::isfinite(length))
+        out = towards / length;
+}
+
+tgeom::vec ManipulatorControl::axisPoint(const tgeom::vec& axis) const {
+    const tgeom::vec p0 = pressPosition_;
+    const tgeom::vec p1 = p0 + axis;
+    glm::vec2 s0, s1;
+    float depth = 0.f;
+    if (!camera_->ProjectPoint(p0.x, p0.y, p0.z, &s0.x, &s0.y, &depth) ||
+        !camera_->ProjectPoint(p1.x, p1.y, p1.z, &s1.x, &s1.y, &depth))
+        return p0;
+    float length = glm::length(s1 - s0);
+    // An axis seen end-on gives the pointer nothing to slide along.
+    if (!(length > 1e-6f))
+        return p0;
+    glm::vec2 d = (s1 - s0) / length;
+    glm::vec2 q = s0 + glm::dot(currentMouse_ - pressMouse_, d) * d;
+    tgeom::vec a, b;
+    if (!camera_->UnProjectPoint(q.x, q.y, 0.f, &a.x, &a.y, &a.z) ||
+        !camera_->UnProjectPoint(q.x, q.y, 1.f, &b.x, &b.y, &b.z))
+        return p0;
+    tgeom::vec r = glm::normalize(b - a);
+    tgeom::vec across = r - glm::dot(r, axis) * axis;
+    float acrossLength = glm::length(across);
+    if (!(acrossLength > 1e-6f))
+        return p0;
+    tgeom::vec n = across / acrossLength;
+    tgeom::vec hit = a + r * ((glm::dot(n, p0) - glm::dot(n, a)) / glm::dot(n, r));
+    return Finite(hit) ? hit : p0;
+}
+
+double ManipulatorControl::scaleFactor(const tgeom::vec& axis) const {
+    const tgeom::vec p0 = pressPosition_;
+    const tgeom::vec p1 = p0 + axis;
+    glm::vec2 s0, s1;
+    float depth = 0.f;
+    if (!camera_->ProjectPoint(p0.x, p0.y, p0.z, &s0.x, &s0.y, &depth) ||
+        !camera_->ProjectPoint(p1.x, p1.y, p1.z, &s1.x, &s1.y, &depth))
+        return scale_;
+    float length = glm::length(s1 - s0);
+    if (!(length > 1e-6f))
+        return scale_;
+    glm::vec2 d = (s1 - s0) / length;
+    double factor = 1.0 + 0.005 * static_cast<double>(glm::dot(currentMouse_ - pressMouse_, d));
+    return factor < 0.05 ? 0.05 : factor;
+}
+
+DrawFlags ManipulatorControl::OnMouseDown(GUI::Event* e) {
+    if (!e || !camera_)
+        return DRAW_NOTHING;
+    LocalFrame& frame = getFrame();
+    activeHandle_ = static_cast<int>(e->sid);
+    scale_ = 1.0;
+    lastScale_ = 1.0;
+    scaleStep_ = tgeom::vec(1.f);
+    pressPosition_ = frame.getPosition();
+    pressMouse_ = toWindow(e->x, e->y);
+    currentMouse_ = pressMouse_;
+    pressOrientation_ = frame.getOrientation();
+    moved_ = false;
+    refusalLogged_ = false;
+    switch (activeHandle_) {
+    case 1:
+    case 4:
+        dragAxis_ = frame.xvector();
+        break;
+    case 2:
+    case 5:
+        dragAxis_ = frame.yvector();
+        break;
+    case 3:
+    case 6:
+        dragAxis_ = frame.zvector();
+        break;
+    default:
+        if (IsScaleBox(activeHandle_))
+            scale_ = 1.0;
+        break;
+    }
+    planeDirection(pressMouse_, dragAxis_, pressDirection_);
+    processPressEvent();
+    SetNeedsRedraw(true);
+    return DRAW_OVERLAY;
+}
+
+DrawFlags ManipulatorControl::OnDoubleClick(GUI::Event*) {
+    return DRAW_NOTHING;
+}
+
+DrawFlags ManipulatorControl::OnMouseDrag(GUI::Event* e, int dx, int dy) {
+    if (!e || !camera_)
+        return DRAW_NOTHING;
+    // The event is where the pointer was; the deltas bring it to where it is now (dy grows upward).
+    glm::vec2 mouse = toWindow(e->x, e->y) + glm::vec2(static_cast<float>(dx), static_cast<float>(dy));
+    if (mouse != pressMouse_)
+        moved_ = true;
+    if (!dragStep(mouse))
+        return DRAW_NOTHING;
+    DrawFlags r = processMoveEvent() | processTransformation();
+    // The gizmo itself moved whatever the host answered, so its picture is stale either way.
+    SetNeedsRedraw(true);
+    return r | DRAW_OVERLAY;
+}
+
+bool ManipulatorControl::dragStep(const glm::vec2& mouse) {
+    LocalFrame& frame = getFrame();
+    currentMouse_ = mouse;
+    const tgeom::vec before = frame.getPosition();
+    transformation_.reset();
+
+    if (IsArrow(activeHandle_)) {
+        tgeom::vec axis = activeHandle_ == 1   ? frame.xvector()
+                          : activeHandle_ == 2 ? frame.yvector()
+                                               : frame.zvector();
+        tgeom::vec moved = axisPoint(axis);
+        frame.setPosition(moved);
+        transformation_.setPosition(moved - before);
+    } else if (IsRing(activeHandle_)) {
+        tgeom::vec v = pressDirection_;
+        planeDirection(currentMouse_, dragAxis_, v);
+        // The angle between the two directions; atan2 keeps it exact near 0, where acos of a dot
+        // product a rounding error below 1 would already turn by half a milliradian.
+        tgeom::vec across = glm::cross(pressDirection_, v);
+        float angle = std::atan2(glm::length(across), std::clamp(glm::dot(pressDirection_, v), -1.f, 1.f));
+        if (rotationIncrementOn_)
+            angle = std::trunc(angle / rotationIncrement_) * rotationIncrement_;
+        if (glm::dot(across, dragAxis_) < 0.f)
+            angle = -angle;
+        tgeom::vec axis = glm::normalize(dragAxis_);
+        float half = angle * 0.5f;
+        tgeom::quat q(std::cos(half), axis.x * std::sin(half), axis.y * std::sin(half),
+                      axis.z * std::sin(half));
+        const tgeom::quat old = frame.getOrientation();
+        frame.setOrientation(q * pressOrientation_);
+        transformation_.setOrientation(frame.getOrientation() * glm::conjugate(old));
+    } else if (IsScaleBox(activeHandle_)) {
+        const double old = scale_;
+        int axisIndex = activeHandle_ - 7;
+        tgeom::vec axis = axisIndex == 0   ? frame.xvector()
+                          : axisIndex == 1 ? frame.yvector()
+                                           : frame.zvector();
+        scale_ = scaleFactor(axis);
+        tgeom::vec step(1.f);
+        step[axisIndex] = static_cast<float>(scale_ / old);
+        transformation_.setScale(step);
+    } else if (activeHandle_ == kCentre) {
+        // A move event that goes nowhere (hosts send one with the release) keeps it a click.
+        if (currentMouse_ != pressMouse_)
+            centreDragged_ = true;
+        float sx = 0.f, sy = 0.f, sz = 0.f;
+        tgeom::vec moved;
+        if (camera_->ProjectPoint(pressPosition_.x, pressPosition_.y, pressPosition_.z, &sx, &sy, &sz) &&
+            camera_->UnProjectPoint(currentMouse_.x, currentMouse_.y, sz, &moved.x, &moved.y, &moved.z) &&
+            Finite(moved)) {
+            frame.setPosition(moved);
+            transformation_.setPosition(moved - before);
+        }
+    } else {
+        return false;
+    }
+    copyToAttached();
+    calculateTransformations();
+    return true;
+}
+
+void ManipulatorControl::copyToAttached() {
+    if (!attachedFrame_)
+        return;
+    attachedFrame_->setPosition(getFrame().getPosition());
+    attachedFrame_->setOrientation(getFrame().getOrientation());
+}
+
+void ManipulatorControl::calculateTransformations() {
+    LocalFrame& frame = getFrame();
+    const tgeom::vec p = frame.getPosition();
+    deltaPosition_ = p - lastPosition_;
+    lastPosition_ = p;
+    const tgeom::quat o = frame.getOrientation();
+    deltaOrientation_ = o * glm::inverse(lastOrientation_);
+    lastOrientation_ = o;
+    const float s = static_cast<float>(scale_ / lastScale_);
+    lastScale_ = scale_;
+    if (!IsScaleBox(activeHandle_))
+        return;
+    scaleStep_ = tgeom::vec(1.f);
+    scaleStep_[activeHandle_ - 7] = s;
+    if (uniformScaling_)
+        scaleStep_ = tgeom::vec(s);
+    if (attachedFrame_)
+        attachedFrame_->scale3D(scaleStep_);
+    frame.scale3D(scaleStep_);
+}
+
+DrawFlags ManipulatorControl::OnMouseUp(GUI::Event*) {
+    const bool centre = activeHandle_ == kCentre;
+    if (centre) {
+        if (!centreDragged_) {
+            rotationIncrementOn_ = !rotationIncrementOn_;
+            renderer_->setVisiblePolyCircle(rotationIncrementOn_);
+        } else {
+            centreDragged_ = false;
+        }
+    }
+    activeHandle_ = 0;
+    DrawFlags r = processReleaseEvent();
+    if (r != DRAW_NOTHING || centre) {
+        SetNeedsRedraw(true);
+        return DRAW_OVERLAY;
+    }
+    return DRAW_NOTHING;
+}
+
+DrawFlags ManipulatorControl::OnClick(GUI::Event* e) {
+    if (!e || !IsRing(static_cast<int>(e->sid)) || moved_)
+        return DRAW_NOTHING;
+    LocalFrame& frame = getFrame();
+    glm::mat3 rotation = glm::mat3_cast(frame.getOrientation());
+    tgeom::vec axis = rotation[static_cast<int>(e->sid) - 4];
+    // The step a slot reads is this turn, not what the last drag left there.
+    transformation_.reset();
+    const tgeom::quat old = frame.getOrientation();
+    if (glm::length(axis) != 0.f)
+        frame.rotate(kQuarterTurn, axis);
+    transformation_.setOrientation(frame.getOrientation() * glm::conjugate(old));
+    copyToAttached();
+    calculateTransformations();
+    DrawFlags r = processMoveEvent() | processTransformation();
+    SetNeedsRedraw(true);
+    return r | DRAW_OVERLAY;
+}
+
+DrawFlags ManipulatorControl::OnMouseEnter(GUI::Event* e) {
+    hoveredHandle_ = e ? static_cast<int>(e->sid) : 0;
+    SetNeedsRedraw(true);
+    renderer_->setHighlightDof(static_cast<unsigned int>(hoveredHandle_));
+    return DRAW_OVERLAY | DRAW_CONSUMED;
+}
+
+DrawFlags ManipulatorControl::OnMouseExit(GUI::Event*) {
+    hoveredHandle_ = 0;
+    renderer_->setHighlightDof(0);
+    SetNeedsRedraw(true);
+    return DRAW_OVERLAY;
+}
+
+DrawFlags ManipulatorControl::OnMouseHover(GUI::Event* e) {
+    if (!e || static_cast<int>(e->sid) == hoveredHandle_)
+        return DRAW_NOTHING;
+    return OnMouseEnter(e);
+}
+
+DrawFlags ManipulatorControl::processPressEvent() {
+    return DRAW_NOTHING;
+}
+DrawFlags ManipulatorControl::processMoveEvent() {
+    return DRAW_NOTHING;
+}
+DrawFlags ManipulatorControl::processReleaseEvent() {
+    return DRAW_NOTHING;
+}
+DrawFlags ManipulatorControl::processTapEvent() {
+    return DRAW_NOTHING;
+}
+
+DrawFlags ManipulatorControl::processTransformation() {
+    boost::optional<DrawFlags> result = transformationSignal();
+    if (!result) {
+        if (!refusalLogged_)
+            LogFile::Instance().AddLine(LOG_WARNING,
+                                        "ManipulatorControl::processTransformation(): No slot is "
+                                        "connected to transformationSignal; the change is not "
+                                        "reported.\n");
+        refusalLogged_ = true;
+        return DRAW_NOTHING;
+    }
+    return *result;
+}

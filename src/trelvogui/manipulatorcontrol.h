@@ -1,0 +1,139 @@
+#pragma once
+// The transform gizmo: a control that turns drags on its handles into moves, turns and scales.
+
+#include <trelvogui/gui/controlbase.h>
+#include <trelvogui/trelvogui_export.h>
+
+#include <graphicsbase/drawflags.h>
+#include <graphicsbase/localframe.h>
+#include <graphicsbase/tgeom.h>
+
+#include <boost/signals2/signal.hpp>
+
+#include <memory>
+
+class Camera;
+class ManipulatorRenderer;
+
+/// A gizmo in the overlay's control tree, drawn over the host's 3D view with the host's camera. A
+/// press on a handle (the event's secondary id: 1-3 arrows, 4-6 rings, 7-9 scale boxes, 10 centre)
+/// starts a drag that moves, turns or scales the gizmo's frame, keeps an attached frame in step and
+/// fires `transformationSignal` after every step; `getTransformation` holds that step's change.
+///
+/// Pointer positions arrive in host pixels with y down; the control turns them into the camera's
+/// window coordinates (y up, see Camera) once, so every ray computation works in one convention.
+/// Connect a slot to `transformationSignal` before the first drag: without one the step is still
+/// made, and a refusal is logged once per press.
+class TRELVOGUI_EXPORT ManipulatorControl : public GUI::Controls::Base {
+public:
+    using TransformationSignal = boost::signals2::signal<DrawFlags()>;
+
+    TransformationSignal transformationSignal;
+    /// Free for hosts; the library never fires them.
+    TransformationSignal reservedSignal1;
+    TransformationSignal reservedSignal2;
+    TransformationSignal reservedSignal3;
+
+    explicit ManipulatorControl(std::shared_ptr<Camera> camera);
+    ~ManipulatorControl() override;
+
+    void DrawCustom() override;
+    DrawFlags OnMouseDown(GUI::Event* e) override;
+    DrawFlags OnDoubleClick(GUI::Event* e) override;
+    DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy) override;
+    DrawFlags OnMouseUp(GUI::Event* e) override;
+    DrawFlags OnMouseEnter(GUI::Event* e) override;
+    DrawFlags OnMouseExit(GUI::Event* e) override;
+    /// Moving from one handle to another inside the gizmo moves the highlight along.
+    DrawFlags OnMouseHover(GUI::Event* e) override;
+    /// A click on a ring turns the gizmo a quarter turn about that ring's axis.
+    DrawFlags OnClick(GUI::Event* e) override;
+    void SetVisible(bool v) override;
+    /// Builds the renderer (current GL context needed). False if its shaders fail.
+    virtual bool Initialize();
+
+    /// Hooks for derived controls and hosts; each returns 0 here.
+    virtual DrawFlags processPressEvent();
+    virtual DrawFlags processMoveEvent();
+    virtual DrawFlags processReleaseEvent();
+    virtual DrawFlags processTapEvent();
+    /// Fires `transformationSignal` and returns its last slot's value, or 0 when no slot is connected.
+    virtual DrawFlags processTransformation();
+
+    /// Keeps `frame` in step with the gizmo and moves the gizmo onto it. A null frame changes nothing.
+    void attachFrame(std::shared_ptr<LocalFrame> frame);
+    void releaseFrame();
+    LocalFrame& getFrame();
+    LocalFrame& getPrevFrame() { return prevFrame_; }
+    LocalFrame& getTransformation() { return transformation_; }
+    /// Copies the attached frame's pose (or the gizmo's, with none attached) into the previous frame.
+    void resetPrevFrame();
+    void setPosition(float x, float y, float z);
+    void setOrientation(float w, float x, float y, float z);
+    void setScale(float x, float y, float z);
+    void enableTranslation(bool x, bool y, bool z);
+    void enableRotation(bool x, bool y, bool z);
+    void enableScaling(bool x, bool y, bool z);
+    void setUniformScaling(bool v) { uniformScaling_ = v; }
+    bool rotationIncrementSupported() { return true; }
+    bool rotatonIncrementOn() { return rotationIncrementOn_; }
+    void setRotatationIncrementOn(bool v) { rotationIncrementOn_ = v; }
+    /// The snapping step in radians.
+    float rotationIncrement() { return rotationIncrement_; }
+    void setRotationIncrement(float radians);
+    /// Per-step deltas against the pose at the previous call; applies the step's scale to the frames.
+    void calculateTransformations();
+
+    const std::shared_ptr<ManipulatorRenderer>& GetRenderer() const { return renderer_; }
+    const std::shared_ptr<Camera>& GetCamera() const { return camera_; }
+    int ActiveHandle() const { return activeHandle_; }
+    int HoveredHandle() const { return hoveredHandle_; }
+    const tgeom::vec& DeltaPosition() const { return deltaPosition_; }
+    const tgeom::quat& DeltaOrientation() const { return deltaOrientation_; }
+    const tgeom::vec& ScaleStep() const { return scaleStep_; }
+
+protected:
+    /// Unit vector from the press position to where the pointer's ray meets the plane through it
+    /// with normal `axis`; `out` is left unchanged when the ray runs parallel to that plane.
+    void planeDirection(const glm::vec2& mouse, const tgeom::vec& axis, tgeom::vec& out) const;
+    /// The point on the line through the press position along `axis` under the pointer's motion
+    /// along the projected axis, measured from the press (the grab offset is ignored).
+    tgeom::vec axisPoint(const tgeom::vec& axis) const;
+    /// 1 + 0.005 per pixel of pointer motion along the projected axis, never below 0.05.
+    double scaleFactor(const tgeom::vec& axis) const;
+    /// A host pointer position in the camera's window coordinates.
+    glm::vec2 toWindow(int x, int y) const;
+    /// One step of the drag under way; false when the pressed id is no handle.
+    bool dragStep(const glm::vec2& mouse);
+    void copyToAttached();
+
+private:
+    std::shared_ptr<Camera> camera_;
+    std::shared_ptr<ManipulatorRenderer> renderer_;
+    std::shared_ptr<LocalFrame> attachedFrame_;
+    double scale_ = 1.0;
+    int activeHandle_ = 0;
+    LocalFrame prevFrame_;
+    LocalFrame transformation_;
+    tgeom::vec pressPosition_{0.f};
+    tgeom::vec dragAxis_{1.f, 0.f, 0.f};
+    tgeom::vec lastPosition_{0.f};
+    tgeom::quat lastOrientation_{1.f, 0.f, 0.f, 0.f};
+    double lastScale_ = 1.0;
+    tgeom::vec deltaPosition_{0.f};
+    tgeom::quat deltaOrientation_{1.f, 0.f, 0.f, 0.f};
+    tgeom::vec scaleStep_{1.f};
+    glm::vec2 pressMouse_{0.f};
+    glm::vec2 currentMouse_{0.f};
+    tgeom::quat pressOrientation_{1.f, 0.f, 0.f, 0.f};
+    tgeom::vec pressDirection_{1.f, 0.f, 0.f};
+    float rotationIncrement_ = 0.0872665f;
+    bool uniformScaling_ = false;
+    bool rotationIncrementOn_ = false;
+    bool centreDragged_ = false;
+    int hoveredHandle_ = 0;
+    // Whether the pointer moved since the press: a quick drag also ends as a click, which must not
+    // add a quarter turn to the turn the drag made.
+    bool moved_ = false;
+    bool refusalLogged_ = false;
+};

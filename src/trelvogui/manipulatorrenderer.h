@@ -1,0 +1,112 @@
+#pragma once
+// Draws the transform gizmo in screen space and writes each handle's id for picking.
+
+#include <trelvogui/trelvogui_export.h>
+
+#include <graphicsbase/glrendererbase.h>
+#include <graphicsbase/localframe.h>
+#include <graphicsbase/tgeom.h>
+
+#include <glm/glm.hpp>
+
+#include <memory>
+
+class Camera;
+class GLSLProgram;
+class GLVertexBuffer;
+
+/// The gizmo of a ManipulatorControl: three arrows, three rings, three scale boxes and a centre
+/// handle around the pose it owns (`getFrame`). Handles are flat meshes placed, turned and sized in
+/// window pixels around the projected origin, so the gizmo keeps its size on screen at any distance.
+/// Every handle writes the control's id and its own secondary id (1-3 arrows, 4-6 rings, 7-9 boxes,
+/// 10 centre) into the id layer.
+///
+/// Pixel convention: handles are placed in the camera's window coordinates exactly as
+/// Camera::ProjectPoint returns them (origin bottom-left, y up), and drawn with a projection of the
+/// same orientation, so the gizmo lands on the projected frame without any flip.
+class TRELVOGUI_EXPORT ManipulatorRenderer : public GLRendererBase {
+public:
+    explicit ManipulatorRenderer(std::shared_ptr<Camera> camera);
+    ~ManipulatorRenderer() override;
+
+    ManipulatorRenderer(const ManipulatorRenderer&) = delete;
+    ManipulatorRenderer& operator=(const ManipulatorRenderer&) = delete;
+
+    /// Draws the translation arrow and the scale box of one axis.
+    virtual void drawAxisX();
+    virtual void drawAxisY();
+    virtual void drawAxisZ();
+    /// Draws the rotation band of one axis.
+    virtual void drawRingX();
+    virtual void drawRingY();
+    virtual void drawRingZ();
+    /// The centre handle: a round ring, or a hexagonal one while the polyCircle flag is set.
+    virtual void DrawCircle();
+    /// Builds the program and the five meshes. Needs a current GL context; false if a shader fails.
+    virtual bool Initialize();
+    virtual bool loadShaders();
+
+    /// Draws the gizmo when initialised and visible.
+    void Draw() override;
+
+    LocalFrame& getFrame() { return frame_; }
+
+    void setVisibleTranslate(bool x, bool y, bool z);
+    void setVisibleRotate(bool x, bool y, bool z);
+    void setVisibleScale(bool x, bool y, bool z);
+    void setVisibleCenter(bool v) { centre_ = v; }
+    void setVisiblePolyCircle(bool v) { polyCircle_ = v; }
+    bool visiblePolyCircle() const { return polyCircle_; }
+    void setVisible(bool v) { SetVisible(v); }
+    void setPid(unsigned int pid) { pid_ = pid; }
+    unsigned int pid() const { return pid_; }
+    /// The hovered handle's id (0 = none); that handle is drawn mixed with the highlight colour.
+    void setHighlightDof(unsigned int id) { highlightDof_ = id; }
+    unsigned int highlightDof() const { return highlightDof_; }
+    /// Bit i set hides handle i + 1 and makes it unpickable, for i = 0 to 8.
+    void setDOFMask(unsigned int mask);
+    unsigned int DOFMask() const { return dofMask_; }
+    int primaryId() const { return primaryId_; }
+    /// Whether handle id (1-9) is shown and pickable.
+    bool handleEnabled(int id) const { return id >= 1 && id <= 9 && handles_[id - 1]; }
+
+    /// The frame's rotation with the stored translation in the translation column.
+    void modelMatrix(glm::mat4& m) const;
+
+private:
+    void drawAxis(int axis);
+    void drawRing(int axis);
+    bool projectAxis(const tgeom::vec& axis, glm::vec2& origin, glm::vec2& direction) const;
+    glm::vec4 handleColor(int axis, unsigned int id) const;
+    void drawMesh(const GLVertexBuffer& mesh, const glm::mat4& model, const glm::vec4& color, unsigned int id,
+                  const glm::vec2& colorpos);
+    tgeom::vec axisVector(int axis) const;
+
+    LocalFrame frame_;
+    std::unique_ptr<GLVertexBuffer> arrowHead_;
+    std::unique_ptr<GLVertexBuffer> scaleBox_;
+    std::unique_ptr<GLVertexBuffer> rotationArc_;
+    std::unique_ptr<GLVertexBuffer> roundRing_;
+    std::unique_ptr<GLVertexBuffer> hexRing_;
+    std::unique_ptr<GLSLProgram> program_;
+    float fadeStart_ = 0.85f;
+    float fadeSlope_ = 30.f;
+    // Translate X, Y, Z, rotate X, Y, Z, scale X, Y, Z.
+    bool handles_[9] = {true, true, true, true, true, true, true, true, true};
+    bool centre_ = true;
+    bool polyCircle_ = false;
+    // The centre's outer radius as a fraction of the ring radius, the least thickness of a ring seen
+    // edge-on (so it stays pickable) as a fraction of the radius, and the shade of a band's thin end.
+    float centreSize_ = 0.2f;
+    float ringMinimumThickness_ = 0.04f;
+    float bandShade_ = 0.7f;
+    int primaryId_ = 200;
+    unsigned int pid_ = 0;
+    int axisIndex_[3] = {0, 1, 2};
+    glm::vec4 highlightColor_{1.f, 1.f, 1.f, 0.5f};
+    glm::vec4 axisColor_[3] = {{1.f, 0.f, 0.f, 1.f}, {0.f, 1.f, 0.f, 1.f}, {0.f, 0.f, 1.f, 1.f}};
+    glm::vec4 neutralColor_{0.8f, 0.8f, 0.8f, 1.f};
+    unsigned int highlightDof_ = 0;
+    unsigned int dofMask_ = 1;
+    tgeom::vec translation_{0.f};
+};

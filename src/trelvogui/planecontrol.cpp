@@ -1,0 +1,54 @@
+#include <trelvogui/planecontrol.h>
+
+#include <trelvogui/manipulatorrenderer.h>
+
+#include <graphicsbase/camera.h>
+
+PlaneControl::PlaneControl(std::shared_ptr<Camera> camera) : ManipulatorControl(std::move(camera)) {}
+
+PlaneControl::~PlaneControl() = default;
+
+bool PlaneControl::Initialize() {
+    initialized_ = false;
+    if (!ManipulatorControl::Initialize())
+        return false;
+    // The outline holds the gizmo's own frame; the aliasing pointer keeps the gizmo renderer alive
+    // for as long as the outline may read it.
+    std::shared_ptr<LocalFrame> frame(GetRenderer(), &GetRenderer()->getFrame());
+    auto planar = std::make_unique<PlanarShapeRenderer>(frame);
+    if (!planar->Initialize())
+        return false;
+    MaterialInfo material;
+    material.color = tgeom::vec4(0.5f, 0.5f, 0.5f, 1.f);
+    planar->SetMaterialInfo(material);
+    planar->SetVisible(Visible());
+    planar->SetShape(pendingShape_);
+    planarRenderer_ = std::move(planar);
+    initialized_ = true;
+    return true;
+}
+
+void PlaneControl::DrawCustom() {
+    if (!initialized_ || !GetCamera())
+        return;
+    ManipulatorControl::DrawCustom();
+    GetCamera()->SetMatrixParams(planarRenderer_.get());
+    planarRenderer_->Draw();
+}
+
+void PlaneControl::SetVisible(bool v) {
+    ManipulatorControl::SetVisible(v);
+    if (planarRenderer_)
+        planarRenderer_->SetVisible(v);
+}
+
+PlanarShape PlaneControl::GetShape() {
+    return planarRenderer_ ? planarRenderer_->GetShape() : pendingShape_;
+}
+
+void PlaneControl::SetShape(PlanarShape shape) {
+    pendingShape_ = shape;
+    if (planarRenderer_)
+        planarRenderer_->SetShape(shape);
+    SetNeedsRedraw(true);
+}
