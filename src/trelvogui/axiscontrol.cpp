@@ -160,19 +160,19 @@ void AxisControl::SetFontColor(GUI::Color& color) {
     BuildGeometry();
 }
 
-int AxisControl::GetTickSpacing() {
+int AxisControl::GetTickSpacing() const {
     return tickSpacing_;
 }
-float AxisControl::GetMin() {
+float AxisControl::GetMin() const {
     return min_;
 }
-float AxisControl::GetMax() {
+float AxisControl::GetMax() const {
     return max_;
 }
-AxisControl::Orientation AxisControl::GetOrientation() {
+AxisControl::Orientation AxisControl::GetOrientation() const {
     return orientation_;
 }
-std::wstring AxisControl::GetTitle() {
+std::wstring AxisControl::GetTitle() const {
     return title_;
 }
 

@@ -66,11 +66,11 @@ public:
     /// Colour of the labels and of the band.
     void SetFontColor(GUI::Color& color);
 
-    int GetTickSpacing();
-    float GetMin();
-    float GetMax();
-    Orientation GetOrientation();
-    std::wstring GetTitle();
+    int GetTickSpacing() const;
+    float GetMin() const;
+    float GetMax() const;
+    Orientation GetOrientation() const;
+    std::wstring GetTitle() const;
 
     AxisType GetAxisType() const { return axisType_; }
     int GetTickCount() const { return tickCount_; }
