@@ -58,7 +58,7 @@ DemoLegend::DemoLegend() = default;
 DemoLegend::~DemoLegend() = default;
 
 bool DemoLegend::Build(const std::shared_ptr<GUI::GUIManager>& manager, int width, int height) {
-    GUI::Color ink{230, 236, 242, 255};
+    const GUI::Color ink{230, 236, 242, 255};
 
     bar_ = std::make_unique<GUI::Controls::ColorBar>();
     if (!bar_->Initialize()) {

@@ -21,8 +21,7 @@ protected:
     /// An initialised, registered axis on `r` with the test's ink, drawn once.
     void Build(AxisControl& axis, AxisControl::Orientation orientation, Rectangle r) {
         axis.SetOrientation(orientation);
-        GUI::Color ink = kInk;
-        axis.SetFontColor(ink);
+        axis.SetFontColor(kInk);
         ASSERT_TRUE(axis.Initialize());
         axis.SetRectangle(r);
         axis.Register(manager);

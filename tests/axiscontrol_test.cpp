@@ -39,24 +39,6 @@ const IntervalCase kIntervalCases[] = {
 
 } // namespace
 
-TEST(AxisControl, DefaultsMatchTheDocumentedOnes) {
-    AxisControl axis;
-    EXPECT_TRUE(axis.TitleShown() && axis.TicksShown() && axis.NumbersShown());
-    EXPECT_EQ(axis.GetAxisType(), AxisControl::EvenlyDivided);
-    EXPECT_EQ(axis.GetTickLength(), 8);
-    EXPECT_EQ(axis.GetTickSpacing(), 40);
-    EXPECT_EQ(axis.GetTickCount(), 0);
-    EXPECT_EQ(axis.GetIntervalCount(), 1);
-    EXPECT_EQ(axis.GetFontColor(), (GUI::Color{255, 255, 255, 255}));
-    EXPECT_EQ(axis.GetOrientation(), AxisControl::AlongYMax);
-    EXPECT_EQ(axis.GetMin(), 0.f);
-    EXPECT_EQ(axis.GetMax(), 1.f);
-    EXPECT_EQ(axis.GetTitle(), L" ");
-    EXPECT_TRUE(axis.GetTickFractions().empty());
-    EXPECT_EQ(axis.GetTitleLabel(), nullptr);
-    EXPECT_TRUE(axis.GetNumberLabels().empty());
-}
-
 TEST(AxisControl, IntervalsComeFromTheSpacingUnlessACountIsRequested) {
     for (const IntervalCase& c : kIntervalCases) {
         SCOPED_TRACE(c.name);

@@ -150,7 +150,7 @@ void AxisControl::SetTitle(std::wstring title) {
         titleLabel_->SetText(title_);
 }
 
-void AxisControl::SetFontColor(GUI::Color& color) {
+void AxisControl::SetFontColor(const GUI::Color& color) {
     fontColor_ = color;
     if (titleLabel_)
         titleLabel_->SetColor(color);

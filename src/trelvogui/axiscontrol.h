@@ -24,6 +24,9 @@ class Label;
 /// x-min with numbers to its right). Any other value leaves the tick count, the labels' placement and
 /// the band alone. For orientation 3 the band is drawn mirrored about the x-min edge, i.e. just
 /// outside the rectangle, with the numbers inside it one band depth away.
+///
+/// Layout works without a GL context until Initialize; after it, every layout re-uploads the band's
+/// vertices, so setters then need the context current like drawing does.
 class TRELVOGUI_EXPORT AxisControl : public GUI::Controls::Base {
 public:
     /// 0: the range evenly divided into the interval count; 1: integer steps.
@@ -64,7 +67,7 @@ public:
     /// Stores the title and shows it in the title label (which the first layout creates).
     void SetTitle(std::wstring title);
     /// Colour of the labels and of the band.
-    void SetFontColor(GUI::Color& color);
+    void SetFontColor(const GUI::Color& color);
 
     int GetTickSpacing() const;
     float GetMin() const;
