@@ -1,4 +1,5 @@
 #include "demohost.h"
+#include "demolegend.h"
 
 #include <trelvogui/gui/button.h>
 #include <trelvogui/gui/controlbase.h>
@@ -92,6 +93,7 @@ void DemoHost::LightChanged() {
 DemoHost::~DemoHost() {
     // Controls go before the manager; the probe box owns its own.
     probe_.reset();
+    legend_.reset();
     plane_.reset();
     gizmo_.reset();
     while (!owned_.empty())
@@ -121,7 +123,8 @@ bool DemoHost::Initialize() {
     if (!buildSceneWidgets())
         return false;
     buildOverlay();
-    return true;
+    legend_ = std::make_unique<DemoLegend>();
+    return legend_->Build(manager_, width_, height_);
 }
 
 void DemoHost::buildOverlay() {
@@ -375,6 +378,7 @@ void DemoHost::Resize(int width, int height) {
     camera_->SetViewport(width, height);
     CameraChanged();
     manager_->Resize(width, height);
+    legend_->Place(width, height);
 }
 
 bool DemoHost::MouseMove(int x, int y, int buttons) {

@@ -1,6 +1,7 @@
 // Headless host: draws an overlay over its own 3D scene without a window, replays a scripted mouse
 // session through the input manager and writes PNG frames, printing what each event reached.
 #include "demohost.h"
+#include "demolegend.h"
 #include "skinsheet.h"
 
 #include <trelvogui/gui/button.h>
@@ -126,6 +127,9 @@ int main(int argc, char** argv) {
     Session s{host, outDir};
 
     s.snapshot("initial");
+    std::printf("legend tick texts:\n");
+    for (const std::string& line : host.Legend()->TickTexts())
+        std::printf("  %s\n", line.c_str());
 
     s.move(98, 86);
     s.flush("hover the 'Count click' button (host 98, 86):");

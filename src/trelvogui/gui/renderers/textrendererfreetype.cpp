@@ -494,6 +494,10 @@ void TextRendererFreeType::Draw(GUI::Texture::Base* target, GUI::Text* text, GUI
                                 int horizontalAlignment, int verticalAlignment) {
     if (!text || !target)
         return;
+    // Rasterising uploads through the active unit; inside a layer update that may be the unit holding
+    // the target's id layer, which the upload would unbind for every later draw of the frame.
+    glActiveTexture(GL_TEXTURE1);
+    GB_CHECK_GL(kTag);
     if (!target->IsValid()) {
         impl_->settings.bold = text->bold;
         impl_->settings.italic = text->italic;
