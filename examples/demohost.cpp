@@ -252,10 +252,10 @@ bool DemoHost::buildSceneWidgets() {
         return false;
     }
     plane_->SetShape(Disc);
-    plane_->setPosition(-1.f, -0.8f, 1.f);
+    plane_->setPosition(-1.3f, -0.9f, 1.2f);
     glm::quat upright = glm::angleAxis(glm::radians(90.f), glm::vec3(0.f, 1.f, 0.f));
     plane_->setOrientation(upright.w, upright.x, upright.y, upright.z);
-    plane_->setScale(1.7f, 1.7f, 1.f);
+    plane_->setScale(1.3f, 1.3f, 1.f);
     plane_->enableTranslation(false, false, true);
     plane_->enableRotation(true, true, false);
     plane_->enableScaling(false, false, false);

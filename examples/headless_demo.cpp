@@ -28,8 +28,8 @@
 #include <vector>
 
 namespace {
-constexpr int kWidth = 960;
-constexpr int kHeight = 600;
+constexpr int kWidth = 1280;
+constexpr int kHeight = 720;
 
 struct Session {
     demo::DemoHost& host;
@@ -143,8 +143,8 @@ int main(int argc, char** argv) {
     s.flush("click the rotation switch (host 42, 134):");
     s.snapshot("switch-off");
 
-    s.drag(kWidth - 20, 191, kWidth - 70, 311);
-    s.flush("drag the notes panel's grip by (-50, +120):");
+    s.drag(kWidth - 20, 191, kWidth - 70, 241);
+    s.flush("drag the notes panel's grip by (-50, +50):");
     s.snapshot("notes-resized");
 
     auto probe = s.host.Probe()->GetLocation();
