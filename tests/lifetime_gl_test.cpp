@@ -395,8 +395,10 @@ TEST_F(LifetimeTest, SeededInputSoakKeepsEveryInvariant) {
             x = extremes[pick(0, 6)];
             y = extremes[pick(0, 6)];
         } else {
-            x = std::clamp(x + pick(-20, 20), -10, width + 10);
-            y = std::clamp(y + pick(-20, 20), -10, height + 10);
+            x = static_cast<int>(
+                std::clamp<long long>(x + static_cast<long long>(pick(-20, 20)), -10, width + 10));
+            y = static_cast<int>(
+                std::clamp<long long>(y + static_cast<long long>(pick(-20, 20)), -10, height + 10));
         }
         switch (pick(0, 9)) {
         case 0:

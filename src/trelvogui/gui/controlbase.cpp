@@ -19,10 +19,21 @@ Base::~Base() {
     life_.reset();
     if (parent_) {
         auto& siblings = parent_->children_;
-        siblings.erase(std::remove(siblings.begin(), siblings.end(), this), siblings.end());
-        parent_->SetNeedsRedraw(true);
+        auto it = std::find(siblings.begin(), siblings.end(), this);
+        if (it != siblings.end()) {
+            siblings.erase(it);
+            // Not the virtual SetNeedsRedraw: the parent may itself be part way through destruction.
+            parent_->markStale();
+        }
+        auto& released = parent_->released_;
+        released.erase(std::remove(released.begin(), released.end(), this), released.end());
         parent_ = nullptr;
     }
+    // Controls removed from this one still name it as their parent until their owner frees them.
+    for (Base* former : released_)
+        if (former->parent_ == this)
+            former->parent_ = nullptr;
+    released_.clear();
     // Children the host still owns become free controls, out of the registry with their subtree.
     for (Base* child : children_) {
         child->parent_ = nullptr;
@@ -185,7 +196,19 @@ bool Base::HasChildren() {
     return !children_.empty();
 }
 void Base::SetParent(Base* parent) {
+    if (parent_ && parent_ != parent) {
+        auto& released = parent_->released_;
+        released.erase(std::remove(released.begin(), released.end(), this), released.end());
+    }
     parent_ = parent;
+}
+
+void Base::markStale() {
+    for (Base* c = this; c; c = c->parent_) {
+        c->needsRedraw_ = true;
+        if (c->manager_)
+            c->manager_->SetNeedsRedraw(true);
+    }
 }
 
 bool Base::AddChild(Base* child) {
@@ -234,7 +257,9 @@ bool Base::RemoveChild(Base* child) {
     if (registered_)
         child->Unregister();
     // The parent pointer stays on purpose: the owner decides when the control is free again by
-    // calling SetParent(nullptr).
+    // calling SetParent(nullptr). Until then this control clears it should it go first.
+    if (std::find(released_.begin(), released_.end(), child) == released_.end())
+        released_.push_back(child);
     SetNeedsRedraw(true);
     return true;
 }

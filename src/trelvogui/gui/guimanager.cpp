@@ -3,6 +3,7 @@
 #include <trelvogui/gui/animationsequence.h>
 #include <trelvogui/gui/controlbase.h>
 #include <trelvogui/gui/guiclock.h>
+#include <trelvogui/gui/renderers/detail/targetbarrier.h>
 #include <trelvogui/gui/renderers/detail/uniforms.h>
 #include <trelvogui/gui/renderers/openglrenderer.h>
 #include <trelvogui/gui/textureatlas.h>
@@ -295,6 +296,10 @@ void GUIManager::UpdateLayers() {
 
     // Whatever the host had bound (its own framebuffer, program, vertex array) comes back afterwards.
     GL::GLScopedBindings hostBindings;
+    // Without a texture barrier in the context only finishing every draw keeps the target reads
+    // defined; with one, barriers are issued where draws overlap and nothing waits.
+    const bool strict = strictSynchronisation_ || !GUI::Renderer::detail::TextureBarrierAvailable();
+    GUI::Renderer::detail::SetStrictBarriers(strict);
 
     // Only roots composite a cached layer; a stale animatable child is redrawn inside its root.
     for (GUI::Controls::Base* control : Controls())
@@ -340,15 +345,20 @@ void GUIManager::UpdateLayers() {
     glBindTexture(GL_TEXTURE_2D, idLayer_);
     GB_CHECK_GL(kFile);
 
+    GUI::Renderer::detail::TargetChanged();
     {
         std::unique_ptr<GL::GLScopedSetter> state = renderer_->SetRenderAttributes();
         for (GUI::Controls::Base* control : Controls()) {
             control->Draw(atlas_);
-            glFlush();
+            if (strict) {
+                glFlush();
+                GB_CHECK_GL(kFile);
+            }
+        }
+        if (strict) {
+            glFinish();
             GB_CHECK_GL(kFile);
         }
-        glFinish();
-        GB_CHECK_GL(kFile);
         glBindFramebuffer(GL_FRAMEBUFFER, 0);
         GB_CHECK_GL(kFile);
     }

@@ -97,6 +97,12 @@ public:
     /// Initialize. Views and control layers beyond it are clamped with a message.
     int GetMaxLayerSize() const { return maxLayerSize_; }
     int GetHeight() const { return height_; }
+    /// Strict synchronisation draws the layers the plain way: a texture barrier before every draw,
+    /// every control flushed and the update finished. By default barriers are issued only where draws
+    /// overlap and nothing is flushed or finished; the layers come out the same (a test compares them
+    /// bit for bit), and contexts without a texture barrier always use the strict way.
+    void SetStrictSynchronisation(bool on) { strictSynchronisation_ = on; }
+    bool GetStrictSynchronisation() const { return strictSynchronisation_; }
     void SetExplicitGammaCorrection(bool on) { explicitGammaCorrection_ = on; }
     bool GetExplicitGammaCorrection() const { return explicitGammaCorrection_; }
     /// Milliseconds spent in layer updates that re-rendered, and how many updates there were.
@@ -136,6 +142,7 @@ private:
     int32_t layerUpdateTime_ = 0;
     int32_t layerUpdateCount_ = 0;
     bool explicitGammaCorrection_ = false;
+    bool strictSynchronisation_ = false;
 };
 
 } // namespace GUI

@@ -543,7 +543,7 @@ void TextRendererFreeType::Draw(GUI::Texture::Base* target, GUI::Text* text, GUI
     glUniform2ui(detail::UniformLocationQuiet(program, "rect"), static_cast<GLuint>(std::max(width, 0)),
                  static_cast<GLuint>(std::max(height, 0)));
     GB_CHECK_GL(kTag);
-    detail::TargetBarrier();
+    detail::TargetBarrierFor({x, x + std::max(width, 0), y, y + std::max(height, 0)});
     impl_->quad->draw(GLVertexBuffer::TriangleFan);
     impl_->program->end();
     glBindTexture(GL_TEXTURE_2D, 0);
