@@ -43,6 +43,7 @@ GUIManager::~GUIManager() {
     compositeProgram_.reset();
     deleteCompositeQuad();
     deleteLayers();
+    deleteLayersFence();
 }
 
 bool GUIManager::Initialize() {
@@ -358,6 +359,13 @@ void GUIManager::UpdateLayers() {
         if (strict) {
             glFinish();
             GB_CHECK_GL(kFile);
+        } else {
+            // Nothing waits here; the first pick after this update waits for it instead. (Reading
+            // the id layer through the pick framebuffer is not ordered after drawing into it through
+            // the layer framebuffer on every driver.)
+            deleteLayersFence();
+            layersFence_ = glFenceSync(GL_SYNC_GPU_COMMANDS_COMPLETE, 0);
+            GB_CHECK_GL(kFile);
         }
         glBindFramebuffer(GL_FRAMEBUFFER, 0);
         GB_CHECK_GL(kFile);
@@ -407,6 +415,24 @@ void GUIManager::Draw() {
     compositeProgram_->end();
 }
 
+void GUIManager::deleteLayersFence() {
+    if (layersFence_) {
+        glDeleteSync(static_cast<GLsync>(layersFence_));
+        GB_CHECK_GL(kFile);
+        layersFence_ = nullptr;
+    }
+}
+
+void GUIManager::waitForLayers() {
+    if (!layersFence_)
+        return;
+    // Long enough for any real update; a lost context or a hung driver must not hang the host.
+    constexpr GLuint64 kTimeout = 5'000'000'000ull;
+    glClientWaitSync(static_cast<GLsync>(layersFence_), GL_SYNC_FLUSH_COMMANDS_BIT, kTimeout);
+    GB_CHECK_GL(kFile);
+    deleteLayersFence();
+}
+
 bool GUIManager::HitDetect(int x, int y, unsigned int* pid, unsigned int* sid) {
     unsigned int ignored = 0;
     if (!pid)
@@ -425,6 +451,7 @@ bool GUIManager::HitDetect(int x, int y, unsigned int* pid, unsigned int* sid) {
     glBindFramebuffer(GL_READ_FRAMEBUFFER, pickFramebuffer_);
     GB_CHECK_GL(kFile);
     GLuint texel[4] = {0, 0, 0, 0};
+    waitForLayers();
     glReadPixels(x, y, 1, 1, GL_RGBA_INTEGER, GL_UNSIGNED_INT, texel);
     GB_CHECK_GL(kFile);
     glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(previous));

@@ -115,6 +115,9 @@ public:
 
 private:
     void deleteLayers();
+    void deleteLayersFence();
+    /// Blocks until the last fast layer update has landed (before reading the id layer back).
+    void waitForLayers();
     void deleteCompositeQuad();
     GUI::Controls::Base* addressed(unsigned int id) { return Contains(id) ? Find(id) : nullptr; }
 
@@ -143,6 +146,8 @@ private:
     int32_t layerUpdateCount_ = 0;
     bool explicitGammaCorrection_ = false;
     bool strictSynchronisation_ = false;
+    // A GLsync, kept opaque here so that the header needs no sync types.
+    void* layersFence_ = nullptr;
 };
 
 } // namespace GUI
