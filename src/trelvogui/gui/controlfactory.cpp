@@ -10,7 +10,7 @@ namespace GUI::Controls {
 
 bool Factory::AddControl(GUI::Controls::Base* control) {
     if (ids_.count(control->GetId())) {
-        LogFile::Instance().AddLine(LOG_WARNING, "Control already exists in the GUI.\n");
+        LogFile::Instance().AddLine(LogLevel::Warning, "Control already exists in the GUI.\n");
         return false;
     }
     ++counter_;

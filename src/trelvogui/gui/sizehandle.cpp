@@ -43,7 +43,7 @@ DrawFlags SizeHandle::OnMouseDrag(GUI::Event* e, int, int) {
     // A panel is drawn through a cached layer of its size: keep it within what the context can hold.
     const int limit = panel_->Manager() ? panel_->Manager()->GetMaxLayerSize() : kUnmanagedLimit;
     if (width > limit || height > limit) {
-        LogFile::Instance().AddLine(LOG_WARNING,
+        LogFile::Instance().AddLine(LogLevel::Warning,
                                     "SizeHandle::OnMouseDrag(): %d x %d exceeds the limit of %d; the size is "
                                     "clamped.\n",
                                     width, height, limit);

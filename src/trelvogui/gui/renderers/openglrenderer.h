@@ -4,8 +4,6 @@
 #include <trelvogui/gui/renderers/renderer.h>
 #include <trelvogui/trelvogui_export.h>
 
-#include <GL/glew.h>
-
 #include <memory>
 
 class GLSLProgram;
@@ -96,7 +94,7 @@ public:
     GUI::Color LineColor() const { return lineColor_; }
     unsigned int PrimaryId() const { return primaryId_; }
     unsigned int SubId() const { return subId_; }
-    GLuint FrameBuffer() const { return frameBuffer_; }
+    unsigned int FrameBuffer() const { return frameBuffer_; }
 
 private:
     bool BuildProgram(std::unique_ptr<GLSLProgram>& program, const char* vertex, const char* fragment);
@@ -105,9 +103,9 @@ private:
     void SetSamplerDefaults();
     void UploadProjection(GLSLProgram& program, const float* matrix);
     /// The current ids as uniforms `pid` and `sid` of the bound program.
-    void SetIdUniforms(GLuint program);
+    void SetIdUniforms(unsigned int program);
     /// Places the unit geometry on the rectangle (`bboxMin`, `bboxDim`).
-    void SetPlacement(GLuint program, GUI::Geometry::Rectangle const& r);
+    void SetPlacement(unsigned int program, GUI::Geometry::Rectangle const& r);
 
     unsigned int screenWidth_ = 0;
     unsigned int screenHeight_ = 0;
@@ -117,7 +115,7 @@ private:
     unsigned int subId_ = 0;
     bool initialized_ = false;
     bool targetReady_ = false;
-    GLuint frameBuffer_ = 0;
+    unsigned int frameBuffer_ = 0;
     std::unique_ptr<GLVertexBuffer> circleBuffer_;
     std::unique_ptr<GLVertexBuffer> quadBuffer_;
     std::unique_ptr<GLVertexBuffer> centeredQuadBuffer_;
