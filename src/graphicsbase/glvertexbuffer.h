@@ -39,14 +39,15 @@ public:
     /// `normalise` maps integer values to 0..1 (or -1..1); `integer` feeds integer types to the
     /// shader unconverted (ivec/uvec inputs). False once the layout is finished or when the
     /// arguments are out of range.
-    bool addAttribute(int components, unsigned int type = 0x1406 /* GL_FLOAT */, bool normalise = false, bool integer = false);
+    bool addAttribute(int components, unsigned int type = 0x1406 /* GL_FLOAT */, bool normalise = false,
+                      bool integer = false);
     /// Creates the GL objects and records the layout in the vertex array. False without attributes,
     /// when called twice, or when GL gives no names.
     bool finishLayout();
     /// Copies `vertexCount` vertices (and, when given, `indexCount` 32-bit indices) to the GPU. The
     /// storage is reused while the new data fits.
-    bool upload(const void* vertices, int vertexCount, const unsigned int* indices = nullptr, int indexCount = 0,
-                Usage usage = Usage::Static);
+    bool upload(const void* vertices, int vertexCount, const unsigned int* indices = nullptr,
+                int indexCount = 0, Usage usage = Usage::Static);
     /// Draws everything uploaded (indexed when indices were uploaded) with a Mode value. False for an
     /// unknown mode or before the layout is finished.
     bool draw(int mode) const;

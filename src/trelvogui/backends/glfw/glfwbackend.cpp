@@ -44,18 +44,18 @@ struct GLFWBackend::Previous {
     GLFWframebuffersizefun framebufferSize = nullptr;
 };
 
-GLFWBackend::GLFWBackend(GLFWwindow* window, std::shared_ptr<GUIManager> manager)
-    : window_(window), manager_(std::move(manager)), input_(std::make_unique<GUIInputManager>(*this)),
+GLFWBackend::GLFWBackend(GLFWwindow* window, GUIManager& manager)
+    : window_(window), manager_(&manager), input_(std::make_unique<GUIInputManager>(*this)),
       previous_(std::make_unique<Previous>()) {
-    if (!window_ || !manager_) {
-        LogFile::Instance().AddLine(LogLevel::Warning, "GLFWBackend: the window or the manager is null.\n");
+    if (!window_) {
+        LogFile::Instance().AddLine(LogLevel::Warning, "GLFWBackend: the window is null.\n");
         return;
     }
     if (backendOf(window_)) {
         LogFile::Instance().AddLine(LogLevel::Warning, "GLFWBackend: the window already has a backend.\n");
         return;
     }
-    input_->addScreenHandler(manager_.get());
+    input_->addScreenHandler(manager_);
     backends()[window_] = this;
     previous_->cursor = glfwSetCursorPosCallback(window_, onCursor);
     previous_->button = glfwSetMouseButtonCallback(window_, onButton);

@@ -20,16 +20,20 @@ class GUIManager;
 /// first (chained); the destructor puts them back. Positions are converted from window coordinates
 /// to framebuffer pixels (they differ on HiDPI screens), keep y growing downward, and carry the
 /// previous position from which drags are measured; the button mask is tracked from the button
-/// events. Framebuffer size changes resize the manager. One backend per window.
+/// events. Framebuffer size changes resize the manager. Keys arrive as GLFW key codes (printable
+/// keys are their upper-case ASCII) with GLFW's modifier bits; wheel deltas are kWheelNotch per
+/// notch, positive away from the user. One backend per window.
 ///
 /// Usage, with the window's context current and the manager initialised:
 ///
-///     GUI::GLFWBackend input(window, manager);
+///     GUI::GLFWBackend input(window, *manager);
 ///
 /// The host's own handlers go after the manager: `input.Input().addScreenHandler(&myHandler)`.
 class TRELVOGUI_GLFW_EXPORT GLFWBackend : public GraphicsScene {
 public:
-    GLFWBackend(GLFWwindow* window, std::shared_ptr<GUIManager> manager);
+    /// Installs the callbacks. The manager must outlive the backend; destroy the backend before the
+    /// window.
+    GLFWBackend(GLFWwindow* window, GUIManager& manager);
     ~GLFWBackend() override;
 
     GLFWBackend(const GLFWBackend&) = delete;
@@ -65,7 +69,7 @@ private:
     void toPixels(double x, double y, int* px, int* py) const;
 
     GLFWwindow* window_;
-    std::shared_ptr<GUIManager> manager_;
+    GUIManager* manager_;
     std::unique_ptr<GUIInputManager> input_;
     std::unique_ptr<Previous> previous_;
     bool installed_ = false;
