@@ -9,8 +9,8 @@ namespace GL {
 
 GLScopedSetter::Record* GLScopedSetter::push() {
     if (count_ == kMaxEntries) {
-        LogFile::Instance().AddLine(LogLevel::Warning, "GLScopedSetter: more than %zu entries, state not saved\n",
-                                    kMaxEntries);
+        LogFile::Instance().AddLine(LogLevel::Warning,
+                                    "GLScopedSetter: more than %zu entries, state not saved\n", kMaxEntries);
         return nullptr;
     }
     return &records_[count_++];

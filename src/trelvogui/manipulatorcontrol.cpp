@@ -36,7 +36,8 @@ ManipulatorControl::~ManipulatorControl() = default;
 
 bool ManipulatorControl::Initialize() {
     if (!camera_) {
-        LogFile::Instance().AddLine(LogLevel::Warning, "ManipulatorControl::Initialize(): No camera was given.\n");
+        LogFile::Instance().AddLine(LogLevel::Warning,
+                                    "ManipulatorControl::Initialize(): No camera was given.\n");
         return false;
     }
     if (!renderer_->Initialize())

@@ -439,8 +439,9 @@ bool GUIManager::AddAnimation(GUI::Animation::Sequence* sequence) {
     // Only a control of this registry is sure to cancel its sequences when it is destroyed.
     GUI::Controls::Base* control = sequence->GetControl();
     if (!control || Find(control->GetId()) != control) {
-        LogFile::Instance().AddLine(LogLevel::Warning, "GUIManager::AddAnimation(): The sequence's control is not "
-                                                 "registered with this manager; the sequence is refused.\n");
+        LogFile::Instance().AddLine(LogLevel::Warning,
+                                    "GUIManager::AddAnimation(): The sequence's control is not "
+                                    "registered with this manager; the sequence is refused.\n");
         return false;
     }
     animations_.push_back(sequence);
