@@ -37,7 +37,8 @@ echo "minimal host: $lines lines"
 [ "$lines" -le 80 ]
 
 if [ -x "$consumer/minimal" ]; then
-    echo "== windowed hosts under Xvfb"
+    echo "== windowed hosts and the GLFW backend's tests under Xvfb"
+    xvfb-run -a -s "-screen 0 1024x768x24" ctest --preset default -R GLFWBackend
     env -u LD_LIBRARY_PATH xvfb-run -a -s "-screen 0 1024x768x24" "$consumer/minimal" 5
     if [ -x build/default/examples/trelvogui_glfw_demo ]; then
         xvfb-run -a -s "-screen 0 1024x768x24" ./build/default/examples/trelvogui_glfw_demo --frames 5

@@ -136,21 +136,16 @@ void GLFWBackend::onButton(GLFWwindow* window, int button, int action, int mods)
     if (bit == 0)
         return;
     self->modifiers_ = mods;
-    // The pointer may have moved without a cursor event (a window that just got focus): take the
-    // position from GLFW, and measure from it.
-    double x = 0, y = 0;
-    glfwGetCursorPos(window, &x, &y);
-    int px = 0, py = 0;
-    self->toPixels(x, y, &px, &py);
+    // GLFW reports every motion (and the position on entering the window) before a button event, so
+    // the last cursor position is where the button went down.
+    const int x = self->lastX_, y = self->lastY_;
     if (action == GLFW_PRESS) {
         self->buttons_ |= bit;
-        self->input_->mousePressEvent(px, py, self->lastX_, self->lastY_, self->buttons_, mods);
+        self->input_->mousePressEvent(x, y, x, y, self->buttons_, mods);
     } else {
         self->buttons_ &= ~bit;
-        self->input_->mouseReleaseEvent(px, py, self->lastX_, self->lastY_, self->buttons_, mods);
+        self->input_->mouseReleaseEvent(x, y, x, y, self->buttons_, mods);
     }
-    self->lastX_ = px;
-    self->lastY_ = py;
 }
 
 void GLFWBackend::onScroll(GLFWwindow* window, double dx, double dy) {
@@ -159,7 +154,10 @@ void GLFWBackend::onScroll(GLFWwindow* window, double dx, double dy) {
         return;
     if (self->previous_->scroll)
         self->previous_->scroll(window, dx, dy);
-    // Touchpads scroll in fractions of a notch: hand on whole units and keep the rest.
+    // Touchpads scroll in fractions of a notch: hand on whole units and keep the rest, until the
+    // direction changes.
+    if (dy * self->wheel_ < 0)
+        self->wheel_ = 0;
     self->wheel_ += dy * kWheelNotch;
     int delta = static_cast<int>(self->wheel_);
     if (delta != 0) {
