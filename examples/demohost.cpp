@@ -1,4 +1,5 @@
 #include "demohost.h"
+#include "demolegend.h"
 
 #include <trelvogui/gui/button.h>
 #include <trelvogui/gui/controlbase.h>
@@ -92,6 +93,7 @@ void DemoHost::LightChanged() {
 DemoHost::~DemoHost() {
     // Controls go before the manager; the probe box owns its own.
     probe_.reset();
+    legend_.reset();
     plane_.reset();
     gizmo_.reset();
     while (!owned_.empty())
@@ -121,7 +123,8 @@ bool DemoHost::Initialize() {
     if (!buildSceneWidgets())
         return false;
     buildOverlay();
-    return true;
+    legend_ = std::make_unique<DemoLegend>();
+    return legend_->Build(manager_, width_, height_);
 }
 
 void DemoHost::buildOverlay() {
@@ -249,10 +252,10 @@ bool DemoHost::buildSceneWidgets() {
         return false;
     }
     plane_->SetShape(Disc);
-    plane_->setPosition(-1.f, -0.8f, 1.f);
+    plane_->setPosition(-1.3f, -0.9f, 1.2f);
     glm::quat upright = glm::angleAxis(glm::radians(90.f), glm::vec3(0.f, 1.f, 0.f));
     plane_->setOrientation(upright.w, upright.x, upright.y, upright.z);
-    plane_->setScale(1.7f, 1.7f, 1.f);
+    plane_->setScale(1.3f, 1.3f, 1.f);
     plane_->enableTranslation(false, false, true);
     plane_->enableRotation(true, true, false);
     plane_->enableScaling(false, false, false);
@@ -375,6 +378,7 @@ void DemoHost::Resize(int width, int height) {
     camera_->SetViewport(width, height);
     CameraChanged();
     manager_->Resize(width, height);
+    legend_->Place(width, height);
 }
 
 bool DemoHost::MouseMove(int x, int y, int buttons) {

@@ -27,6 +27,7 @@ class ManipulatorControl;
 class PlaneControl;
 
 namespace demo {
+class DemoLegend;
 
 /// Everything a host does: owns its scene, builds the overlay once, forwards input through the
 /// input manager and draws the overlay after its own scene each frame.
@@ -69,6 +70,8 @@ public:
     /// The gizmo on the cube and the slicing-plane widget beside it.
     ManipulatorControl* Gizmo() { return gizmo_.get(); }
     PlaneControl* SlicePlane() { return plane_.get(); }
+    /// The colour bar with its depth axis and the distance axis under the scene.
+    DemoLegend* Legend() { return legend_.get(); }
     /// A pixel deep inside a part of a control, found in the overlay's id layer; host pixels, y down.
     /// False when the part is not drawn.
     bool FindPart(unsigned pid, unsigned sid, int& x, int& y);
@@ -95,6 +98,7 @@ private:
     std::unique_ptr<ProbeControl> probe_;
     std::unique_ptr<ManipulatorControl> gizmo_;
     std::unique_ptr<PlaneControl> plane_;
+    std::unique_ptr<DemoLegend> legend_;
     float spinAngle_ = 0.f;
     std::vector<std::unique_ptr<void, void (*)(void*)>> owned_;
     GUI::Controls::Panel* toolbar_ = nullptr;

@@ -1,6 +1,7 @@
 // Headless host: draws an overlay over its own 3D scene without a window, replays a scripted mouse
 // session through the input manager and writes PNG frames, printing what each event reached.
 #include "demohost.h"
+#include "demolegend.h"
 #include "skinsheet.h"
 
 #include <trelvogui/gui/button.h>
@@ -27,8 +28,8 @@
 #include <vector>
 
 namespace {
-constexpr int kWidth = 960;
-constexpr int kHeight = 600;
+constexpr int kWidth = 1280;
+constexpr int kHeight = 720;
 
 struct Session {
     demo::DemoHost& host;
@@ -126,6 +127,9 @@ int main(int argc, char** argv) {
     Session s{host, outDir};
 
     s.snapshot("initial");
+    std::printf("legend tick texts:\n");
+    for (const std::string& line : host.Legend()->TickTexts())
+        std::printf("  %s\n", line.c_str());
 
     s.move(98, 86);
     s.flush("hover the 'Count click' button (host 98, 86):");
@@ -139,8 +143,8 @@ int main(int argc, char** argv) {
     s.flush("click the rotation switch (host 42, 134):");
     s.snapshot("switch-off");
 
-    s.drag(kWidth - 20, 191, kWidth - 70, 311);
-    s.flush("drag the notes panel's grip by (-50, +120):");
+    s.drag(kWidth - 20, 191, kWidth - 70, 241);
+    s.flush("drag the notes panel's grip by (-50, +50):");
     s.snapshot("notes-resized");
 
     auto probe = s.host.Probe()->GetLocation();

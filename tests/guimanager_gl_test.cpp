@@ -125,7 +125,7 @@ TEST_F(GUIManagerTest, IdleUpdateDrawsNothingAndAChangeRedrawsOnce) {
     EXPECT_EQ(manager->GetLayerUpdateCount(), updates);
 
     int requests = 0;
-    manager->RedrawRequestSignal.connect([&] { ++requests; });
+    boost::signals2::scoped_connection counting = manager->RedrawRequestSignal.connect([&] { ++requests; });
     a->Translate(100, 100);
     a->SetVisible(true);
     EXPECT_EQ(requests, 1) << "the signal fires once when the flag goes up";

@@ -19,10 +19,21 @@ Base::~Base() {
     life_.reset();
     if (parent_) {
         auto& siblings = parent_->children_;
-        siblings.erase(std::remove(siblings.begin(), siblings.end(), this), siblings.end());
-        parent_->SetNeedsRedraw(true);
+        auto it = std::find(siblings.begin(), siblings.end(), this);
+        if (it != siblings.end()) {
+            siblings.erase(it);
+            // Not the virtual SetNeedsRedraw: the parent may itself be part way through destruction.
+            parent_->markStale();
+        }
+        auto& released = parent_->released_;
+        released.erase(std::remove(released.begin(), released.end(), this), released.end());
         parent_ = nullptr;
     }
+    // Controls removed from this one still name it as their parent until their owner frees them.
+    for (Base* former : released_)
+        if (former->parent_ == this)
+            former->parent_ = nullptr;
+    released_.clear();
     // Children the host still owns become free controls, out of the registry with their subtree.
     for (Base* child : children_) {
         child->parent_ = nullptr;
@@ -185,7 +196,19 @@ bool Base::HasChildren() {
     return !children_.empty();
 }
 void Base::SetParent(Base* parent) {
+    if (parent_ && parent_ != parent) {
+        auto& released = parent_->released_;
+        released.erase(std::remove(released.begin(), released.end(), this), released.end());
+    }
     parent_ = parent;
+}
+
+void Base::markStale() {
+    for (Base* c = this; c; c = c->parent_) {
+        c->needsRedraw_ = true;
+        if (c->manager_)
+            c->manager_->SetNeedsRedraw(true);
+    }
 }
 
 bool Base::AddChild(Base* child) {
@@ -234,7 +257,9 @@ bool Base::RemoveChild(Base* child) {
     if (registered_)
         child->Unregister();
     // The parent pointer stays on purpose: the owner decides when the control is free again by
-    // calling SetParent(nullptr).
+    // calling SetParent(nullptr). Until then this control clears it should it go first.
+    if (std::find(released_.begin(), released_.end(), child) == released_.end())
+        released_.push_back(child);
     SetNeedsRedraw(true);
     return true;
 }
@@ -348,9 +373,11 @@ void Base::CalcGlobalPosition() {
     } else {
         GUI::Geometry::Point p = parent_->GlobalPosition();
         GUI::Geometry::Margin& pm = parent_->GetMargins();
-        globalFrame_ = {pm.left + p.x, pm.bottom + p.y};
+        globalFrame_ = {GUI::Geometry::ClampCoordinate(int64_t{pm.left} + p.x),
+                        GUI::Geometry::ClampCoordinate(int64_t{pm.bottom} + p.y)};
         globalRectangle_ = rectangle_;
         globalRectangle_.Shift(globalFrame_.x, globalFrame_.y);
+        globalRectangle_ = globalRectangle_.Clamped();
         globalPosition_ = {globalRectangle_.xMin, globalRectangle_.yMin};
     }
     center_ = globalRectangle_.Center();
@@ -393,7 +420,9 @@ void Base::CalcBoundingBox(GUI::Texture::Atlas* atlas) {
 void Base::SetPosition(int x, int y) {
     int w = rectangle_.Width();
     int h = rectangle_.Height();
-    rectangle_ = {x, x + w, y, y + h};
+    rectangle_ =
+        GUI::Geometry::Rectangle{x, GUI::Geometry::AddSaturated(x, w), y, GUI::Geometry::AddSaturated(y, h)}
+            .Clamped();
     CalcGlobalPosition();
     SetNeedsRedraw(true);
 }
@@ -404,7 +433,7 @@ void Base::SetMinSize(int w, int h) {
 }
 
 void Base::SetRectangle(GUI::Geometry::Rectangle r) {
-    rectangle_ = r;
+    rectangle_ = r.Clamped();
     CalcGlobalPosition();
     SetNeedsRedraw(true);
     // Last: a handler may delete this control.
@@ -413,6 +442,7 @@ void Base::SetRectangle(GUI::Geometry::Rectangle r) {
 
 void Base::Translate(int dx, int dy) {
     rectangle_.Shift(dx, dy);
+    rectangle_ = rectangle_.Clamped();
     CalcGlobalPosition();
     SetNeedsRedraw(true);
 }
@@ -452,7 +482,9 @@ void Base::SetVerticalSizingPolicy(GUI::Policy::Sizing p) {
 }
 
 void Base::SetMargins(GUI::Geometry::Margin m) {
-    margins_ = m;
+    using GUI::Geometry::ClampCoordinate;
+    margins_ = {ClampCoordinate(m.left), ClampCoordinate(m.right), ClampCoordinate(m.bottom),
+                ClampCoordinate(m.top)};
     SetNeedsRedraw(true);
 }
 

@@ -12,6 +12,7 @@
 
 #include <list>
 #include <memory>
+#include <vector>
 
 namespace GUI {
 class GUIManager;
@@ -170,6 +171,8 @@ private:
     void leaveRegistry();
     /// Whether `control` is this control or one of its ancestors.
     bool isSelfOrAncestor(Base* control);
+    /// Marks this control, its ancestors and the manager stale without virtual calls (destructors).
+    void markStale();
 
     std::shared_ptr<const void> life_ = std::make_shared<char>(0);
     std::shared_ptr<GUI::GUIManager> manager_;
@@ -180,6 +183,8 @@ private:
     unsigned int id_ = 0;
     Base* parent_ = nullptr;
     std::list<Base*> children_;
+    // Removed children that still point here (see RemoveChild).
+    std::vector<Base*> released_;
     bool* managerRedrawFlag_ = nullptr;
     GUI::Geometry::Rectangle renderRectangle_{0, 4, 0, 4};
     GUI::Geometry::Rectangle boundingBox_{0, 4, 0, 4};

@@ -9,7 +9,11 @@
 namespace GUI::Controls {
 
 bool Factory::AddControl(GUI::Controls::Base* control) {
-    if (ids_.count(control->GetId())) {
+    if (!control)
+        return false;
+    // The same control, not merely the same id: a control that comes from another registry still
+    // carries the id it had there.
+    if (Find(control->GetId()) == control) {
         LogFile::Instance().AddLine(LogLevel::Warning, "Control already exists in the GUI.\n");
         return false;
     }
@@ -22,8 +26,10 @@ bool Factory::AddControl(GUI::Controls::Base* control) {
 }
 
 bool Factory::RemoveControl(GUI::Controls::Base* control) {
+    if (!control)
+        return false;
     auto entry = ids_.find(control->GetId());
-    if (entry == ids_.end())
+    if (entry == ids_.end() || entry->second != control)
         return false;
     auto it = std::find(controls_.begin(), controls_.end(), control);
     if (it != controls_.end())
@@ -42,10 +48,12 @@ GUI::Controls::Base* Factory::Find(unsigned int id) const {
 }
 
 bool Factory::Contains(GUI::Controls::Base* control) const {
-    return Contains(control->GetId());
+    return control && Contains(control->GetId());
 }
 
 unsigned int Factory::Find(GUI::Controls::Base* control) const {
+    if (!control)
+        return 0;
     unsigned int id = control->GetId();
     return Contains(id) ? id : 0;
 }

@@ -3,6 +3,7 @@
 #include <trelvogui/gui/animationsequence.h>
 #include <trelvogui/gui/controlbase.h>
 #include <trelvogui/gui/guiclock.h>
+#include <trelvogui/gui/renderers/detail/targetbarrier.h>
 #include <trelvogui/gui/renderers/detail/uniforms.h>
 #include <trelvogui/gui/renderers/openglrenderer.h>
 #include <trelvogui/gui/textureatlas.h>
@@ -46,6 +47,7 @@ GUIManager::~GUIManager() {
     compositeProgram_.reset();
     deleteCompositeQuad();
     deleteLayers();
+    deleteLayersFence();
 }
 
 bool GUIManager::Initialize() {
@@ -165,6 +167,15 @@ void GUIManager::Resize(int width, int height) {
             width, height, maxLayerSize_);
         width = std::min(width, maxLayerSize_);
         height = std::min(height, maxLayerSize_);
+    }
+    // The layers hold 24 bytes a pixel; far past any display, memory runs out before the side limit.
+    if (static_cast<long long>(width) * height > kMaxLayerPixels) {
+        LogFile::Instance().AddLine(
+            LogLevel::Warning,
+            "GUIManager::Resize(): %d x %d exceeds the budget of %lld layer pixels; the "
+            "height is clamped.\n",
+            width, height, kMaxLayerPixels);
+        height = static_cast<int>(kMaxLayerPixels / width);
     }
     int shift = GUI::Geometry::SubSaturated(height, height_);
     for (GUI::Controls::Base* control : Controls()) {
@@ -297,6 +308,10 @@ void GUIManager::UpdateLayers() {
 
     // Whatever the host had bound (its own framebuffer, program, vertex array) comes back afterwards.
     GL::GLScopedBindings hostBindings;
+    // Without a texture barrier in the context only finishing every draw keeps the target reads
+    // defined; with one, barriers are issued where draws overlap and nothing waits.
+    const bool strict = strictSynchronisation_ || !GUI::Renderer::detail::TextureBarrierAvailable();
+    GUI::Renderer::detail::SetStrictBarriers(strict);
 
     // Only roots composite a cached layer; a stale animatable child is redrawn inside its root.
     for (GUI::Controls::Base* control : Controls())
@@ -342,15 +357,27 @@ void GUIManager::UpdateLayers() {
     glBindTexture(GL_TEXTURE_2D, idLayer_);
     GB_CHECK_GL(kFile);
 
+    GUI::Renderer::detail::TargetChanged();
     {
         std::unique_ptr<GL::GLScopedSetter> state = renderer_->SetRenderAttributes();
         for (GUI::Controls::Base* control : Controls()) {
             control->Draw(atlas_);
-            glFlush();
+            if (strict) {
+                glFlush();
+                GB_CHECK_GL(kFile);
+            }
+        }
+        if (strict) {
+            glFinish();
+            GB_CHECK_GL(kFile);
+        } else {
+            // Nothing waits here; the first pick after this update waits for it instead. (Reading
+            // the id layer through the pick framebuffer is not ordered after drawing into it through
+            // the layer framebuffer on every driver.)
+            deleteLayersFence();
+            layersFence_ = glFenceSync(GL_SYNC_GPU_COMMANDS_COMPLETE, 0);
             GB_CHECK_GL(kFile);
         }
-        glFinish();
-        GB_CHECK_GL(kFile);
         glBindFramebuffer(GL_FRAMEBUFFER, 0);
         GB_CHECK_GL(kFile);
     }
@@ -399,6 +426,24 @@ void GUIManager::Draw() {
     compositeProgram_->end();
 }
 
+void GUIManager::deleteLayersFence() {
+    if (layersFence_) {
+        glDeleteSync(static_cast<GLsync>(layersFence_));
+        GB_CHECK_GL(kFile);
+        layersFence_ = nullptr;
+    }
+}
+
+void GUIManager::waitForLayers() {
+    if (!layersFence_)
+        return;
+    // Long enough for any real update; a lost context or a hung driver must not hang the host.
+    constexpr GLuint64 kTimeout = 5'000'000'000ull;
+    glClientWaitSync(static_cast<GLsync>(layersFence_), GL_SYNC_FLUSH_COMMANDS_BIT, kTimeout);
+    GB_CHECK_GL(kFile);
+    deleteLayersFence();
+}
+
 bool GUIManager::HitDetect(int x, int y, unsigned int* pid, unsigned int* sid) {
     unsigned int ignored = 0;
     if (!pid)
@@ -417,6 +462,7 @@ bool GUIManager::HitDetect(int x, int y, unsigned int* pid, unsigned int* sid) {
     glBindFramebuffer(GL_READ_FRAMEBUFFER, pickFramebuffer_);
     GB_CHECK_GL(kFile);
     GLuint texel[4] = {0, 0, 0, 0};
+    waitForLayers();
     glReadPixels(x, y, 1, 1, GL_RGBA_INTEGER, GL_UNSIGNED_INT, texel);
     GB_CHECK_GL(kFile);
     glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(previous));

@@ -95,10 +95,18 @@ public:
     GUI::Renderer::Base* GetRenderer() { return renderer_; }
     GUI::Texture::Atlas* GetTextureAtlas() { return atlas_; }
     int GetWidth() const { return width_; }
+    /// Views of more pixels are clamped: the layers alone take 24 bytes a pixel (1.5 GiB here).
+    static constexpr long long kMaxLayerPixels = 64ll * 1024 * 1024;
     /// The largest layer side the context allows (its texture and viewport limits), known after
     /// Initialize. Views and control layers beyond it are clamped with a message.
     int GetMaxLayerSize() const { return maxLayerSize_; }
     int GetHeight() const { return height_; }
+    /// Strict synchronisation draws the layers the plain way: a texture barrier before every draw,
+    /// every control flushed and the update finished. By default barriers are issued only where draws
+    /// overlap and nothing is flushed or finished; the layers come out the same (a test compares them
+    /// bit for bit), and contexts without a texture barrier always use the strict way.
+    void SetStrictSynchronisation(bool on) { strictSynchronisation_ = on; }
+    bool GetStrictSynchronisation() const { return strictSynchronisation_; }
     void SetExplicitGammaCorrection(bool on) { explicitGammaCorrection_ = on; }
     bool GetExplicitGammaCorrection() const { return explicitGammaCorrection_; }
     /// Milliseconds spent in layer updates that re-rendered, and how many updates there were.
@@ -111,6 +119,9 @@ public:
 
 private:
     void deleteLayers();
+    void deleteLayersFence();
+    /// Blocks until the last fast layer update has landed (before reading the id layer back).
+    void waitForLayers();
     void deleteCompositeQuad();
     GUI::Controls::Base* addressed(unsigned int id) { return Contains(id) ? Find(id) : nullptr; }
 
@@ -139,6 +150,9 @@ private:
     int32_t layerUpdateTime_ = 0;
     int32_t layerUpdateCount_ = 0;
     bool explicitGammaCorrection_ = false;
+    bool strictSynchronisation_ = false;
+    // A GLsync, kept opaque here so that the header needs no sync types.
+    void* layersFence_ = nullptr;
 };
 
 } // namespace GUI

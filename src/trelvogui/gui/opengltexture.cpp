@@ -68,6 +68,13 @@ bool OpenglTexture::Allocate() {
                     width_, height_, limit);
         return false;
     }
+    // Within the side limit a texture can still exhaust memory (an id texture holds 16 bytes a pixel),
+    // which a driver reports only as an out-of-memory error after the fact.
+    if (static_cast<long long>(width_) * height_ > kMaxPixels) {
+        std::printf("OpenglTexture::Allocate(): Texture size %d %d exceeds the budget of %lld pixels.\n",
+                    width_, height_, kMaxPixels);
+        return false;
+    }
     if (name_ == 0) {
         glGenTextures(1, &name_);
         GB_CHECK_GL(kTag);

@@ -11,6 +11,9 @@ namespace GUI::Texture {
 /// allocating use the active texture unit and leave 0 bound on it.
 class TRELVOGUI_EXPORT OpenglTexture : public Base {
 public:
+    /// Larger textures are refused by Allocate with a message (512 MiB as an id texture).
+    static constexpr long long kMaxPixels = 32ll * 1024 * 1024;
+
     explicit OpenglTexture(int32_t format);
     ~OpenglTexture() override;
 

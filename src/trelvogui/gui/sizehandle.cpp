@@ -12,6 +12,8 @@ namespace GUI::Controls {
 namespace {
 // Without a manager there is no context to ask; every GL 4 context allows textures this large.
 constexpr int kUnmanagedLimit = 16384;
+// Room for the skin's border around the panel in its cached layer.
+constexpr int kSkinAllowance = 64;
 } // namespace
 
 SizeHandle::SizeHandle(Panel* panel) : panel_(panel) {
@@ -40,15 +42,23 @@ DrawFlags SizeHandle::OnMouseDrag(GUI::Event* e, int, int) {
         std::max(AddSaturated(startRectangle_.Width(), SubSaturated(e->x, pressPoint_.x)), min.Width());
     int height =
         std::max(AddSaturated(startRectangle_.Height(), SubSaturated(e->y, pressPoint_.y)), min.Height());
-    // A panel is drawn through a cached layer of its size: keep it within what the context can hold.
-    const int limit = panel_->Manager() ? panel_->Manager()->GetMaxLayerSize() : kUnmanagedLimit;
-    if (width > limit || height > limit) {
-        LogFile::Instance().AddLine(LogLevel::Warning,
-                                    "SizeHandle::OnMouseDrag(): %d x %d exceeds the limit of %d; the size is "
-                                    "clamped.\n",
-                                    width, height, limit);
-        width = std::min(width, limit);
-        height = std::min(height, limit);
+    // A panel is drawn through a cached layer of its size plus its skin's border: keep that within
+    // what the context can hold, and no larger than the view the grip is dragged in.
+    GUI::GUIManager* manager = panel_->Manager();
+    int maxWidth = (manager ? manager->GetMaxLayerSize() : kUnmanagedLimit) - kSkinAllowance;
+    int maxHeight = maxWidth;
+    if (manager && manager->GetWidth() > 0 && manager->GetHeight() > 0) {
+        maxWidth = std::min(maxWidth, manager->GetWidth());
+        maxHeight = std::min(maxHeight, manager->GetHeight());
+    }
+    if (width > maxWidth || height > maxHeight) {
+        LogFile::Instance().AddLine(
+            LogLevel::Warning,
+            "SizeHandle::OnMouseDrag(): %d x %d is more than the view allows (%d x %d); the "
+            "size is clamped.\n",
+            width, height, maxWidth, maxHeight);
+        width = std::max(std::min(width, maxWidth), min.Width());
+        height = std::max(std::min(height, maxHeight), min.Height());
     }
     panel_->SetRectangle({startRectangle_.xMin, AddSaturated(startRectangle_.xMin, width),
                           SubSaturated(startRectangle_.yMax, height), startRectangle_.yMax});

@@ -192,8 +192,10 @@ void Atlas::DrawNonExpandableTexture(NonExpandable& region, GUI::Geometry::Recta
 
 GUI::Geometry::Rectangle Atlas::GetRectangleExpandableTexture(Expandable& region,
                                                               GUI::Geometry::Rectangle& rect) {
-    return {rect.xMin - region.borders.left, rect.xMax + region.borders.right, rect.yMin - region.borders.top,
-            rect.yMax + region.borders.bottom};
+    using GUI::Geometry::AddSaturated;
+    using GUI::Geometry::SubSaturated;
+    return {SubSaturated(rect.xMin, region.borders.left), AddSaturated(rect.xMax, region.borders.right),
+            SubSaturated(rect.yMin, region.borders.top), AddSaturated(rect.yMax, region.borders.bottom)};
 }
 
 GUI::Geometry::Rectangle Atlas::GetRectangleNonExpandableTexture(NonExpandable&,

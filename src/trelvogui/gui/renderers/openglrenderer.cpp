@@ -218,12 +218,15 @@ void OpenglRenderer::DrawRectangle(GUI::Geometry::Rectangle const& rectangle) {
     SetPlacement(program, rectangle);
     glUniform1i(UniformLocation(program, "targetColorSampler"), kTargetColorUnit);
     GB_CHECK_GL(kTag);
-    detail::TargetBarrier();
+    detail::TargetBarrierFor(rectangle);
     quadBuffer_->draw(GLVertexBuffer::TriangleFan);
     lineProgram_->end();
-    // The id target is read back for picking right after; make sure the fill has landed.
-    glFinish();
-    GB_CHECK_GL(kTag);
+    // Strict synchronisation finishes every fill before the next draw; otherwise the barriers order
+    // the draws and the pick read waits for the id layer by itself.
+    if (detail::StrictBarriers()) {
+        glFinish();
+        GB_CHECK_GL(kTag);
+    }
 }
 
 void OpenglRenderer::DrawFilledRectangle(GUI::Geometry::Rectangle const& rectangle) {
@@ -238,7 +241,7 @@ void OpenglRenderer::DrawFilledRectangle(GUI::Geometry::Rectangle const& rectang
     GB_CHECK_GL(kTag);
     glColorMaski(1, GL_FALSE, GL_FALSE, GL_FALSE, GL_FALSE);
     GB_CHECK_GL(kTag);
-    detail::TargetBarrier();
+    detail::TargetBarrierFor(rectangle);
     outlineBuffer_->draw(GLVertexBuffer::LineLoop);
     glColorMaski(1, idMask[0], idMask[1], idMask[2], idMask[3]);
     GB_CHECK_GL(kTag);
@@ -274,11 +277,13 @@ void OpenglRenderer::DrawTexturedRectangle(GUI::Geometry::TexturedRectangle cons
     GB_CHECK_GL(kTag);
     glUniform1i(UniformLocationQuiet(program, "stencilIsSrgb"), stencilIsSrgb ? 1 : 0);
     GB_CHECK_GL(kTag);
-    detail::TargetBarrier();
+    detail::TargetBarrierFor(r);
     quadBuffer_->draw(GLVertexBuffer::TriangleFan);
     texturedProgram_->end();
-    glFlush();
-    GB_CHECK_GL(kTag);
+    if (detail::StrictBarriers()) {
+        glFlush();
+        GB_CHECK_GL(kTag);
+    }
 }
 
 void OpenglRenderer::DrawText(GUI::Texture::Base* target, GUI::Text* text, GUI::Geometry::Rectangle area,
@@ -287,8 +292,10 @@ void OpenglRenderer::DrawText(GUI::Texture::Base* target, GUI::Text* text, GUI::
         return;
     textRenderer_->SetIds(primaryId_, subId_);
     textRenderer_->Draw(target, text, area, horizontalAlignment, verticalAlignment);
-    glFlush();
-    GB_CHECK_GL(kTag);
+    if (detail::StrictBarriers()) {
+        glFlush();
+        GB_CHECK_GL(kTag);
+    }
 }
 
 void OpenglRenderer::GetTextSize(GUI::Text* text, int* width, int* height) {
@@ -397,14 +404,20 @@ void OpenglRenderer::SetRenderTargetToTexture(GUI::Texture::Base* color, GUI::Te
     GB_CHECK_GL(kTag);
     glDrawBuffers(2, kBoth);
     GB_CHECK_GL(kTag);
+    detail::TargetChanged();
     targetReady_ = true;
 }
 
 void OpenglRenderer::ClearRenderTargetToTexture() {
-    glFlush();
-    GB_CHECK_GL(kTag);
-    glFinish();
-    GB_CHECK_GL(kTag);
+    if (detail::StrictBarriers()) {
+        glFlush();
+        GB_CHECK_GL(kTag);
+        glFinish();
+        GB_CHECK_GL(kTag);
+    }
+    // Back to whatever target comes next; the cached layer is read by a later composite, which the
+    // barrier before that draw makes safe.
+    detail::TargetChanged();
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     GB_CHECK_GL(kTag);
     glViewport(0, 0, static_cast<GLsizei>(screenWidth_), static_cast<GLsizei>(screenHeight_));

@@ -494,6 +494,10 @@ void TextRendererFreeType::Draw(GUI::Texture::Base* target, GUI::Text* text, GUI
                                 int horizontalAlignment, int verticalAlignment) {
     if (!text || !target)
         return;
+    // Rasterising uploads through the active unit; inside a layer update that may be the unit holding
+    // the target's id layer, which the upload would unbind for every later draw of the frame.
+    glActiveTexture(GL_TEXTURE1);
+    GB_CHECK_GL(kTag);
     if (!target->IsValid()) {
         impl_->settings.bold = text->bold;
         impl_->settings.italic = text->italic;
@@ -539,7 +543,7 @@ void TextRendererFreeType::Draw(GUI::Texture::Base* target, GUI::Text* text, GUI
     glUniform2ui(detail::UniformLocationQuiet(program, "rect"), static_cast<GLuint>(std::max(width, 0)),
                  static_cast<GLuint>(std::max(height, 0)));
     GB_CHECK_GL(kTag);
-    detail::TargetBarrier();
+    detail::TargetBarrierFor({x, x + std::max(width, 0), y, y + std::max(height, 0)});
     impl_->quad->draw(GLVertexBuffer::TriangleFan);
     impl_->program->end();
     glBindTexture(GL_TEXTURE_2D, 0);

@@ -4,9 +4,27 @@
 
 #include <GL/glew.h>
 
-namespace GUI::Renderer::detail {
+#include <array>
+#include <cstddef>
 
-void TargetBarrier() {
+namespace GUI::Renderer::detail {
+namespace {
+
+// Everything runs on the one GL thread, so one record serves every renderer: what was drawn into the
+// current target since its last barrier. Past kSlots areas a barrier is cheaper than the bookkeeping.
+constexpr std::size_t kSlots = 64;
+struct Pending {
+    std::array<GUI::Geometry::Rectangle, kSlots> areas;
+    std::size_t count = 0;
+    bool whole = true; // the target changed: treat all of it as written
+    bool strict = false;
+} pending;
+
+bool Overlap(const GUI::Geometry::Rectangle& a, const GUI::Geometry::Rectangle& b) {
+    return a.xMin < b.xMax && b.xMin < a.xMax && a.yMin < b.yMax && b.yMin < a.yMax;
+}
+
+void Issue() {
     // GLEW's flags are plain loads after glewInit, cheap enough to test on every draw; checking them
     // here keeps the helper right when a host switches between contexts of different versions.
     if ((GLEW_VERSION_4_5 || GLEW_ARB_texture_barrier) && glTextureBarrier != nullptr) {
@@ -16,6 +34,43 @@ void TargetBarrier() {
         glTextureBarrierNV();
         GB_CHECK_GL("gui/renderers/detail/targetbarrier");
     }
+    pending.count = 0;
+    pending.whole = false;
+}
+
+} // namespace
+
+void TargetBarrier() {
+    Issue();
+    // The draw that follows may cover anything.
+    pending.whole = true;
+}
+
+void TargetBarrierFor(const GUI::Geometry::Rectangle& area) {
+    bool needed = pending.strict || pending.whole || pending.count == kSlots;
+    for (std::size_t i = 0; i < pending.count && !needed; ++i)
+        needed = Overlap(pending.areas[i], area);
+    if (needed)
+        Issue();
+    pending.areas[pending.count++] = area;
+}
+
+void TargetChanged() {
+    pending.count = 0;
+    pending.whole = true;
+}
+
+void SetStrictBarriers(bool strict) {
+    pending.strict = strict;
+}
+
+bool StrictBarriers() {
+    return pending.strict;
+}
+
+bool TextureBarrierAvailable() {
+    return ((GLEW_VERSION_4_5 || GLEW_ARB_texture_barrier) && glTextureBarrier != nullptr) ||
+           (GLEW_NV_texture_barrier && glTextureBarrierNV != nullptr);
 }
 
 } // namespace GUI::Renderer::detail

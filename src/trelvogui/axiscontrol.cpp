@@ -1,0 +1,473 @@
+#include <trelvogui/axiscontrol.h>
+
+#include "gui/renderers/detail/targetbarrier.h"
+#include "gui/renderers/detail/uniforms.h"
+
+#include <trelvogui/gui/label.h>
+
+#include <graphicsbase/glerror.h>
+#include <graphicsbase/glslprogram.h>
+#include <graphicsbase/glvertexbuffer.h>
+
+#include <glm/gtc/constants.hpp>
+#include <glm/gtc/matrix_transform.hpp>
+#include <glm/gtc/type_ptr.hpp>
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <cstdio>
+
+namespace {
+
+constexpr const char* kFile = "axiscontrol";
+
+// The overlay's fixed units for the target being drawn into (see the manager's layer update).
+constexpr GLint kTargetColorUnit = 9;
+constexpr GLint kTargetIdUnit = 10;
+
+// The band's marks, in pixels: a baseline along the edge and a mark across the band at each tick.
+constexpr float kBaselineDepth = 2.f;
+constexpr float kMarkWidth = 2.f;
+
+// Float to int without undefined behaviour for NaN or out-of-range values.
+int TruncateToInt(double v) {
+    if (std::isnan(v))
+        return 0;
+    if (v >= static_cast<double>(INT_MAX))
+        return INT_MAX;
+    if (v <= static_cast<double>(INT_MIN))
+        return INT_MIN;
+    return static_cast<int>(v);
+}
+
+bool IsHorizontal(int orientation) {
+    return orientation == AxisControl::AlongYMin || orientation == AxisControl::AlongYMax;
+}
+bool IsVertical(int orientation) {
+    return orientation == AxisControl::AlongXMax || orientation == AxisControl::AlongXMin;
+}
+
+void AppendQuad(std::vector<float>& out, float x0, float x1, float y0, float y1, const float rgba[4]) {
+    const float corners[6][2] = {{x0, y0}, {x1, y0}, {x1, y1}, {x0, y0}, {x1, y1}, {x0, y1}};
+    for (const auto& c : corners) {
+        out.insert(out.end(), {c[0], c[1]});
+        out.insert(out.end(), rgba, rgba + 4);
+    }
+}
+
+} // namespace
+
+AxisControl::AxisControl() = default;
+
+AxisControl::~AxisControl() {
+    // Take the labels out of the child list directly: RemoveChild would request a redraw up a
+    // parent chain that may already be gone while the host tears its tree down.
+    auto dropChild = [this](GUI::Controls::Base* child) {
+        Children()->remove(child);
+        delete child;
+    };
+    for (GUI::Controls::Label* label : numberLabels_)
+        dropChild(label);
+    numberLabels_.clear();
+    if (titleLabel_)
+        dropChild(titleLabel_);
+    titleLabel_ = nullptr;
+    delete vertexBuffer_;
+    delete program_;
+}
+
+bool AxisControl::Initialize() {
+    delete vertexBuffer_;
+    vertexBuffer_ = nullptr;
+    delete program_;
+    program_ = new GLSLProgram();
+    if (!program_->addShader("BackgroundMV.vs") || !program_->addShader("Background.fs") ||
+        !program_->linkProgram())
+        return false;
+    return BuildGeometry();
+}
+
+void AxisControl::SetRectangle(GUI::Geometry::Rectangle r) {
+    Base::SetRectangle(r);
+    Update();
+}
+
+void AxisControl::ShowTitle(bool show) {
+    showTitle_ = show;
+}
+void AxisControl::ShowTicks(bool show) {
+    showTicks_ = show;
+}
+void AxisControl::ShowNumbers(bool show) {
+    showNumbers_ = show;
+}
+
+void AxisControl::SetAxisType(AxisType type) {
+    if (type == axisType_)
+        return;
+    axisType_ = type;
+    Update();
+}
+
+void AxisControl::SetTickSpacing(int spacing) {
+    if (spacing < 1) {
+        std::printf("AxisControl::SetTickSpacing(): Tick spacing must be at least 1 pixel, got %d.\n",
+                    spacing);
+        return;
+    }
+    if (spacing == tickSpacing_)
+        return;
+    tickSpacing_ = spacing;
+    Update();
+}
+
+void AxisControl::SetTickCount(int n) {
+    tickCount_ = n;
+    intervalCount_ = n + 1;
+}
+
+void AxisControl::SetRange(float min, float max) {
+    min_ = min;
+    max_ = max;
+    ComputeTicks();
+    FormatNumbers();
+    PlaceNumbers();
+    BuildGeometry();
+    SetNeedsRedraw(true);
+}
+
+void AxisControl::SetOrientation(Orientation orientation) {
+    orientation_ = orientation;
+    // The band's marks are laid out for the edge they run along; the labels stay where they are.
+    BuildGeometry();
+    SetNeedsRedraw(true);
+}
+
+void AxisControl::SetTitle(std::wstring title) {
+    title_ = std::move(title);
+    if (titleLabel_)
+        titleLabel_->SetText(title_);
+}
+
+void AxisControl::SetFontColor(const GUI::Color& color) {
+    fontColor_ = color;
+    if (titleLabel_)
+        titleLabel_->SetColor(color);
+    for (GUI::Controls::Label* label : numberLabels_)
+        label->SetColor(color);
+    // The band carries the colour in its vertices.
+    BuildGeometry();
+}
+
+int AxisControl::GetTickSpacing() const {
+    return tickSpacing_;
+}
+float AxisControl::GetMin() const {
+    return min_;
+}
+float AxisControl::GetMax() const {
+    return max_;
+}
+AxisControl::Orientation AxisControl::GetOrientation() const {
+    return orientation_;
+}
+std::wstring AxisControl::GetTitle() const {
+    return title_;
+}
+
+void AxisControl::Update() {
+    const GUI::Geometry::Rectangle& r = GetRectangle();
+    if (IsHorizontal(orientation_))
+        intervalCount_ = TruncateToInt(static_cast<float>(r.Width()) / static_cast<float>(tickSpacing_));
+    else if (IsVertical(orientation_))
+        intervalCount_ = TruncateToInt(static_cast<float>(r.Height()) / static_cast<float>(tickSpacing_));
+    if (intervalCount_ < 1)
+        intervalCount_ = 1;
+    // An explicit request wins over the spacing.
+    if (tickCount_ != 0)
+        intervalCount_ = tickCount_ + 1;
+    ComputeTicks();
+    LayoutTitle();
+    FormatNumbers();
+    PlaceNumbers();
+    BuildGeometry();
+}
+
+void AxisControl::ComputeTicks() {
+    tickFractions_.clear();
+    tickValues_.clear();
+    if (axisType_ == EvenlyDivided) {
+        // A tick count of -1 asks for no intervals; the single tick then sits at the start.
+        const float intervals = static_cast<float>(intervalCount_);
+        for (int i = 0; i <= intervalCount_; ++i) {
+            float fraction = intervalCount_ > 0 ? static_cast<float>(i) / intervals : 0.f;
+            tickFractions_.push_back(fraction);
+            tickValues_.push_back((max_ - min_) * fraction + min_);
+        }
+    } else if (axisType_ == IntegerSteps) {
+        // The steps are sized from the control's width whatever the orientation, so a vertical axis
+        // beside a plot of the same width gets the same integer steps as the plot's horizontal axis.
+        int columns = GetRectangle().Width() / tickSpacing_;
+        if (columns < 1)
+            columns = 1;
+        const double range = static_cast<double>(max_) - static_cast<double>(min_);
+        double step = std::trunc(std::ceil(range / columns));
+        if (!(step >= 1.0))
+            step = 1.0;
+        intervalCount_ = TruncateToInt(std::floor(range / step));
+        // An empty or reversed range still gets one interval.
+        if (intervalCount_ < 1)
+            intervalCount_ = 1;
+        const double denominator = std::max(std::trunc(range), static_cast<double>(intervalCount_));
+        for (int i = 0; i <= intervalCount_; ++i) {
+            // In double and with the step multiplied first, so whole steps stay whole before "%d"
+            // truncates them.
+            const double offset = i * step;
+            tickFractions_.push_back(static_cast<float>(offset / denominator));
+            tickValues_.push_back(static_cast<float>(range * offset / denominator + min_));
+        }
+    }
+    RebuildNumberLabels();
+}
+
+void AxisControl::RebuildNumberLabels() {
+    const std::size_t wanted = intervalCount_ >= 0 ? static_cast<std::size_t>(intervalCount_) + 1 : 0;
+    if (numberLabels_.size() == wanted)
+        return;
+    for (GUI::Controls::Label* label : numberLabels_) {
+        RemoveChild(label);
+        delete label;
+    }
+    numberLabels_.clear();
+    numberLabels_.reserve(wanted);
+    for (std::size_t i = 0; i < wanted; ++i) {
+        auto* label = new GUI::Controls::Label();
+        label->SetHorizontalAlignment(1);
+        label->SetVerticalAlignment(2);
+        switch (orientation_) {
+        case AlongYMin:
+            label->SetHorizontalAlignment(1);
+            label->SetVerticalAlignment(0);
+            break;
+        case AlongYMax:
+            label->SetHorizontalAlignment(1);
+            label->SetVerticalAlignment(2);
+            break;
+        case AlongXMax:
+            label->SetHorizontalAlignment(2);
+            label->SetVerticalAlignment(1);
+            break;
+        case AlongXMin:
+            label->SetHorizontalAlignment(0);
+            label->SetVerticalAlignment(1);
+            break;
+        }
+        label->SetColor(fontColor_);
+        numberLabels_.push_back(label);
+        AddChild(label);
+    }
+}
+
+void AxisControl::FormatNumbers() {
+    RebuildNumberLabels();
+    int shownExponent = 0;
+    if (axisType_ == EvenlyDivided && !(min_ == 0.f && max_ == 0.f)) {
+        const double magnitude = std::max(std::log10(std::fabs(static_cast<double>(max_))),
+                                          std::log10(std::fabs(static_cast<double>(min_))));
+        const int e = TruncateToInt(magnitude);
+        shownExponent = std::abs(e) >= 3 ? e : 0;
+    }
+    const double scale = std::pow(10.0, shownExponent);
+    char text[64];
+    const std::size_t count = std::min(numberLabels_.size(), tickValues_.size());
+    for (std::size_t i = 0; i < count; ++i) {
+        const float value = tickValues_[i];
+        if (axisType_ == IntegerSteps)
+            std::snprintf(text, sizeof text, "%d", TruncateToInt(value));
+        else if (shownExponent != 0)
+            std::snprintf(text, sizeof text, "%.3fe%d", value / scale, shownExponent);
+        else
+            std::snprintf(text, sizeof text, "%.3f", static_cast<double>(value));
+        std::wstring wide;
+        for (const char* c = text; *c != '\0'; ++c)
+            wide.push_back(static_cast<wchar_t>(static_cast<unsigned char>(*c)));
+        numberLabels_[i]->SetText(std::move(wide));
+    }
+}
+
+void AxisControl::PlaceNumbers() {
+    RebuildNumberLabels();
+    const GUI::Geometry::Rectangle& r = GetRectangle();
+    const int w = r.Width();
+    const int h = r.Height();
+    const int l = tickLength_;
+    const std::size_t count = std::min(numberLabels_.size(), tickFractions_.size());
+    for (std::size_t i = 0; i < count; ++i) {
+        const float f = tickFractions_[i];
+        const int t = TruncateToInt(static_cast<float>(w) * f);
+        const int u = TruncateToInt(static_cast<float>(h) * f);
+        switch (orientation_) {
+        case AlongYMin:
+            numberLabels_[i]->SetRectangle({t - 25, t + 25, l, l + 20});
+            break;
+        case AlongYMax:
+            numberLabels_[i]->SetRectangle({t - 25, t + 25, h - l - 20, h - l});
+            break;
+        case AlongXMax:
+            numberLabels_[i]->SetRectangle({w - l - 50, w - l, u - 10, u + 10});
+            break;
+        case AlongXMin:
+            numberLabels_[i]->SetRectangle({l, l + 50, u - 10, u + 10});
+            break;
+        }
+    }
+}
+
+void AxisControl::LayoutTitle() {
+    if (!titleLabel_) {
+        titleLabel_ = new GUI::Controls::Label();
+        titleLabel_->SetFontSize(16);
+        titleLabel_->SetHorizontalAlignment(1);
+        titleLabel_->SetVerticalAlignment(1);
+        if (IsHorizontal(orientation_))
+            titleLabel_->SetOrientation(0);
+        else if (IsVertical(orientation_))
+            titleLabel_->SetOrientation(1);
+        titleLabel_->SetColor(fontColor_);
+        titleLabel_->SetText(title_);
+        AddChild(titleLabel_);
+    }
+    const GUI::Geometry::Rectangle& r = GetRectangle();
+    const int w = r.Width();
+    const int h = r.Height();
+    const int l = tickLength_;
+    switch (orientation_) {
+    case AlongYMin:
+        titleLabel_->SetRectangle({0, w, h, h + 16});
+        break;
+    case AlongYMax:
+        titleLabel_->SetRectangle({0, w, h - l - 40, h - l - 24});
+        break;
+    case AlongXMax:
+        titleLabel_->SetRectangle({0, 16, 0, h});
+        break;
+    case AlongXMin:
+        titleLabel_->SetRectangle({w, w + 16, 0, h});
+        break;
+    }
+}
+
+bool AxisControl::BuildGeometry() {
+    // Geometry lives on the GPU; before a successful Initialize there is nothing to build it for.
+    if (!program_ || !program_->isLinked())
+        return true;
+    if (!vertexBuffer_) {
+        vertexBuffer_ = new GLVertexBuffer();
+        vertexBuffer_->addAttribute(2, GL_FLOAT);
+        vertexBuffer_->addAttribute(4, GL_FLOAT);
+        if (!vertexBuffer_->finishLayout()) {
+            delete vertexBuffer_;
+            vertexBuffer_ = nullptr;
+            return false;
+        }
+    }
+
+    // The band is built in a unit square: x runs along the axis (0..1 over its length), y across it
+    // from the edge (0) to the side the numbers are on (1). DrawCustom scales it to the length and
+    // the tick length and turns it onto the right edge, so marks are sized here in pixels of that
+    // length and depth.
+    const GUI::Geometry::Rectangle& r = GetRectangle();
+    const float length = static_cast<float>(IsVertical(orientation_) ? r.Height() : r.Width());
+    const float depth = static_cast<float>(tickLength_);
+    const float rgba[4] = {fontColor_.r / 255.f, fontColor_.g / 255.f, fontColor_.b / 255.f,
+                           fontColor_.a / 255.f};
+    bandVertices_.clear();
+    if (length > 0.f && depth != 0.f) {
+        const float baseline = std::min(1.f, kBaselineDepth / std::fabs(depth));
+        AppendQuad(bandVertices_, 0.f, 1.f, 0.f, baseline, rgba);
+        const float mark = std::min(1.f, kMarkWidth / length);
+        for (float f : tickFractions_) {
+            // The same pixel the number label is centred on; the x-min orientation runs its band
+            // from the top down, so its marks are mirrored to stay beside their numbers.
+            float t = std::trunc(length * f) / length;
+            if (orientation_ == AlongXMin)
+                t = 1.f - t;
+            const float x0 = std::clamp(t - mark * 0.5f, 0.f, 1.f - mark);
+            AppendQuad(bandVertices_, x0, x0 + mark, 0.f, 1.f, rgba);
+        }
+    }
+    return vertexBuffer_->upload(bandVertices_.data(), static_cast<int>(bandVertices_.size() / 6), nullptr, 0,
+                                 GLVertexBuffer::Usage::Dynamic);
+}
+
+void AxisControl::DrawCustom() {
+    if (!program_ || !vertexBuffer_ || !program_->isLinked())
+        return;
+    GLint viewport[4] = {0, 0, 0, 0};
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    GB_CHECK_GL(kFile);
+
+    program_->begin();
+    const GLuint program = program_->getProgram();
+    const glm::mat4 projection =
+        glm::ortho(0.f, static_cast<float>(viewport[2]), 0.f, static_cast<float>(viewport[3]), -1.f, 1.f);
+    glUniformMatrix4fv(GUI::Renderer::detail::UniformLocation(program, "ProjectionMatrix"), 1, GL_FALSE,
+                       glm::value_ptr(projection));
+    GB_CHECK_GL(kFile);
+
+    const GUI::Geometry::Rectangle& r = GetRectangle();
+    const float w = static_cast<float>(r.Width());
+    const float h = static_cast<float>(r.Height());
+    const float l = static_cast<float>(tickLength_);
+    glm::vec3 scale(1.f);
+    glm::vec3 corner(0.f);
+    float angle = 0.f;
+    switch (orientation_) {
+    case AlongYMin:
+        scale = {w, l, 1.f};
+        corner = {r.xMin, r.yMin, 0.f};
+        break;
+    case AlongYMax:
+        scale = {w, -l, 1.f};
+        corner = {r.xMin, r.yMax, 0.f};
+        break;
+    case AlongXMax:
+        scale = {h, l, 1.f};
+        angle = glm::half_pi<float>();
+        corner = {r.xMax, r.yMin, 0.f};
+        break;
+    case AlongXMin:
+        scale = {h, -l, 1.f};
+        angle = -glm::half_pi<float>();
+        corner = {r.xMin, r.yMax, 0.f};
+        break;
+    default:
+        // No edge to draw along.
+        program_->end();
+        return;
+    }
+    glm::mat4 modelView = glm::translate(glm::mat4(1.f), corner);
+    if (angle != 0.f)
+        modelView = glm::rotate(modelView, angle, glm::vec3(0.f, 0.f, 1.f));
+    modelView = glm::scale(modelView, scale);
+    const GLint modelViewLocation = GUI::Renderer::detail::UniformLocationQuiet(program, "ModelViewMatrix");
+    if (modelViewLocation != -1) {
+        glUniformMatrix4fv(modelViewLocation, 1, GL_FALSE, glm::value_ptr(modelView));
+        GB_CHECK_GL(kFile);
+    }
+
+    // Ids and the target to compose against, like every overlay draw.
+    glUniform1ui(GUI::Renderer::detail::UniformLocationQuiet(program, "pid"), GetId());
+    GB_CHECK_GL(kFile);
+    glUniform1ui(GUI::Renderer::detail::UniformLocationQuiet(program, "sid"), 0u);
+    GB_CHECK_GL(kFile);
+    glUniform1i(GUI::Renderer::detail::UniformLocationQuiet(program, "targetColorSampler"), kTargetColorUnit);
+    GB_CHECK_GL(kFile);
+    glUniform1i(GUI::Renderer::detail::UniformLocationQuiet(program, "targetIDSampler"), kTargetIdUnit);
+    GB_CHECK_GL(kFile);
+
+    GUI::Renderer::detail::TargetBarrier();
+    vertexBuffer_->draw(GLVertexBuffer::Triangles);
+    program_->end();
+}
