@@ -46,7 +46,7 @@ int main(int argc, char** argv) {
         title.SetFontSize(20);
         title.SetText(L"Tools");
         tools.AddChild(&title);
-        Counter first(tools, L"First", {0, 112, 72, 104}), second(tools, L"Second", {124, 236, 72, 104});
+        Counter first(tools, L"First", {0, 108, 72, 104}), second(tools, L"Second", {128, 236, 72, 104});
         SwitchButton toggle;
         toggle.SetRectangle({0, 28, 16, 44});
         toggle.SetCallback([&] {
