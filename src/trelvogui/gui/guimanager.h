@@ -2,6 +2,7 @@
 // One overlay: renderer, skin atlas, control registry, animations and the off-screen layers.
 
 #include <trelvogui/gui/controlfactory.h>
+#include <trelvogui/gui/geometry.h>
 #include <trelvogui/gui/guitypes.h>
 #include <trelvogui/trelvogui_export.h>
 
@@ -120,6 +121,8 @@ public:
 private:
     void deleteLayers();
     void deleteLayersFence();
+    /// Where the composite can show anything, from the roots drawn by the last update.
+    void updateCompositeBounds();
     /// Blocks until the last fast layer update has landed (before reading the id layer back).
     void waitForLayers();
     void deleteCompositeQuad();
@@ -153,6 +156,8 @@ private:
     bool strictSynchronisation_ = false;
     // A GLsync, kept opaque here so that the header needs no sync types.
     void* layersFence_ = nullptr;
+    GUI::Geometry::Rectangle compositeBounds_;
+    bool compositeWhole_ = true;
 };
 
 } // namespace GUI
