@@ -29,8 +29,14 @@ public:
         keys.push_back(static_cast<int>(e->key));
         return DRAW_SCENE;
     }
+    DrawFlags touchEvent(VX_UI::TouchEvent* e) override {
+        for (int i = 0; i < e->pointCount; ++i)
+            touches.push_back(e->points[i].x);
+        return DRAW_SCENE;
+    }
     std::vector<int> wheel;
     std::vector<int> keys;
+    std::vector<float> touches;
 };
 
 class GLFWBackendTest : public ::testing::Test {
@@ -124,7 +130,7 @@ TEST_F(GLFWBackendTest, ClicksAndDragsReachTheOverlayAfterTheHostsCallbacks) {
     EXPECT_EQ(hostCursorCalls, before + 1);
 }
 
-TEST_F(GLFWBackendTest, WheelAndKeysReachTheHostsHandlers) {
+TEST_F(GLFWBackendTest, WheelKeysAndTouchReachTheHostsHandlers) {
     GUI::GLFWBackend input(window, *manager);
     Recorder recorder;
     input.Input().addScreenHandler(&recorder);
@@ -144,6 +150,16 @@ TEST_F(GLFWBackendTest, WheelAndKeysReachTheHostsHandlers) {
     key(window, GLFW_KEY_A, 0, GLFW_RELEASE, 0);
     key(window, GLFW_KEY_UNKNOWN, 0, GLFW_PRESS, 0);
     EXPECT_EQ(recorder.keys, (std::vector<int>{GLFW_KEY_A}));
+
+    // Touch points come in window units and reach the handlers in framebuffer pixels.
+    VX_UI::TouchEvent touch;
+    touch.pointCount = 2;
+    touch.points[0].x = 10.f;
+    touch.points[1].x = 40.f;
+    EXPECT_TRUE(input.Touch(touch));
+    float sx = 0, sy = 0;
+    input.PixelScale(&sx, &sy);
+    EXPECT_EQ(recorder.touches, (std::vector<float>{10.f * sx, 40.f * sx}));
     EXPECT_GT(input.GetDrawFlags() & DRAW_SCENE, 0);
 }
 
