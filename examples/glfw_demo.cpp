@@ -1,26 +1,20 @@
 // Interactive demo: the same host and overlay in a real window. Drag panels, click the button,
 // toggle the switch, resize the notes panel with its grip. --frames N renders N frames and exits.
+// Input reaches the overlay through the GLFW backend (TrelvoGUI::GLFW).
 #include "demohost.h"
 
-#include <GL/glew.h>
+#include <trelvogui/backends/glfw/glfwbackend.h>
+
+#include <graphicsbase/glloader.h>
+
 #include <GLFW/glfw3.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 namespace {
-int buttonsOf(GLFWwindow* window) {
-    int b = 0;
-    if (glfwGetMouseButton(window, GLFW_MOUSE_BUTTON_LEFT) == GLFW_PRESS)
-        b |= VX_UI::BUTTON_LEFT;
-    if (glfwGetMouseButton(window, GLFW_MOUSE_BUTTON_RIGHT) == GLFW_PRESS)
-        b |= VX_UI::BUTTON_RIGHT;
-    if (glfwGetMouseButton(window, GLFW_MOUSE_BUTTON_MIDDLE) == GLFW_PRESS)
-        b |= VX_UI::BUTTON_MIDDLE;
-    return b;
-}
-
 demo::DemoHost* hostOf(GLFWwindow* w) {
     return static_cast<demo::DemoHost*>(glfwGetWindowUserPointer(w));
 }
@@ -36,10 +30,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "GLFW could not start (is there a display?)\n");
         return 1;
     }
-    glfwWindowHint(GLFW_CONTEXT_VERSION_MAJOR, 3);
-    glfwWindowHint(GLFW_CONTEXT_VERSION_MINOR, 3);
-    glfwWindowHint(GLFW_OPENGL_PROFILE, GLFW_OPENGL_CORE_PROFILE);
-    glfwWindowHint(GLFW_OPENGL_FORWARD_COMPAT, GLFW_TRUE);
+    GUI::GLFWBackend::RequestOpenGL33();
     GLFWwindow* window = glfwCreateWindow(960, 600, "TrelvoGUI demo", nullptr, nullptr);
     if (!window) {
         std::fprintf(stderr, "no OpenGL 3.3 core window could be created\n");
@@ -48,12 +39,12 @@ int main(int argc, char** argv) {
     }
     glfwMakeContextCurrent(window);
     glfwSwapInterval(1);
-    glewExperimental = GL_TRUE;
-    if (glewInit() != GLEW_OK) {
-        std::fprintf(stderr, "glewInit failed\n");
+    // The overlay loads what it needs by itself; this host draws its cube with GL 3.3 calls of its
+    // own before the overlay starts, so it has them loaded first.
+    std::string why;
+    if (!GraphicsBase::LoadGL(&why)) {
+        std::fprintf(stderr, "%s\n", why.c_str());
         return 1;
-    }
-    while (glGetError() != GL_NO_ERROR) {
     }
 
     int width = 0, height = 0;
@@ -64,24 +55,13 @@ int main(int argc, char** argv) {
         if (!host.Initialize()) {
             status = 1;
         } else {
+            // The host's own size callback (camera, viewport) goes first; the backend chains to it.
             glfwSetWindowUserPointer(window, &host);
-            glfwSetCursorPosCallback(window, [](GLFWwindow* w, double x, double y) {
-                hostOf(w)->MouseMove(static_cast<int>(x), static_cast<int>(y), buttonsOf(w));
-            });
-            glfwSetMouseButtonCallback(window, [](GLFWwindow* w, int, int action, int) {
-                double x = 0, y = 0;
-                glfwGetCursorPos(w, &x, &y);
-                if (action == GLFW_PRESS)
-                    hostOf(w)->MousePress(static_cast<int>(x), static_cast<int>(y), buttonsOf(w));
-                else
-                    hostOf(w)->MouseRelease(static_cast<int>(x), static_cast<int>(y), buttonsOf(w));
-                for (const auto& line : hostOf(w)->TakeJournal())
-                    std::printf("%s\n", line.c_str());
-            });
             glfwSetFramebufferSizeCallback(window, [](GLFWwindow* w, int fw, int fh) {
                 if (fw > 0 && fh > 0)
                     hostOf(w)->Resize(fw, fh);
             });
+            GUI::GLFWBackend input(window, host.Manager());
             float angle = 0.f;
             int rendered = 0;
             while (!glfwWindowShouldClose(window) && (frames < 0 || rendered < frames)) {
@@ -90,6 +70,8 @@ int main(int argc, char** argv) {
                 host.RenderFrame(angle);
                 glfwSwapBuffers(window);
                 glfwPollEvents();
+                for (const auto& line : host.TakeJournal())
+                    std::printf("%s\n", line.c_str());
                 ++rendered;
             }
             std::printf("rendered %d frames\n", rendered);

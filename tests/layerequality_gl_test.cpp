@@ -16,6 +16,8 @@
 #include <trelvogui/gui/scalesequence.h>
 #include <trelvogui/gui/switchbutton.h>
 
+#include <GL/glew.h>
+
 #include <algorithm>
 #include <cstring>
 #include <memory>

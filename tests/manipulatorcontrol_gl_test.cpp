@@ -16,6 +16,8 @@
 
 #include <glm/gtc/matrix_transform.hpp>
 
+#include <GL/glew.h>
+
 #include <cmath>
 #include <map>
 

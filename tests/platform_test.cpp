@@ -89,9 +89,9 @@ TEST(LogFile, FormatsLinesAndHandsThemToObservers) {
     trelvo::test::LogCapture log;
     const bool echo = LogFile::Instance().Echo();
     LogFile::Instance().SetEcho(false);
-    LogFile::Instance().AddLine(LOG_WARNING, "value %d and %s\n", 42, "text");
+    LogFile::Instance().AddLine(LogLevel::Warning, "value %d and %s\n", 42, "text");
     std::string longText(2000, 'x');
-    LogFile::Instance().AddLine(LOG_INFO, "%s\n", longText.c_str());
+    LogFile::Instance().AddLine(LogLevel::Info, "%s\n", longText.c_str());
     LogFile::Instance().SetEcho(echo);
     ASSERT_EQ(log.Lines().size(), 2u);
     EXPECT_EQ(log.Lines()[0], "value 42 and text\n");

@@ -2,6 +2,8 @@
 
 #include <graphicsbase/glerror.h>
 
+#include <GL/glew.h>
+
 namespace GL {
 namespace {
 const char* kFile = "glscopedbindings";

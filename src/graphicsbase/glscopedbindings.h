@@ -3,8 +3,6 @@
 
 #include <graphicsbase/graphicsbase_export.h>
 
-#include <GL/glew.h>
-
 namespace GL {
 
 /// Remembers the draw and read framebuffers, the viewport, the current program, the bound vertex
@@ -20,16 +18,16 @@ public:
     GLScopedBindings& operator=(const GLScopedBindings&) = delete;
 
 private:
-    GLint drawFramebuffer_ = 0;
-    GLint readFramebuffer_ = 0;
-    GLint viewport_[4] = {0, 0, 0, 0};
-    GLint program_ = 0;
-    GLint vertexArray_ = 0;
-    GLint activeTexture_ = GL_TEXTURE0;
-    GLint texture_ = 0;
-    GLint arrayBuffer_ = 0;
-    GLint scissor_[4] = {0, 0, 0, 0};
-    GLboolean scissorTest_ = GL_FALSE;
+    int drawFramebuffer_ = 0;
+    int readFramebuffer_ = 0;
+    int viewport_[4] = {0, 0, 0, 0};
+    int program_ = 0;
+    int vertexArray_ = 0;
+    int activeTexture_ = 0x84C0; // GL_TEXTURE0
+    int texture_ = 0;
+    int arrayBuffer_ = 0;
+    int scissor_[4] = {0, 0, 0, 0};
+    unsigned char scissorTest_ = 0;
 };
 
 } // namespace GL

@@ -3,12 +3,14 @@
 #include <graphicsbase/glerror.h>
 #include <graphicsbase/logfile.h>
 
+#include <GL/glew.h>
+
 namespace GL {
 
 GLScopedSetter::Record* GLScopedSetter::push() {
     if (count_ == kMaxEntries) {
-        LogFile::Instance().AddLine(LOG_WARNING, "GLScopedSetter: more than %zu entries, state not saved\n",
-                                    kMaxEntries);
+        LogFile::Instance().AddLine(LogLevel::Warning,
+                                    "GLScopedSetter: more than %zu entries, state not saved\n", kMaxEntries);
         return nullptr;
     }
     return &records_[count_++];

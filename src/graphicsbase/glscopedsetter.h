@@ -3,27 +3,25 @@
 
 #include <graphicsbase/graphicsbase_export.h>
 
-#include <GL/glew.h>
-
 #include <cstddef>
 
 namespace GL {
 
 struct Enable {
-    GLenum capability;
+    unsigned int capability;
 };
 struct Disable {
-    GLenum capability;
+    unsigned int capability;
 };
 struct BlendFunc {
-    GLenum source;
-    GLenum destination;
+    unsigned int source;
+    unsigned int destination;
 };
 struct BlendFuncSeparate {
-    GLenum sourceRgb;
-    GLenum destinationRgb;
-    GLenum sourceAlpha;
-    GLenum destinationAlpha;
+    unsigned int sourceRgb;
+    unsigned int destinationRgb;
+    unsigned int sourceAlpha;
+    unsigned int destinationAlpha;
 };
 
 /// Applies state entries in order and restores them in reverse order on destruction, so a drawing
@@ -51,12 +49,12 @@ private:
     enum class Kind { Capability, Blend };
     struct Record {
         Kind kind;
-        GLenum capability;
-        GLboolean wasEnabled;
-        GLint blend[4];
+        unsigned int capability;
+        unsigned char wasEnabled;
+        int blend[4];
     };
     Record* push();
-    void setCapability(GLenum capability, bool on);
+    void setCapability(unsigned int capability, bool on);
 
     Record records_[kMaxEntries];
     std::size_t count_ = 0;

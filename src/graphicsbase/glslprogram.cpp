@@ -2,6 +2,8 @@
 #include <graphicsbase/glslprogram.h>
 #include <graphicsbase/resources.h>
 
+#include <GL/glew.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>

@@ -3,8 +3,6 @@
 
 #include <graphicsbase/graphicsbase_export.h>
 
-#include <GL/glew.h>
-
 #include <string>
 #include <vector>
 
@@ -34,7 +32,7 @@ public:
     void begin();
     /// Makes no program current.
     void end();
-    GLuint getProgram() const { return program_; }
+    unsigned int getProgram() const { return program_; }
 
     /// Reads a shader's text by name from the override path or the embedded resources. False when
     /// neither has it.
@@ -44,8 +42,8 @@ private:
     bool compileAndAttach(const std::string& fileName);
     void release();
 
-    GLuint program_ = 0;
-    std::vector<GLuint> shaders_;
+    unsigned int program_ = 0;
+    std::vector<unsigned int> shaders_;
     std::vector<std::string> names_;
     std::string failedShader_;
     bool linked_ = false;

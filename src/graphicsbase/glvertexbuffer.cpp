@@ -1,6 +1,8 @@
 #include <graphicsbase/glerror.h>
 #include <graphicsbase/glvertexbuffer.h>
 
+#include <GL/glew.h>
+
 #include <cstdint>
 #include <utility>
 

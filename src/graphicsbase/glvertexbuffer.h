@@ -3,8 +3,6 @@
 
 #include <graphicsbase/graphicsbase_export.h>
 
-#include <GL/glew.h>
-
 #include <cstddef>
 
 /// Usage: declare the attributes in shader location order with addAttribute, call finishLayout once
@@ -41,14 +39,15 @@ public:
     /// `normalise` maps integer values to 0..1 (or -1..1); `integer` feeds integer types to the
     /// shader unconverted (ivec/uvec inputs). False once the layout is finished or when the
     /// arguments are out of range.
-    bool addAttribute(int components, GLenum type = GL_FLOAT, bool normalise = false, bool integer = false);
+    bool addAttribute(int components, unsigned int type = 0x1406 /* GL_FLOAT */, bool normalise = false,
+                      bool integer = false);
     /// Creates the GL objects and records the layout in the vertex array. False without attributes,
     /// when called twice, or when GL gives no names.
     bool finishLayout();
     /// Copies `vertexCount` vertices (and, when given, `indexCount` 32-bit indices) to the GPU. The
     /// storage is reused while the new data fits.
-    bool upload(const void* vertices, int vertexCount, const GLuint* indices = nullptr, int indexCount = 0,
-                Usage usage = Usage::Static);
+    bool upload(const void* vertices, int vertexCount, const unsigned int* indices = nullptr,
+                int indexCount = 0, Usage usage = Usage::Static);
     /// Draws everything uploaded (indexed when indices were uploaded) with a Mode value. False for an
     /// unknown mode or before the layout is finished.
     bool draw(int mode) const;
@@ -56,18 +55,18 @@ public:
     bool draw(int mode, int first, int count) const;
 
     /// The GL primitive for a Mode value, or GL_NONE for an unknown value.
-    static GLenum ToGLMode(int mode);
+    static unsigned int ToGLMode(int mode);
 
     int vertexCount() const { return vertexCount_; }
     int indexCount() const { return indexCount_; }
     int stride() const { return stride_; }
     bool isReady() const { return vao_ != 0; }
-    GLuint vertexArray() const { return vao_; }
+    unsigned int vertexArray() const { return vao_; }
 
 private:
     struct Attribute {
         int components;
-        GLenum type;
+        unsigned int type;
         bool normalise;
         bool integer;
         int offset;
@@ -77,9 +76,9 @@ private:
     Attribute attributes_[kMaxAttributes] = {};
     int attributeCount_ = 0;
     int stride_ = 0;
-    GLuint vao_ = 0;
-    GLuint vbo_ = 0;
-    GLuint ibo_ = 0;
+    unsigned int vao_ = 0;
+    unsigned int vbo_ = 0;
+    unsigned int ibo_ = 0;
     std::size_t vertexCapacity_ = 0;
     std::size_t indexCapacity_ = 0;
     int vertexCount_ = 0;

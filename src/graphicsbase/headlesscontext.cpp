@@ -1,3 +1,4 @@
+#include <graphicsbase/glloader.h>
 #include <graphicsbase/headlesscontext.h>
 
 #include <EGL/egl.h>
@@ -90,22 +91,10 @@ HeadlessGLContext::HeadlessGLContext(int width, int height) : width_(width), hei
         fail("eglMakeCurrent failed");
         return;
     }
-    glewExperimental = GL_TRUE;
-    GLenum glewResult = glewInit();
-    // GLEW looks for a GLX display first; on an EGL context it reports that as an error although
-    // every entry point has been loaded.
-    if (glewResult != GLEW_OK && glewResult != 4 /* GLEW_ERROR_NO_GLX_DISPLAY */) {
-        fail(std::string("glewInit failed: ") +
-             reinterpret_cast<const char*>(glewGetErrorString(glewResult)));
+    std::string why;
+    if (!GraphicsBase::LoadGL(&why)) {
+        fail(why);
         return;
-    }
-    if (!glGenFramebuffers) {
-        fail("GL entry points are missing after glewInit");
-        return;
-    }
-    // glewInit may leave GL_INVALID_ENUM behind on core profiles; clear it so it is not blamed on
-    // the first caller.
-    while (glGetError() != GL_NO_ERROR) {
     }
     glViewport(0, 0, width, height);
     valid_ = true;

@@ -6,8 +6,8 @@
 #include <string>
 
 /// Creates a width x height OpenGL 3.3 (or newer, compatible) core-profile context through EGL's
-/// surfaceless platform, with a pbuffer as the default framebuffer, and makes it current. GLEW is
-/// initialised for it. Check Valid(); Error() says why creation failed.
+/// surfaceless platform, with a pbuffer as the default framebuffer, and makes it current. The GL
+/// entry points are loaded for it. Check Valid(); Error() says why creation failed.
 class GRAPHICSBASE_EXPORT HeadlessGLContext {
 public:
     HeadlessGLContext(int width, int height);

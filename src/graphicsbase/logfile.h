@@ -8,8 +8,15 @@
 #include <map>
 #include <string>
 
-/// Log levels used by callers: 2 for warnings, 5 for information.
-enum LogLevel { LOG_ERROR = 1, LOG_WARNING = 2, LOG_NOTICE = 3, LOG_DEBUG = 4, LOG_INFO = 5 };
+/// Levels AddLine takes, as plain ints: 2 for warnings, 5 for information. Scoped rather than
+/// LOG_-prefixed, because <syslog.h> defines macros of those names and hosts include both.
+namespace LogLevel {
+inline constexpr int Error = 1;
+inline constexpr int Warning = 2;
+inline constexpr int Notice = 3;
+inline constexpr int Debug = 4;
+inline constexpr int Info = 5;
+} // namespace LogLevel
 
 /// Singleton log. Writes to a file when enabled, echoes to standard output when echo is on, and hands
 /// every line to registered observers (tests capture lines that way).

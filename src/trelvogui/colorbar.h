@@ -3,8 +3,6 @@
 
 #include <trelvogui/gui/controlbase.h>
 
-#include <GL/glew.h>
-
 #include <vector>
 
 class GLSLProgram;
@@ -42,11 +40,11 @@ public:
 
     bool IsInitialized() const { return initialized_; }
     /// The current 1D texture; 0 before the first UpdateColorMap.
-    GLuint ColorTextureName() const { return colorTexture_; }
+    unsigned int ColorTextureName() const { return colorTexture_; }
 
 private:
     bool initialized_ = false;
-    GLuint colorTexture_ = 0;
+    unsigned int colorTexture_ = 0;
     GLSLProgram* program_ = nullptr;
     GLVertexBuffer* vertexBuffer_ = nullptr;
 };

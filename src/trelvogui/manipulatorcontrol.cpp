@@ -36,7 +36,8 @@ ManipulatorControl::~ManipulatorControl() = default;
 
 bool ManipulatorControl::Initialize() {
     if (!camera_) {
-        LogFile::Instance().AddLine(LOG_WARNING, "ManipulatorControl::Initialize(): No camera was given.\n");
+        LogFile::Instance().AddLine(LogLevel::Warning,
+                                    "ManipulatorControl::Initialize(): No camera was given.\n");
         return false;
     }
     if (!renderer_->Initialize())
@@ -111,7 +112,7 @@ void ManipulatorControl::enableScaling(bool x, bool y, bool z) {
 void ManipulatorControl::setRotationIncrement(float radians) {
     // A zero, negative or non-finite step would make every snapped angle 0 or NaN.
     if (!(radians > 0.f) || !std::isfinite(radians)) {
-        LogFile::Instance().AddLine(LOG_WARNING,
+        LogFile::Instance().AddLine(LogLevel::Warning,
                                     "ManipulatorControl::setRotationIncrement(): %g is not a usable step.\n",
                                     static_cast<double>(radians));
         return;
@@ -429,7 +430,7 @@ DrawFlags ManipulatorControl::processTransformation() {
     boost::optional<DrawFlags> result = transformationSignal();
     if (!result) {
         if (!refusalLogged_)
-            LogFile::Instance().AddLine(LOG_WARNING,
+            LogFile::Instance().AddLine(LogLevel::Warning,
                                         "ManipulatorControl::processTransformation(): No slot is "
                                         "connected to transformationSignal; the change is not "
                                         "reported.\n");

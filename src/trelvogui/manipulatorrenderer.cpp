@@ -13,6 +13,8 @@
 #include <glm/gtc/matrix_transform.hpp>
 #include <glm/gtc/type_ptr.hpp>
 
+#include <GL/glew.h>
+
 #include <cmath>
 #include <vector>
 
@@ -30,7 +32,7 @@ using GUI::Renderer::detail::UniformLocationQuiet;
 GLint LoggedLocation(GLuint program, const char* name, const char* reported) {
     GLint location = UniformLocationQuiet(program, name);
     if (location == -1)
-        LogFile::Instance().AddLine(LOG_DEBUG, "Could not get index for %s\n", reported);
+        LogFile::Instance().AddLine(LogLevel::Debug, "Could not get index for %s\n", reported);
     return location;
 }
 

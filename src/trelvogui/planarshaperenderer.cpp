@@ -11,6 +11,8 @@
 #include <glm/gtc/matrix_transform.hpp>
 #include <glm/gtc/type_ptr.hpp>
 
+#include <GL/glew.h>
+
 #include <cmath>
 #include <cstdio>
 #include <vector>

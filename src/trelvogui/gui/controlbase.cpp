@@ -280,20 +280,20 @@ void Base::markStale() {
 
 bool Base::AddChild(Base* child) {
     if (!child) {
-        LogFile::Instance().AddLine(LOG_WARNING, "Base::AddChild(): The control is null.\n");
+        LogFile::Instance().AddLine(LogLevel::Warning, "Base::AddChild(): The control is null.\n");
         return false;
     }
     if (isSelfOrAncestor(child)) {
-        LogFile::Instance().AddLine(LOG_WARNING,
+        LogFile::Instance().AddLine(LogLevel::Warning,
                                     "Base::AddChild(): A control cannot be its own child or descendant.\n");
         return false;
     }
     if (IsChild(child)) {
-        LogFile::Instance().AddLine(LOG_WARNING, "The control is already a child of this control\n");
+        LogFile::Instance().AddLine(LogLevel::Warning, "The control is already a child of this control\n");
         return false;
     }
     if (child->HasParent()) {
-        LogFile::Instance().AddLine(LOG_WARNING, "The control is already a child of another control\n");
+        LogFile::Instance().AddLine(LogLevel::Warning, "The control is already a child of another control\n");
         return false;
     }
     // The subtree joins this control's manager; under an unregistered parent it is no longer a root of
@@ -311,12 +311,12 @@ bool Base::AddChild(Base* child) {
 
 bool Base::RemoveChild(Base* child) {
     if (!child) {
-        LogFile::Instance().AddLine(LOG_WARNING, "Base::RemoveChild(): The control is null.\n");
+        LogFile::Instance().AddLine(LogLevel::Warning, "Base::RemoveChild(): The control is null.\n");
         return false;
     }
     auto it = std::find(children_.begin(), children_.end(), child);
     if (it == children_.end()) {
-        LogFile::Instance().AddLine(LOG_WARNING,
+        LogFile::Instance().AddLine(LogLevel::Warning,
                                     "Could not remove child control which is not among the children.\n");
         return false;
     }
@@ -562,7 +562,7 @@ void Base::SetMargins(GUI::Geometry::Margin m) {
 
 bool Base::Register(std::shared_ptr<GUI::GUIManager> manager) {
     if (!manager) {
-        LogFile::Instance().AddLine(LOG_WARNING, "Base::Register(): The manager is null.\n");
+        LogFile::Instance().AddLine(LogLevel::Warning, "Base::Register(): The manager is null.\n");
         return false;
     }
     if (registered_ && manager_ == manager)

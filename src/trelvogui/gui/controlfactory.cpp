@@ -14,7 +14,7 @@ bool Factory::AddControl(GUI::Controls::Base* control) {
     // The same control, not merely the same id: a control that comes from another registry still
     // carries the id it had there.
     if (Find(control->GetId()) == control) {
-        LogFile::Instance().AddLine(LOG_WARNING, "Control already exists in the GUI.\n");
+        LogFile::Instance().AddLine(LogLevel::Warning, "Control already exists in the GUI.\n");
         return false;
     }
     ++counter_;

@@ -39,7 +39,7 @@ void GUIInputManager::Reset() {
 
 void GUIInputManager::warnIfShared(int id) {
     if (handlers_.count(id) > 1)
-        LogFile::Instance().AddLine(LOG_WARNING, "More than one screen handler sharing ID: %d\n", id);
+        LogFile::Instance().AddLine(LogLevel::Warning, "More than one screen handler sharing ID: %d\n", id);
 }
 
 void GUIInputManager::ClearInputHandlers() {
@@ -55,14 +55,14 @@ void GUIInputManager::forget(InputHandler* handler) {
 
 unsigned int GUIInputManager::addScreenHandler(InputHandler* handler) {
     if (!handler) {
-        LogFile::Instance().AddLine(LOG_WARNING,
+        LogFile::Instance().AddLine(LogLevel::Warning,
                                     "GUIInputManager::addScreenHandler(): The handler is null.\n");
         return 0;
     }
     for (auto& entry : handlers_)
         if (entry.second == handler) {
             LogFile::Instance().AddLine(
-                LOG_WARNING,
+                LogLevel::Warning,
                 "GUIInputManager::addScreenHandler(): The handler is already registered "
                 "as %d.\n",
                 entry.first);
@@ -83,7 +83,7 @@ InputHandler* GUIInputManager::removeScreenHandler(int id) {
     auto it = handlers_.find(id);
     if (it == handlers_.end())
         return nullptr;
-    LogFile::Instance().AddLine(LOG_INFO, "Removing screen handler %d\n", id);
+    LogFile::Instance().AddLine(LogLevel::Info, "Removing screen handler %d\n", id);
     InputHandler* handler = it->second;
     handlers_.erase(it);
     handler->RemoveRemovalObserver(this);

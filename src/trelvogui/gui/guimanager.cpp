@@ -9,13 +9,17 @@
 #include <trelvogui/gui/textureatlas.h>
 
 #include <graphicsbase/glerror.h>
+#include <graphicsbase/glloader.h>
 #include <graphicsbase/glscopedbindings.h>
 #include <graphicsbase/glscopedsetter.h>
 #include <graphicsbase/glslprogram.h>
 #include <graphicsbase/logfile.h>
 
+#include <GL/glew.h>
+
 #include <algorithm>
 #include <cstdio>
+#include <string>
 
 namespace GUI {
 namespace {
@@ -47,6 +51,13 @@ GUIManager::~GUIManager() {
 }
 
 bool GUIManager::Initialize() {
+    // Loading the GL entry points here means a host needs no loader of its own; without a current
+    // context there is nothing to load into, and nothing below could run.
+    std::string why;
+    if (!GraphicsBase::LoadGL(&why)) {
+        LogFile::Instance().AddLine(LogLevel::Warning, "GUIManager::Initialize(): %s\n", why.c_str());
+        return false;
+    }
     delete atlas_;
     atlas_ = nullptr;
     delete renderer_;
@@ -150,7 +161,7 @@ void GUIManager::Resize(int width, int height) {
     height = std::max(height, 0);
     if (renderer_ && (width > maxLayerSize_ || height > maxLayerSize_)) {
         LogFile::Instance().AddLine(
-            LOG_WARNING,
+            LogLevel::Warning,
             "GUIManager::Resize(): %d x %d exceeds the context's limit of %d; the layers are "
             "clamped.\n",
             width, height, maxLayerSize_);
@@ -160,7 +171,7 @@ void GUIManager::Resize(int width, int height) {
     // The layers hold 24 bytes a pixel; far past any display, memory runs out before the side limit.
     if (static_cast<long long>(width) * height > kMaxLayerPixels) {
         LogFile::Instance().AddLine(
-            LOG_WARNING,
+            LogLevel::Warning,
             "GUIManager::Resize(): %d x %d exceeds the budget of %lld layer pixels; the "
             "height is clamped.\n",
             width, height, kMaxLayerPixels);
@@ -313,7 +324,7 @@ void GUIManager::UpdateLayers() {
     glBindFramebuffer(GL_FRAMEBUFFER, layerFramebuffer_);
     GB_CHECK_GL(kFile);
     if (glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE)
-        LogFile::Instance().AddLine(LOG_WARNING,
+        LogFile::Instance().AddLine(LogLevel::Warning,
                                     "GUIManager::UpdateLayers(): There is a problem with the FBO\n");
     GB_CHECK_GL(kFile);
     glViewport(0, 0, width_, height_);
@@ -518,19 +529,20 @@ bool GUIManager::HitDetect(int x, int y, unsigned int* pid, unsigned int* sid) {
 
 bool GUIManager::AddAnimation(GUI::Animation::Sequence* sequence) {
     if (!sequence) {
-        LogFile::Instance().AddLine(LOG_WARNING, "GUIManager::AddAnimation(): The sequence is null.\n");
+        LogFile::Instance().AddLine(LogLevel::Warning, "GUIManager::AddAnimation(): The sequence is null.\n");
         return false;
     }
     if (std::find(animations_.begin(), animations_.end(), sequence) != animations_.end()) {
-        LogFile::Instance().AddLine(LOG_WARNING,
+        LogFile::Instance().AddLine(LogLevel::Warning,
                                     "GUIManager::AddAnimation(): The sequence is already running.\n");
         return false;
     }
     // Only a control of this registry is sure to cancel its sequences when it is destroyed.
     GUI::Controls::Base* control = sequence->GetControl();
     if (!control || Find(control->GetId()) != control) {
-        LogFile::Instance().AddLine(LOG_WARNING, "GUIManager::AddAnimation(): The sequence's control is not "
-                                                 "registered with this manager; the sequence is refused.\n");
+        LogFile::Instance().AddLine(LogLevel::Warning,
+                                    "GUIManager::AddAnimation(): The sequence's control is not "
+                                    "registered with this manager; the sequence is refused.\n");
         return false;
     }
     animations_.push_back(sequence);
@@ -627,8 +639,9 @@ DrawFlags GUIManager::mouseReleaseEvent(VX_UI::MouseEvent* e) {
     if ((pointer_.buttons & VX_UI::BUTTON_LEFT) && pointer_.pid != 0 && Contains(pointer_.pid)) {
         const unsigned int pressed = pointer_.pid;
         GUI::Event event = controlEvent(pointer_);
-        // Strictly more than 200 ms after the press is a plain release; exactly 200 is still a click.
-        if (GUI::Clock::Ticks() > pressTime_ + 200) {
+        // Strictly more than the click window after the press is a plain release; a release exactly
+        // at its end is still a click.
+        if (GUI::Clock::Ticks() > pressTime_ + clickWindow_) {
             result = Find(pressed)->OnMouseUp(&event);
         } else {
             result = Find(pressed)->OnClick(&event);
@@ -651,7 +664,7 @@ DrawFlags GUIManager::mouseReleaseEvent(VX_UI::MouseEvent* e) {
 
 bool GUIManager::AddControl(GUI::Controls::Base* control) {
     if (!control) {
-        LogFile::Instance().AddLine(LOG_WARNING, "GUIManager::AddControl(): The control is null.\n");
+        LogFile::Instance().AddLine(LogLevel::Warning, "GUIManager::AddControl(): The control is null.\n");
         return false;
     }
     control->SetManagerRedrawFlag(&needsRedraw_);
@@ -661,7 +674,7 @@ bool GUIManager::AddControl(GUI::Controls::Base* control) {
 
 bool GUIManager::RemoveControl(GUI::Controls::Base* control) {
     if (!control) {
-        LogFile::Instance().AddLine(LOG_WARNING, "GUIManager::RemoveControl(): The control is null.\n");
+        LogFile::Instance().AddLine(LogLevel::Warning, "GUIManager::RemoveControl(): The control is null.\n");
         return false;
     }
     ClearAnimationOnControl(control);

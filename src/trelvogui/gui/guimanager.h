@@ -11,8 +11,6 @@
 
 #include <boost/signals2/signal.hpp>
 
-#include <GL/glew.h>
-
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -48,8 +46,10 @@ public:
     explicit GUIManager(GUI::Renderer::Type type = GUI::Renderer::OpenGL);
     ~GUIManager() override;
 
-    /// Creates the OpenGL renderer, the skin atlas with the built-in control set and the composite
-    /// program. False when the renderer or the atlas cannot be initialised.
+    /// Loads the GL entry points it needs (the host need not), then creates the OpenGL renderer, the
+    /// skin atlas with the built-in control set and the composite program. False, with a message,
+    /// when no OpenGL 3.3 context is current, or when the renderer or the atlas cannot be
+    /// initialised.
     virtual bool Initialize();
     /// Builds the composite program and quad (again after SetUpsideDown).
     virtual bool InitializeRenderer();
@@ -86,6 +86,10 @@ public:
     /// Mirrors the composite's texture coordinates vertically (rebuilds the quad).
     void SetUpsideDown(bool upsideDown);
     bool GetUpsideDown() const { return upsideDown_; }
+    /// A release at most this many milliseconds after the press is a click (default 200). Hosts
+    /// whose users hold presses longer, as on touchpads, raise it.
+    void SetClickWindow(uint64_t milliseconds) { clickWindow_ = milliseconds; }
+    uint64_t GetClickWindow() const { return clickWindow_; }
 
     /// Gives the control the redraw flag, marks it stale and registers it (assigning its id).
     bool AddControl(GUI::Controls::Base* control) override;
@@ -114,9 +118,9 @@ public:
     int32_t GetLayerUpdateTime() const { return layerUpdateTime_; }
     int32_t GetLayerUpdateCount() const { return layerUpdateCount_; }
     /// The layer textures (for hosts that composite themselves, and for inspection).
-    GLuint GetColorLayer() const { return colorLayer_; }
-    GLuint GetIdLayer() const { return idLayer_; }
-    GLuint GetLayerFramebuffer() const { return layerFramebuffer_; }
+    unsigned int GetColorLayer() const { return colorLayer_; }
+    unsigned int GetIdLayer() const { return idLayer_; }
+    unsigned int GetLayerFramebuffer() const { return layerFramebuffer_; }
 
 private:
     void deleteLayers();
@@ -132,15 +136,16 @@ private:
     GUI::Renderer::Base* renderer_ = nullptr;
     GUI::Texture::Atlas* atlas_ = nullptr;
     std::unique_ptr<GLSLProgram> compositeProgram_;
-    GLuint layerFramebuffer_ = 0;
-    GLuint pickFramebuffer_ = 0;
-    GLuint colorLayer_ = 0;
-    GLuint idLayer_ = 0;
-    GLuint depthLayer_ = 0;
-    GLuint quadVertexArray_ = 0;
-    GLuint quadVertexBuffer_ = 0;
+    unsigned int layerFramebuffer_ = 0;
+    unsigned int pickFramebuffer_ = 0;
+    unsigned int colorLayer_ = 0;
+    unsigned int idLayer_ = 0;
+    unsigned int depthLayer_ = 0;
+    unsigned int quadVertexArray_ = 0;
+    unsigned int quadVertexBuffer_ = 0;
     VX_UI::MouseEvent pointer_;
     uint64_t pressTime_ = 0;
+    uint64_t clickWindow_ = 200;
     int width_ = 100;
     int height_ = 100;
     bool needsRedraw_ = false;

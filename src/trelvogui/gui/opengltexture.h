@@ -4,8 +4,6 @@
 #include <trelvogui/gui/texture.h>
 #include <trelvogui/trelvogui_export.h>
 
-#include <GL/glew.h>
-
 namespace GUI::Texture {
 
 /// Created by OpenglRenderer::GenerateTexture. Storage per format: 0 GL_RGBA (RGBA8), 1 GL_RGBA32UI,
@@ -30,12 +28,12 @@ public:
     /// Binds to GL_TEXTURE_2D of the active unit; false without a GL name.
     bool Bind() override;
 
-    GLuint GetTextureName() const { return name_; }
+    unsigned int GetTextureName() const { return name_; }
 
 private:
     void defineLevel(const void* pixels);
 
-    GLuint name_ = 0;
+    unsigned int name_ = 0;
 };
 
 } // namespace GUI::Texture

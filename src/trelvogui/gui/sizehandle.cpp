@@ -53,7 +53,7 @@ DrawFlags SizeHandle::OnMouseDrag(GUI::Event* e, int, int) {
     }
     if (width > maxWidth || height > maxHeight) {
         LogFile::Instance().AddLine(
-            LOG_WARNING,
+            LogLevel::Warning,
             "SizeHandle::OnMouseDrag(): %d x %d is more than the view allows (%d x %d); the "
             "size is clamped.\n",
             width, height, maxWidth, maxHeight);

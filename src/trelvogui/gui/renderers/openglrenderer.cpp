@@ -16,6 +16,8 @@
 #include <glm/gtc/quaternion.hpp>
 #include <glm/gtc/type_ptr.hpp>
 
+#include <GL/glew.h>
+
 #include <cmath>
 #include <cstdio>
 

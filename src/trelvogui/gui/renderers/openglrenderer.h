@@ -5,7 +5,6 @@
 #include <trelvogui/gui/renderers/renderer.h>
 #include <trelvogui/trelvogui_export.h>
 
-#include <GL/glew.h>
 #include <glm/glm.hpp>
 
 #include <memory>
@@ -111,7 +110,7 @@ public:
     GUI::Color LineColor() const { return lineColor_; }
     unsigned int PrimaryId() const { return primaryId_; }
     unsigned int SubId() const { return subId_; }
-    GLuint FrameBuffer() const { return frameBuffer_; }
+    unsigned int FrameBuffer() const { return frameBuffer_; }
 
 private:
     /// Binds a cached layer pair as the target: the whole of it, reallocated and cleared, or with
@@ -124,9 +123,9 @@ private:
     void SetSamplerDefaults();
     void UploadProjection(GLSLProgram& program, const float* matrix);
     /// The current ids as uniforms `pid` and `sid` of the bound program.
-    void SetIdUniforms(GLuint program);
+    void SetIdUniforms(unsigned int program);
     /// Places the unit geometry on the rectangle (`bboxMin`, `bboxDim`).
-    void SetPlacement(GLuint program, GUI::Geometry::Rectangle const& r);
+    void SetPlacement(unsigned int program, GUI::Geometry::Rectangle const& r);
 
     unsigned int screenWidth_ = 0;
     unsigned int screenHeight_ = 0;
@@ -137,7 +136,7 @@ private:
     bool initialized_ = false;
     bool targetReady_ = false;
     bool targetScissored_ = false;
-    GLuint frameBuffer_ = 0;
+    unsigned int frameBuffer_ = 0;
     std::unique_ptr<GLVertexBuffer> circleBuffer_;
     std::unique_ptr<GLVertexBuffer> quadBuffer_;
     std::unique_ptr<GLVertexBuffer> centeredQuadBuffer_;

@@ -2,6 +2,8 @@
 
 #include <graphicsbase/glerror.h>
 
+#include <GL/glew.h>
+
 #include <cstdio>
 
 namespace GUI::Renderer::detail {
