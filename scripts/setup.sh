@@ -9,6 +9,7 @@ packages=(
     libegl-dev libegl-mesa0 libgl1-mesa-dri libgl-dev
     libgtest-dev libbenchmark-dev
     libglfw3-dev xvfb xauth
+    clang # the fuzz preset (libFuzzer)
 )
 
 missing=()
