@@ -418,7 +418,7 @@ TEST_F(LifetimeTest, SeededInputSoakKeepsEveryInvariant) {
         if (i % 40 == 0) {
             manager->UpdateLayers();
             unsigned pid = 99, sid = 99;
-            manager->HitDetect(x, height - y, &pid, &sid);
+            manager->HitDetect(x, GUI::Geometry::SubSaturated(height, y), &pid, &sid);
             ASSERT_TRUE(pid == 0 || manager->Contains(pid))
                 << "event " << i << " picked an unknown id " << pid;
         }

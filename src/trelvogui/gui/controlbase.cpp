@@ -373,9 +373,11 @@ void Base::CalcGlobalPosition() {
     } else {
         GUI::Geometry::Point p = parent_->GlobalPosition();
         GUI::Geometry::Margin& pm = parent_->GetMargins();
-        globalFrame_ = {pm.left + p.x, pm.bottom + p.y};
+        globalFrame_ = {GUI::Geometry::ClampCoordinate(int64_t{pm.left} + p.x),
+                        GUI::Geometry::ClampCoordinate(int64_t{pm.bottom} + p.y)};
         globalRectangle_ = rectangle_;
         globalRectangle_.Shift(globalFrame_.x, globalFrame_.y);
+        globalRectangle_ = globalRectangle_.Clamped();
         globalPosition_ = {globalRectangle_.xMin, globalRectangle_.yMin};
     }
     center_ = globalRectangle_.Center();
@@ -418,7 +420,9 @@ void Base::CalcBoundingBox(GUI::Texture::Atlas* atlas) {
 void Base::SetPosition(int x, int y) {
     int w = rectangle_.Width();
     int h = rectangle_.Height();
-    rectangle_ = {x, x + w, y, y + h};
+    rectangle_ =
+        GUI::Geometry::Rectangle{x, GUI::Geometry::AddSaturated(x, w), y, GUI::Geometry::AddSaturated(y, h)}
+            .Clamped();
     CalcGlobalPosition();
     SetNeedsRedraw(true);
 }
@@ -429,7 +433,7 @@ void Base::SetMinSize(int w, int h) {
 }
 
 void Base::SetRectangle(GUI::Geometry::Rectangle r) {
-    rectangle_ = r;
+    rectangle_ = r.Clamped();
     CalcGlobalPosition();
     SetNeedsRedraw(true);
     // Last: a handler may delete this control.
@@ -438,6 +442,7 @@ void Base::SetRectangle(GUI::Geometry::Rectangle r) {
 
 void Base::Translate(int dx, int dy) {
     rectangle_.Shift(dx, dy);
+    rectangle_ = rectangle_.Clamped();
     CalcGlobalPosition();
     SetNeedsRedraw(true);
 }
@@ -477,7 +482,9 @@ void Base::SetVerticalSizingPolicy(GUI::Policy::Sizing p) {
 }
 
 void Base::SetMargins(GUI::Geometry::Margin m) {
-    margins_ = m;
+    using GUI::Geometry::ClampCoordinate;
+    margins_ = {ClampCoordinate(m.left), ClampCoordinate(m.right), ClampCoordinate(m.bottom),
+                ClampCoordinate(m.top)};
     SetNeedsRedraw(true);
 }
 

@@ -15,6 +15,15 @@ constexpr int32_t Saturate(int64_t v) {
                                                      : static_cast<int32_t>(v);
 }
 
+/// Control geometry stays within +-2^24 pixels, far beyond any view, so that adding skin borders,
+/// margins and parents' offsets to it can never overflow.
+constexpr int32_t kCoordinateLimit = 1 << 24;
+constexpr int32_t ClampCoordinate(int64_t v) {
+    return v > kCoordinateLimit    ? kCoordinateLimit
+           : v < -kCoordinateLimit ? -kCoordinateLimit
+                                   : static_cast<int32_t>(v);
+}
+
 /// a + b and a - b, saturated.
 constexpr int32_t AddSaturated(int32_t a, int32_t b) {
     return Saturate(int64_t{a} + b);
@@ -61,6 +70,10 @@ struct Rectangle {
             xMax = o.xMax;
         if (o.yMax > yMax)
             yMax = o.yMax;
+    }
+    /// Every bound clamped into +-kCoordinateLimit.
+    Rectangle Clamped() const {
+        return {ClampCoordinate(xMin), ClampCoordinate(xMax), ClampCoordinate(yMin), ClampCoordinate(yMax)};
     }
     bool operator==(const Rectangle& o) const {
         return xMin == o.xMin && xMax == o.xMax && yMin == o.yMin && yMax == o.yMax;

@@ -43,6 +43,7 @@ GUIManager::~GUIManager() {
     compositeProgram_.reset();
     deleteCompositeQuad();
     deleteLayers();
+    deleteLayersFence();
 }
 
 bool GUIManager::Initialize() {
@@ -358,21 +359,76 @@ void GUIManager::UpdateLayers() {
         if (strict) {
             glFinish();
             GB_CHECK_GL(kFile);
+        } else {
+            // Nothing waits here; the first pick after this update waits for it instead. (Reading
+            // the id layer through the pick framebuffer is not ordered after drawing into it through
+            // the layer framebuffer on every driver.)
+            deleteLayersFence();
+            layersFence_ = glFenceSync(GL_SYNC_GPU_COMMANDS_COMPLETE, 0);
+            GB_CHECK_GL(kFile);
         }
         glBindFramebuffer(GL_FRAMEBUFFER, 0);
         GB_CHECK_GL(kFile);
     }
     updating_ = false;
+    updateCompositeBounds();
     needsRedraw_ = !animations_.empty();
     layerUpdateTime_ += static_cast<int32_t>(GUI::Clock::Ticks() - t0);
     ++layerUpdateCount_;
 }
 
+void GUIManager::updateCompositeBounds() {
+    // Cached layers tell exactly where they land; anything else a root draws (a label, a 3D widget)
+    // may cover the whole view.
+    compositeBounds_ = {0, 0, 0, 0};
+    compositeWhole_ = false;
+    bool any = false;
+    for (GUI::Controls::Base* control : Controls()) {
+        if (control->HasParent() || !control->Visible())
+            continue;
+        if (!control->Animatable()) {
+            compositeWhole_ = true;
+            return;
+        }
+        GUI::Geometry::Rectangle footprint = GUI::Renderer::OpenglRenderer::CachedLayerFootprint(
+            *control->GetLocalFrameAnimation(), control->GetRenderRectangle(), control->Center());
+        if (!any)
+            compositeBounds_ = footprint;
+        else
+            compositeBounds_.Include(footprint);
+        any = true;
+    }
+}
+
 void GUIManager::Draw() {
     if (!compositeProgram_ || !colorLayer_)
         return;
+    // Only what the overlay holds is composited: where the layer is empty the blend would change
+    // nothing, and on a software rasteriser every covered pixel costs.
+    const GUI::Geometry::Rectangle view{0, width_, 0, height_};
+    GUI::Geometry::Rectangle area = view;
+    if (!compositeWhole_) {
+        GUI::Geometry::Rectangle b = compositeBounds_;
+        if (upsideDown_) // the composite mirrors the layer vertically
+            b = {b.xMin, b.xMax, height_ - b.yMax, height_ - b.yMin};
+        area = {std::max(b.xMin, 0), std::min(b.xMax, width_), std::max(b.yMin, 0),
+                std::min(b.yMax, height_)};
+        if (area.Width() <= 0 || area.Height() <= 0)
+            return;
+    }
+    const bool scissored = area != view;
+    GLint hostScissor[4] = {0, 0, 0, 0};
+    if (scissored) {
+        glGetIntegerv(GL_SCISSOR_BOX, hostScissor);
+        GB_CHECK_GL(kFile);
+    }
     GL::GLScopedSetter state(GL::Disable{GL_DEPTH_TEST}, GL::Enable{GL_BLEND},
                              GL::BlendFunc{GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA});
+    if (scissored) {
+        state.Apply(GL::Enable{GL_SCISSOR_TEST});
+        glScissor(area.xMin, area.yMin, area.Width(), area.Height());
+        GB_CHECK_GL(kFile);
+    }
     GL::GLScopedBindings hostBindings;
     compositeProgram_->begin();
     GLuint program = compositeProgram_->getProgram();
@@ -405,6 +461,28 @@ void GUIManager::Draw() {
     glBindVertexArray(0);
     GB_CHECK_GL(kFile);
     compositeProgram_->end();
+    if (scissored) {
+        glScissor(hostScissor[0], hostScissor[1], hostScissor[2], hostScissor[3]);
+        GB_CHECK_GL(kFile);
+    }
+}
+
+void GUIManager::deleteLayersFence() {
+    if (layersFence_) {
+        glDeleteSync(static_cast<GLsync>(layersFence_));
+        GB_CHECK_GL(kFile);
+        layersFence_ = nullptr;
+    }
+}
+
+void GUIManager::waitForLayers() {
+    if (!layersFence_)
+        return;
+    // Long enough for any real update; a lost context or a hung driver must not hang the host.
+    constexpr GLuint64 kTimeout = 5'000'000'000ull;
+    glClientWaitSync(static_cast<GLsync>(layersFence_), GL_SYNC_FLUSH_COMMANDS_BIT, kTimeout);
+    GB_CHECK_GL(kFile);
+    deleteLayersFence();
 }
 
 bool GUIManager::HitDetect(int x, int y, unsigned int* pid, unsigned int* sid) {
@@ -425,6 +503,7 @@ bool GUIManager::HitDetect(int x, int y, unsigned int* pid, unsigned int* sid) {
     glBindFramebuffer(GL_READ_FRAMEBUFFER, pickFramebuffer_);
     GB_CHECK_GL(kFile);
     GLuint texel[4] = {0, 0, 0, 0};
+    waitForLayers();
     glReadPixels(x, y, 1, 1, GL_RGBA_INTEGER, GL_UNSIGNED_INT, texel);
     GB_CHECK_GL(kFile);
     glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(previous));

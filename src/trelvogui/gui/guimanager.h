@@ -2,6 +2,7 @@
 // One overlay: renderer, skin atlas, control registry, animations and the off-screen layers.
 
 #include <trelvogui/gui/controlfactory.h>
+#include <trelvogui/gui/geometry.h>
 #include <trelvogui/gui/guitypes.h>
 #include <trelvogui/trelvogui_export.h>
 
@@ -115,6 +116,11 @@ public:
 
 private:
     void deleteLayers();
+    void deleteLayersFence();
+    /// Where the composite can show anything, from the roots drawn by the last update.
+    void updateCompositeBounds();
+    /// Blocks until the last fast layer update has landed (before reading the id layer back).
+    void waitForLayers();
     void deleteCompositeQuad();
     GUI::Controls::Base* addressed(unsigned int id) { return Contains(id) ? Find(id) : nullptr; }
 
@@ -143,6 +149,10 @@ private:
     int32_t layerUpdateCount_ = 0;
     bool explicitGammaCorrection_ = false;
     bool strictSynchronisation_ = false;
+    // A GLsync, kept opaque here so that the header needs no sync types.
+    void* layersFence_ = nullptr;
+    GUI::Geometry::Rectangle compositeBounds_;
+    bool compositeWhole_ = true;
 };
 
 } // namespace GUI

@@ -422,6 +422,46 @@ void OpenglRenderer::ClearRenderTargetToTexture() {
     GB_CHECK_GL(kTag);
 }
 
+glm::mat4 OpenglRenderer::CachedLayerTransform(const GUI::Animation::Frame& frame,
+                                               const GUI::Geometry::Rectangle& rectangle,
+                                               const GUI::Geometry::Point& pivot) {
+    float w = static_cast<float>(rectangle.Width());
+    float h = static_cast<float>(rectangle.Height());
+    glm::vec3 center((static_cast<float>(rectangle.xMin) + static_cast<float>(rectangle.xMax)) * 0.5f,
+                     (static_cast<float>(rectangle.yMin) + static_cast<float>(rectangle.yMax)) * 0.5f, 0.f);
+    glm::vec3 p(static_cast<float>(pivot.x), static_cast<float>(pivot.y), 0.f);
+
+    // Rotation and scale act about the pivot; the frame's position then moves the whole layer.
+    glm::mat4 modelView = glm::translate(glm::mat4(1.f), p);
+    modelView = glm::translate(modelView, frame.getPosition());
+    modelView = modelView * glm::mat4_cast(frame.getOrientation());
+    modelView = glm::scale(modelView, frame.getScale());
+    modelView = glm::translate(modelView, center - p);
+    return glm::scale(modelView, glm::vec3(w, h, 1.f));
+}
+
+GUI::Geometry::Rectangle OpenglRenderer::CachedLayerFootprint(const GUI::Animation::Frame& frame,
+                                                              const GUI::Geometry::Rectangle& rectangle,
+                                                              const GUI::Geometry::Point& pivot) {
+    const glm::mat4 m = CachedLayerTransform(frame, rectangle, pivot);
+    float x0 = 1e30f, x1 = -1e30f, y0 = 1e30f, y1 = -1e30f;
+    // The quad spans -0.5..0.5 before the transform.
+    for (glm::vec2 corner :
+         {glm::vec2(-0.5f, -0.5f), glm::vec2(0.5f, -0.5f), glm::vec2(0.5f, 0.5f), glm::vec2(-0.5f, 0.5f)}) {
+        glm::vec4 q = m * glm::vec4(corner, 0.f, 1.f);
+        x0 = std::min(x0, q.x);
+        x1 = std::max(x1, q.x);
+        y0 = std::min(y0, q.y);
+        y1 = std::max(y1, q.y);
+    }
+    // A pixel of margin for rasterisation at the edges; clamped so that no bound overflows.
+    using GUI::Geometry::ClampCoordinate;
+    return {ClampCoordinate(static_cast<int64_t>(std::floor(std::max(x0, -3e7f))) - 1),
+            ClampCoordinate(static_cast<int64_t>(std::ceil(std::min(x1, 3e7f))) + 1),
+            ClampCoordinate(static_cast<int64_t>(std::floor(std::max(y0, -3e7f))) - 1),
+            ClampCoordinate(static_cast<int64_t>(std::ceil(std::min(y1, 3e7f))) + 1)};
+}
+
 void OpenglRenderer::RenderTexture(GUI::Texture::Base* color, GUI::Texture::Base* ids,
                                    GUI::Animation::Frame* frame, GUI::Geometry::Rectangle* rectangle,
                                    GUI::Geometry::Point* pivot) {
@@ -429,19 +469,7 @@ void OpenglRenderer::RenderTexture(GUI::Texture::Base* color, GUI::Texture::Base
     if (cachedProgram_ == nullptr || centeredQuadBuffer_ == nullptr || !color || !ids || NameOf(color) == 0 ||
         NameOf(ids) == 0)
         return;
-    float w = static_cast<float>(rectangle->xMax - rectangle->xMin);
-    float h = static_cast<float>(rectangle->yMax - rectangle->yMin);
-    glm::vec3 center((rectangle->xMin + rectangle->xMax) * 0.5f, (rectangle->yMin + rectangle->yMax) * 0.5f,
-                     0.f);
-    glm::vec3 p(static_cast<float>(pivot->x), static_cast<float>(pivot->y), 0.f);
-
-    // Rotation and scale act about the pivot; the frame's position then moves the whole layer.
-    glm::mat4 modelView = glm::translate(glm::mat4(1.f), p);
-    modelView = glm::translate(modelView, frame->getPosition());
-    modelView = modelView * glm::mat4_cast(frame->getOrientation());
-    modelView = glm::scale(modelView, frame->getScale());
-    modelView = glm::translate(modelView, center - p);
-    modelView = glm::scale(modelView, glm::vec3(w, h, 1.f));
+    const glm::mat4 modelView = CachedLayerTransform(*frame, *rectangle, *pivot);
 
     glDisable(GL_BLEND);
     GB_CHECK_GL(kTag);
@@ -468,7 +496,7 @@ void OpenglRenderer::RenderTexture(GUI::Texture::Base* color, GUI::Texture::Base
     if (ids->Bind())
         UseNearestFilter();
 
-    detail::TargetBarrier();
+    detail::TargetBarrierFor(CachedLayerFootprint(*frame, *rectangle, *pivot));
     centeredQuadBuffer_->draw(GLVertexBuffer::TriangleFan);
     cachedProgram_->end();
 }

@@ -1,10 +1,12 @@
 #pragma once
 // The OpenGL implementation of the 2D renderer: rectangles, skin pieces and text with ids, layers.
 
+#include <trelvogui/gui/animationframe.h>
 #include <trelvogui/gui/renderers/renderer.h>
 #include <trelvogui/trelvogui_export.h>
 
 #include <GL/glew.h>
+#include <glm/glm.hpp>
 
 #include <memory>
 
@@ -71,6 +73,14 @@ public:
     void ClearRenderTargetToTexture() override;
     /// Composites a layer pair onto the current target: the layer covers `rectangle`, transformed
     /// by the frame about `pivot`, faded by the frame's alpha.
+    /// The transform that places a cached layer's unit quad (-0.5..0.5) when it is composited.
+    static glm::mat4 CachedLayerTransform(const GUI::Animation::Frame& frame,
+                                          const GUI::Geometry::Rectangle& rectangle,
+                                          const GUI::Geometry::Point& pivot);
+    /// The pixels a composited cached layer can cover (with a pixel of margin).
+    static GUI::Geometry::Rectangle CachedLayerFootprint(const GUI::Animation::Frame& frame,
+                                                         const GUI::Geometry::Rectangle& rectangle,
+                                                         const GUI::Geometry::Point& pivot);
     void RenderTexture(GUI::Texture::Base* color, GUI::Texture::Base* ids, GUI::Animation::Frame* frame,
                        GUI::Geometry::Rectangle* rectangle, GUI::Geometry::Point* pivot) override;
 

@@ -1,0 +1,361 @@
+// The same UI in TrelvoGUI and in Dear ImGui on one headless context: N push buttons with 13-pixel
+// text in panels of 25, at 1280 x 720. Frames of both are measured in alternating blocks, so that the
+// machine's noise hits both alike, and reported as medians (CPU time of the frame, and wall time with
+// glFinish), with ratios to the peer and to the floor of one full-view blended quad.
+//
+//     peer_bench [--blocks B] [--frames F]
+#include <trelvogui/gui/button.h>
+#include <trelvogui/gui/guimanager.h>
+#include <trelvogui/gui/label.h>
+#include <trelvogui/gui/panel.h>
+
+#include <graphicsbase/headlesscontext.h>
+
+#include <GL/glew.h>
+
+#include <backends/imgui_impl_opengl3.h>
+#include <imgui.h>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+constexpr int kWidth = 1280;
+constexpr int kHeight = 720;
+constexpr int kPerPanel = 25;
+constexpr int kButtonW = 46;
+constexpr int kButtonH = 20;
+constexpr int kGap = 4;
+constexpr int kPanelW = 5 * (kButtonW + kGap) + kGap;
+constexpr int kPanelH = 5 * (kButtonH + kGap) + kGap;
+
+/// Where button i sits, in host pixels (y down): panels of 5 x 5 tiled over the view, wrapping (and
+/// so overlapping) when there are more than fit.
+struct Layout {
+    int panelX(int p) const { return 8 + (p % 4) * (kPanelW + 8) + (p / 24) * 12; }
+    int panelY(int p) const { return 8 + ((p / 4) % 6) * (kPanelH + 8) + (p / 24) * 12; }
+    int buttonX(int i) const { return kGap + (i % kPerPanel % 5) * (kButtonW + kGap); }
+    int buttonY(int i) const { return kGap + (i % kPerPanel / 5) * (kButtonH + kGap); }
+    /// Centre of button i in host pixels.
+    int centreX(int i) const { return panelX(i / kPerPanel) + buttonX(i) + kButtonW / 2; }
+    int centreY(int i) const { return panelY(i / kPerPanel) + buttonY(i) + kButtonH / 2; }
+};
+
+double CpuSeconds() {
+    timespec t{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+    return double(t.tv_sec) + double(t.tv_nsec) * 1e-9;
+}
+double WallSeconds() {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+struct Sample {
+    std::vector<double> cpu, wall;
+    double Median(std::vector<double>& v) const {
+        if (v.empty())
+            return 0.0;
+        std::nth_element(v.begin(), v.begin() + static_cast<long>(v.size() / 2), v.end());
+        return v[v.size() / 2];
+    }
+};
+
+/// A frame measured twice: its CPU cost without waiting for the GPU, and its wall time with glFinish.
+void Measure(Sample& s, const std::function<void()>& frame) {
+    glFinish();
+    double c0 = CpuSeconds(), w0 = WallSeconds();
+    frame();
+    double c1 = CpuSeconds();
+    glFinish();
+    double w1 = WallSeconds();
+    s.cpu.push_back(c1 - c0);
+    s.wall.push_back(w1 - w0);
+}
+
+class TrelvoUI {
+public:
+    explicit TrelvoUI(int n) : manager_(std::make_shared<GUI::GUIManager>()) {
+        manager_->Initialize();
+        manager_->Resize(kWidth, kHeight);
+        Layout l;
+        for (int p = 0; p * kPerPanel < n; ++p) {
+            auto panel = std::make_unique<GUI::Controls::Panel>();
+            int x = l.panelX(p), y = kHeight - l.panelY(p) - kPanelH;
+            panel->SetRectangle({x, x + kPanelW, y, y + kPanelH});
+            for (int i = p * kPerPanel; i < std::min(n, (p + 1) * kPerPanel); ++i) {
+                auto button = std::make_unique<GUI::Controls::Button>();
+                int bx = l.buttonX(i), by = kPanelH - l.buttonY(i) - kButtonH;
+                button->SetRectangle({bx, bx + kButtonW, by, by + kButtonH});
+                button->GetLabel()->SetFontSize(13);
+                button->SetText(L"B" + std::to_wstring(i));
+                panel->AddChild(button.get());
+                buttons_.push_back(std::move(button));
+            }
+            panel->Register(manager_);
+            panels_.push_back(std::move(panel));
+        }
+        manager_->UpdateLayers();
+    }
+    ~TrelvoUI() {
+        buttons_.clear();
+        panels_.clear();
+        manager_.reset();
+    }
+    void Move(int x, int y) {
+        VX_UI::MouseEvent e;
+        e.x = x;
+        e.y = y;
+        e.prevX = lastX_;
+        e.prevY = lastY_;
+        manager_->mouseMoveEvent(&e);
+        lastX_ = x;
+        lastY_ = y;
+    }
+    void Frame() {
+        manager_->UpdateLayers();
+        manager_->Draw();
+    }
+    void RestaleAll() {
+        for (auto& p : panels_)
+            p->SetNeedsRedraw(true);
+    }
+    GUI::GUIManager& Manager() { return *manager_; }
+
+private:
+    std::shared_ptr<GUI::GUIManager> manager_;
+    std::vector<std::unique_ptr<GUI::Controls::Panel>> panels_;
+    std::vector<std::unique_ptr<GUI::Controls::Button>> buttons_;
+    int lastX_ = 0, lastY_ = 0;
+};
+
+class ImGuiUI {
+public:
+    explicit ImGuiUI(int n) : n_(n) {
+        context_ = ImGui::CreateContext();
+        ImGui::SetCurrentContext(context_);
+        ImGuiIO& io = ImGui::GetIO();
+        io.IniFilename = nullptr;
+        io.DisplaySize = ImVec2(float(kWidth), float(kHeight));
+        ImGui_ImplOpenGL3_Init("#version 330");
+        Frame();
+    }
+    ~ImGuiUI() {
+        ImGui::SetCurrentContext(context_);
+        ImGui_ImplOpenGL3_Shutdown();
+        ImGui::DestroyContext(context_);
+    }
+    void Move(int x, int y) {
+        ImGui::SetCurrentContext(context_);
+        ImGui::GetIO().MousePos = ImVec2(float(x), float(y));
+    }
+    void Frame() {
+        ImGui::SetCurrentContext(context_);
+        ImGuiIO& io = ImGui::GetIO();
+        io.DeltaTime = 1.f / 60.f;
+        ImGui_ImplOpenGL3_NewFrame();
+        ImGui::NewFrame();
+        Layout l;
+        char name[32];
+        for (int p = 0; p * kPerPanel < n_; ++p) {
+            std::snprintf(name, sizeof name, "panel %d", p);
+            ImGui::SetNextWindowPos(ImVec2(float(l.panelX(p)), float(l.panelY(p))));
+            ImGui::SetNextWindowSize(ImVec2(float(kPanelW), float(kPanelH)));
+            ImGui::Begin(name, nullptr,
+                         ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_NoMove |
+                             ImGuiWindowFlags_NoSavedSettings);
+            for (int i = p * kPerPanel; i < std::min(n_, (p + 1) * kPerPanel); ++i) {
+                ImGui::SetCursorPos(ImVec2(float(l.buttonX(i)), float(l.buttonY(i))));
+                std::snprintf(name, sizeof name, "B%d", i);
+                ImGui::Button(name, ImVec2(float(kButtonW), float(kButtonH)));
+            }
+            ImGui::End();
+        }
+        ImGui::Render();
+        ImGui_ImplOpenGL3_RenderDrawData(ImGui::GetDrawData());
+    }
+
+private:
+    int n_;
+    ImGuiContext* context_ = nullptr;
+};
+
+/// The floor: one full-view blended textured quad, what any overlay composite costs at least.
+class Floor {
+public:
+    Floor() {
+        const char* vs = "#version 330 core\nlayout(location=0) in vec2 p; out vec2 uv;"
+                         "void main(){ uv = p * 0.5 + 0.5; gl_Position = vec4(p, 0.0, 1.0); }";
+        const char* fs = "#version 330 core\nin vec2 uv; uniform sampler2D t; out vec4 c;"
+                         "void main(){ c = texture(t, uv); }";
+        program_ = glCreateProgram();
+        for (auto [stage, src] : {std::pair{GL_VERTEX_SHADER, vs}, std::pair{GL_FRAGMENT_SHADER, fs}}) {
+            GLuint s = glCreateShader(stage);
+            glShaderSource(s, 1, &src, nullptr);
+            glCompileShader(s);
+            glAttachShader(program_, s);
+            glDeleteShader(s);
+        }
+        glLinkProgram(program_);
+        const float quad[] = {-1, -1, 1, -1, 1, 1, -1, 1};
+        glGenVertexArrays(1, &vao_);
+        glBindVertexArray(vao_);
+        glGenBuffers(1, &vbo_);
+        glBindBuffer(GL_ARRAY_BUFFER, vbo_);
+        glBufferData(GL_ARRAY_BUFFER, sizeof quad, quad, GL_STATIC_DRAW);
+        glEnableVertexAttribArray(0);
+        glVertexAttribPointer(0, 2, GL_FLOAT, GL_FALSE, 0, nullptr);
+        glBindVertexArray(0);
+        std::vector<unsigned char> pixels(size_t(kWidth) * kHeight * 4, 128);
+        glGenTextures(1, &texture_);
+        glBindTexture(GL_TEXTURE_2D, texture_);
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, kWidth, kHeight, 0, GL_RGBA, GL_UNSIGNED_BYTE,
+                     pixels.data());
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    }
+    ~Floor() {
+        glDeleteTextures(1, &texture_);
+        glDeleteBuffers(1, &vbo_);
+        glDeleteVertexArrays(1, &vao_);
+        glDeleteProgram(program_);
+    }
+    void Frame() {
+        glEnable(GL_BLEND);
+        glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+        glUseProgram(program_);
+        glBindTexture(GL_TEXTURE_2D, texture_);
+        glBindVertexArray(vao_);
+        glDrawArrays(GL_TRIANGLE_FAN, 0, 4);
+        glBindVertexArray(0);
+        glUseProgram(0);
+        glDisable(GL_BLEND);
+    }
+
+private:
+    GLuint program_ = 0, vao_ = 0, vbo_ = 0, texture_ = 0;
+};
+
+void Clear() {
+    glViewport(0, 0, kWidth, kHeight);
+    glClearColor(0.1f, 0.1f, 0.12f, 1.f);
+    glClear(GL_COLOR_BUFFER_BIT);
+}
+
+/// Resident set size now, in KiB.
+long ResidentKiB() {
+    long pages = 0, resident = 0;
+    if (FILE* f = std::fopen("/proc/self/statm", "r")) {
+        if (std::fscanf(f, "%ld %ld", &pages, &resident) != 2)
+            resident = 0;
+        std::fclose(f);
+    }
+    return resident * (sysconf(_SC_PAGESIZE) / 1024);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    int blocks = 12, frames = 8;
+    for (int i = 1; i + 1 < argc; ++i) {
+        if (!std::strcmp(argv[i], "--blocks"))
+            blocks = std::atoi(argv[++i]);
+        else if (!std::strcmp(argv[i], "--frames"))
+            frames = std::atoi(argv[++i]);
+    }
+    HeadlessGLContext context(kWidth, kHeight);
+    if (!context.Valid()) {
+        std::fprintf(stderr, "%s\n", context.Error().c_str());
+        return 1;
+    }
+    std::printf("renderer: %s; %d blocks of %d frames per case and library\n", context.Renderer().c_str(),
+                blocks, frames);
+    Floor floor;
+    Sample floorSample;
+    for (int i = 0; i < blocks * frames; ++i)
+        Measure(floorSample, [&] {
+            Clear();
+            floor.Frame();
+        });
+    const double floorWall = floorSample.Median(floorSample.wall);
+    std::printf("floor (one full-view blended quad): wall %.3f ms\n\n", floorWall * 1e3);
+    std::printf("| N | case | TrelvoGUI CPU | ImGui CPU | ratio | TrelvoGUI wall | ImGui wall | ratio | wall "
+                "/ floor |\n");
+    std::printf("|---|---|---|---|---|---|---|---|---|\n");
+
+    for (int n : {10, 100, 1000}) {
+        Layout l;
+        long before = ResidentKiB();
+        auto trelvo = std::make_unique<TrelvoUI>(n);
+        long trelvoRss = ResidentKiB() - before;
+        auto imgui = std::make_unique<ImGuiUI>(n);
+        long imguiRss = ResidentKiB() - before - trelvoRss;
+        struct Case {
+            const char* name;
+            std::function<void(int)> trelvoFrame, imguiFrame;
+        };
+        int hoverIndex = 0;
+        const Case cases[] = {
+            {"idle frame", [&](int) { Clear(), trelvo->Frame(); }, [&](int) { Clear(), imgui->Frame(); }},
+            {"hover frame (pointer onto the next button)",
+             [&](int) {
+                 hoverIndex = (hoverIndex + 1) % n;
+                 Clear();
+                 trelvo->Move(l.centreX(hoverIndex), l.centreY(hoverIndex));
+                 trelvo->Frame();
+             },
+             [&](int) {
+                 Clear();
+                 imgui->Move(l.centreX(hoverIndex), l.centreY(hoverIndex));
+                 imgui->Frame();
+             }},
+            // TrelvoGUI answers such a move with DrawFlags 0: the host draws no frame, so the event is
+            // the whole cost. ImGui learns that nothing changed only by building a frame.
+            {"pointer move that changes nothing (TrelvoGUI: the event alone)",
+             [&](int k) { trelvo->Move(l.centreX(0) + (k & 1), l.centreY(0)); },
+             [&](int k) {
+                 Clear();
+                 imgui->Move(l.centreX(0) + (k & 1), l.centreY(0));
+                 imgui->Frame();
+             }},
+            {"full re-render",
+             [&](int) {
+                 Clear();
+                 trelvo->RestaleAll();
+                 trelvo->Frame();
+             },
+             [&](int) { Clear(), imgui->Frame(); }},
+        };
+        for (const Case& c : cases) {
+            Sample a, b;
+            for (int block = 0; block < blocks; ++block) {
+                for (int k = 0; k < frames; ++k)
+                    Measure(a, [&] { c.trelvoFrame(k); });
+                for (int k = 0; k < frames; ++k)
+                    Measure(b, [&] { c.imguiFrame(k); });
+            }
+            double ac = a.Median(a.cpu), bc = b.Median(b.cpu), aw = a.Median(a.wall), bw = b.Median(b.wall);
+            std::printf("| %d | %s | %.3f ms | %.3f ms | %.2fx | %.3f ms | %.3f ms | %.2fx | %.2fx |\n", n,
+                        c.name, ac * 1e3, bc * 1e3, ac / bc, aw * 1e3, bw * 1e3, aw / bw, aw / floorWall);
+        }
+        // Layers: colour RGBA8, ids RGBA32UI, depth 24 bits; each panel caches a colour and an id layer.
+        const double layerBytes = double(kWidth) * kHeight * (4 + 16 + 4);
+        const double cachedBytes =
+            double((n + kPerPanel - 1) / kPerPanel) * (kPanelW + 20) * (kPanelH + 20) * 20;
+        std::printf("| %d | memory: resident growth when built | %.1f MiB | %.1f MiB | | layers %.1f MiB | "
+                    "cached panel layers %.1f MiB | | |\n",
+                    n, trelvoRss / 1024.0, imguiRss / 1024.0, layerBytes / 1048576.0,
+                    cachedBytes / 1048576.0);
+        imgui.reset();
+        trelvo.reset();
+    }
+    return 0;
+}

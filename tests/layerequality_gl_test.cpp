@@ -1,0 +1,256 @@
+// The fast layer update (barriers only where draws overlap, nothing flushed or finished) against the
+// strict one (a barrier before every draw, every control flushed, the update finished): randomised
+// sessions drive the same UI on two managers, and after every frame both layers must be identical.
+#include "support/glfixture.h"
+#include "support/layerpixels.h"
+
+#include <trelvogui/gui/button.h>
+#include <trelvogui/gui/fadeinoutsequence.h>
+#include <trelvogui/gui/fadeinsequence.h>
+#include <trelvogui/gui/fadeoutsequence.h>
+#include <trelvogui/gui/guiclock.h>
+#include <trelvogui/gui/guimanager.h>
+#include <trelvogui/gui/label.h>
+#include <trelvogui/gui/moveinsequence.h>
+#include <trelvogui/gui/panel.h>
+#include <trelvogui/gui/scalesequence.h>
+#include <trelvogui/gui/switchbutton.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+using namespace GUI::Controls;
+
+namespace {
+
+/// One copy of the UI on one manager. Both copies are built and driven identically.
+struct World {
+    std::shared_ptr<GUI::GUIManager> manager;
+    std::vector<std::unique_ptr<Base>> owned;
+    std::vector<Base*> roots;
+    std::vector<Base*> all;
+    std::vector<Label*> labels;
+    std::vector<Panel*> sizeable;
+    int lastX = 0, lastY = 0, buttons = 0;
+
+    explicit World(bool strict) : manager(std::make_shared<GUI::GUIManager>()) {
+        manager->SetStrictSynchronisation(strict);
+        manager->Initialize();
+        manager->Resize(320, 240);
+        for (int p = 0; p < 3; ++p) {
+            auto* panel = own(new Panel());
+            panel->SetRectangle({10 + p * 95, 110 + p * 95, 20 + p * 40, 150 + p * 40});
+            panel->SetDraggable(true);
+            panel->SetSizeable(p != 1);
+            if (p != 1)
+                sizeable.push_back(panel);
+            for (int b = 0; b < 3; ++b) {
+                auto* button = own(new Button());
+                button->SetRectangle({6, 90, 6 + b * 32, 32 + b * 32});
+                button->SetText(L"Button " + std::to_wstring(p * 3 + b));
+                panel->AddChild(button);
+                labels.push_back(button->GetLabel());
+            }
+            auto* sw = own(new SwitchButton());
+            sw->SetRectangle({60, 88, 104, 124});
+            panel->AddChild(sw);
+            panel->Register(manager);
+            roots.push_back(panel);
+        }
+        auto* loose = own(new Label());
+        loose->SetRectangle({100, 300, 200, 230});
+        loose->SetText(L"Überlappung · overlap");
+        loose->Register(manager);
+        roots.push_back(loose);
+        labels.push_back(loose);
+        for (auto& c : owned)
+            all.push_back(c.get());
+    }
+    ~World() {
+        owned.clear();
+        manager.reset();
+    }
+    template <class T> T* own(T* c) {
+        owned.emplace_back(c);
+        return c;
+    }
+    void Event(int kind, int x, int y) {
+        VX_UI::MouseEvent e;
+        e.x = x;
+        e.y = y;
+        e.prevX = lastX;
+        e.prevY = lastY;
+        if (kind == 0) {
+            e.buttons = buttons;
+            manager->mouseMoveEvent(&e);
+        } else if (kind == 1) {
+            e.buttons = buttons = 1;
+            manager->mousePressEvent(&e);
+        } else {
+            e.buttons = buttons = 0;
+            manager->mouseReleaseEvent(&e);
+        }
+        lastX = x;
+        lastY = y;
+    }
+};
+
+class LayerEqualityTest : public trelvo::test::GLTest {
+protected:
+    void SetUp() override {
+        GLTest::SetUp();
+        GUI::Clock::SetSource([this] { return now; });
+    }
+    void TearDown() override {
+        GUI::Clock::SetSource({});
+        GLTest::TearDown();
+    }
+    uint64_t now = 1000;
+};
+
+} // namespace
+
+TEST_F(LayerEqualityTest, FastAndStrictUpdatesProduceIdenticalLayers) {
+    World strict(true), fast(false);
+    std::mt19937 rng(4242u);
+    auto pick = [&](int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng); };
+    auto both = [&](auto&& apply) {
+        apply(strict);
+        apply(fast);
+    };
+    int width = 320, height = 240;
+    const int kFrames = 240;
+    int drawnFrames = 0;
+    for (int frame = 0; frame < kFrames; ++frame) {
+        const int op = pick(0, 11);
+        const int x = pick(0, width), y = pick(0, height);
+        const int which = pick(0, 1000);
+        switch (op) {
+        case 0: // hover
+        case 1:
+            both([&](World& w) { w.Event(0, x, y); });
+            break;
+        case 2: { // click
+            both([&](World& w) {
+                w.Event(0, x, y);
+                w.Event(1, x, y);
+                w.Event(2, x, y);
+            });
+            break;
+        }
+        case 3: { // drag (a panel, or whatever is under the pointer)
+            const int dx = pick(-40, 40), dy = pick(-40, 40);
+            both([&](World& w) {
+                w.Event(0, x, y);
+                w.Event(1, x, y);
+                w.Event(0, x + dx / 2, y + dy / 2);
+                w.Event(0, x + dx, y + dy);
+            });
+            now += 300;
+            both([&](World& w) { w.Event(2, x + dx, y + dy); });
+            break;
+        }
+        case 4: { // grip resize
+            const int dx = pick(-30, 60), dy = pick(-30, 60);
+            both([&](World& w) {
+                Panel* p = w.sizeable[static_cast<size_t>(which) % w.sizeable.size()];
+                const auto& r = p->GetRectangle();
+                int gx = r.xMax - 4, gy = height - (r.yMin + 4);
+                w.Event(0, gx, gy);
+                w.Event(1, gx, gy);
+                w.Event(0, gx + dx, gy + dy);
+                w.Event(0, gx + dx, gy + dy);
+            });
+            now += 300;
+            both([&](World& w) { w.Event(2, w.lastX, w.lastY); });
+            break;
+        }
+        case 5: // show or hide
+            both([&](World& w) {
+                Base* c = w.all[static_cast<size_t>(which) % w.all.size()];
+                c->SetVisible(!c->Visible());
+            });
+            break;
+        case 6: // enable or disable
+            both([&](World& w) {
+                Base* c = w.all[static_cast<size_t>(which) % w.all.size()];
+                c->SetEnabled(!c->Enabled());
+            });
+            break;
+        case 7: // text
+            both([&](World& w) {
+                w.labels[static_cast<size_t>(which) % w.labels.size()]->SetText(L"Text " +
+                                                                                std::to_wstring(frame));
+            });
+            break;
+        case 8: { // an animation of each preset in turn
+            const int preset = frame % 5;
+            both([&](World& w) {
+                Base* root = w.roots[static_cast<size_t>(which) % w.roots.size()];
+                GUI::Animation::Sequence* s = nullptr;
+                switch (preset) {
+                case 0:
+                    s = new GUI::Animation::FadeInSequence(root, 0.4f);
+                    break;
+                case 1:
+                    s = new GUI::Animation::FadeOutSequence(root, 0.4f);
+                    break;
+                case 2:
+                    s = new GUI::Animation::FadeInOutSequence(root, 0.4f);
+                    break;
+                case 3:
+                    s = new GUI::Animation::MoveInSequence(root, 0.4f);
+                    break;
+                default:
+                    s = new GUI::Animation::ScaleSequence(root, 0.4f);
+                    break;
+                }
+                s->Start();
+                if (!w.manager->AddAnimation(s))
+                    delete s;
+            });
+            break;
+        }
+        case 9: // removal and registration again
+            both([&](World& w) {
+                Base* root = w.roots[static_cast<size_t>(which) % w.roots.size()];
+                if (root->Registered())
+                    w.manager->RemoveControl(root), root->Unregister();
+                else
+                    root->Register(w.manager);
+            });
+            break;
+        case 10: // view resize
+            width = pick(160, 360);
+            height = pick(120, 260);
+            both([&](World& w) { w.manager->Resize(width, height); });
+            break;
+        default: // time passes: animations advance
+            break;
+        }
+        if (frame % 30 == 29) // bring everything back now and then, so the sessions keep drawing
+            both([&](World& w) {
+                for (Base* c : w.all)
+                    c->SetVisible(true);
+                for (Base* root : w.roots)
+                    root->Register(w.manager);
+            });
+        now += 40;
+        both([&](World& w) { w.manager->UpdateLayers(); });
+
+        auto a = trelvo::test::ReadLayers(*strict.manager, width, height);
+        auto b = trelvo::test::ReadLayers(*fast.manager, width, height);
+        bool same = a.color == b.color && a.ids == b.ids;
+        if (!same) {
+            trelvo::test::SaveLayer(a, "equality-strict");
+            trelvo::test::SaveLayer(b, "equality-fast");
+        }
+        ASSERT_TRUE(same) << "frame " << frame << " after operation " << op << " differs";
+        drawnFrames += std::any_of(a.ids.begin(), a.ids.end(), [](uint32_t id) { return id != 0; }) ? 1 : 0;
+    }
+    EXPECT_GT(drawnFrames, kFrames * 3 / 4) << "the sessions compare drawn layers, not empty ones";
+}
