@@ -227,7 +227,8 @@ void DemoHost::buildOverlay() {
     probe_->Initialize();
     probe_->SetName(L"Probe A");
     probe_->SetCollapsedText(L"HU 42 · 3.1 mm");
-    probe_->SetLocation(width_ - 300, 24);
+    // Left of the light widget, which keeps the lower-right corner.
+    probe_->SetLocation(width_ - 345, 24);
 }
 
 bool DemoHost::buildSceneWidgets() {
