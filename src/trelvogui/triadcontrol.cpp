@@ -22,7 +22,7 @@
 
 namespace {
 constexpr const char* kFile = "triadcontrol";
-constexpr const char* kModule = "TrelvoGUI";
+constexpr const char* kModule = "TrelvoGUI.dll";
 constexpr GLint kLabelUnit = 8;
 constexpr int kCubeVertices = 36;
 constexpr int kFaces = 6;
@@ -132,10 +132,8 @@ bool TriadControl::Initialize() {
     }
     const std::vector<unsigned char> rgba = reader.rgba();
 
-    // Texture unit and 2D binding of the caller come back afterwards.
-    GLint previousUnit = GL_TEXTURE0, previousTexture = 0;
-    glGetIntegerv(GL_ACTIVE_TEXTURE, &previousUnit);
-    GB_CHECK_GL(kFile);
+    // The caller's 2D binding on the active unit comes back afterwards.
+    GLint previousTexture = 0;
     glGetIntegerv(GL_TEXTURE_BINDING_2D, &previousTexture);
     GB_CHECK_GL(kFile);
     if (labelTexture_ == 0) {
@@ -144,13 +142,16 @@ bool TriadControl::Initialize() {
     }
     glBindTexture(GL_TEXTURE_2D, labelTexture_);
     GB_CHECK_GL(kFile);
+    GLint previousAlignment = 4;
+    glGetIntegerv(GL_UNPACK_ALIGNMENT, &previousAlignment);
+    GB_CHECK_GL(kFile);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     GB_CHECK_GL(kFile);
     // The labels are painted display-encoded: an sRGB texture hands the shader linear values to light.
     glTexImage2D(GL_TEXTURE_2D, 0, GL_SRGB8_ALPHA8, reader.width(), reader.height(), 0, GL_RGBA,
                  GL_UNSIGNED_BYTE, rgba.data());
     GB_CHECK_GL(kFile);
-    glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, previousAlignment);
     GB_CHECK_GL(kFile);
     glGenerateMipmap(GL_TEXTURE_2D);
     GB_CHECK_GL(kFile);
@@ -159,8 +160,6 @@ bool TriadControl::Initialize() {
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
     GB_CHECK_GL(kFile);
     glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(previousTexture));
-    GB_CHECK_GL(kFile);
-    glActiveTexture(static_cast<GLenum>(previousUnit));
     GB_CHECK_GL(kFile);
 
     // The primary id in the records is whatever the control has now; the shader takes the id from
