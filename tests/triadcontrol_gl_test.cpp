@@ -60,9 +60,7 @@ protected:
         const glm::vec2 p = glm::vec2(10.f + side / 2.f) + glm::vec2(eye) / 0.9f * (side / 2.f);
         return {static_cast<int>(std::lround(p.x)), static_cast<int>(std::lround(p.y))};
     }
-    bool Visible(int face) const {
-        return (glm::mat3(camera->ViewMatrix()) * kNormals[face]).z > 0.3f;
-    }
+    bool Visible(int face) const { return (glm::mat3(camera->ViewMatrix()) * kNormals[face]).z > 0.3f; }
     DrawFlags Click(glm::ivec2 overlay) {
         Press(overlay.x, height - overlay.y);
         return Release(overlay.x, height - overlay.y);
@@ -185,11 +183,13 @@ TEST_F(TriadTest, OnClickReturns17ForFacesAndIgnoresOtherPartIds) {
 // The manager's later draws rely on the viewport, the active unit and unit 8's binding.
 TEST_F(TriadTest, DrawingRestoresTheViewportFromTheOriginAndTheTextureState) {
     ASSERT_TRUE(triad->Initialize());
+    ASSERT_TRUE(triad->Initialize()) << "initialising again rebuilds everything";
     GLuint other = 0;
     glGenTextures(1, &other);
     glActiveTexture(GL_TEXTURE8);
     glBindTexture(GL_TEXTURE_2D, other);
     glActiveTexture(GL_TEXTURE3);
+    glFrontFace(GL_CW);
     glViewport(5, 7, 200, 150);
     triad->DrawCustom();
     GLint viewport[4], unit = 0, bound = 0;
@@ -204,6 +204,10 @@ TEST_F(TriadTest, DrawingRestoresTheViewportFromTheOriginAndTheTextureState) {
     glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
     EXPECT_EQ(static_cast<GLuint>(bound), other);
     EXPECT_FALSE(glIsEnabled(GL_CULL_FACE));
+    GLint front = 0;
+    glGetIntegerv(GL_FRONT_FACE, &front);
+    EXPECT_EQ(front, GL_CW);
+    glFrontFace(GL_CCW);
     glBindTexture(GL_TEXTURE_2D, 0);
     glActiveTexture(GL_TEXTURE0);
     glDeleteTextures(1, &other);

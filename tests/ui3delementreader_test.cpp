@@ -32,7 +32,7 @@ TEST(UI3DElementReader, EmbeddedCubeHasSixLabelledFacesWithOutwardNormals) {
         float normal[3];
         float u0, v0; // the cell's lower corner in texture coordinates
     };
-    const Face faces[6] = {{{0, -1, 0}, 2 / 3.f, 0},   {{0, 1, 0}, 1 / 3.f, 0}, {{0, 0, 1}, 0, 0.5f},
+    const Face faces[6] = {{{0, -1, 0}, 2 / 3.f, 0},    {{0, 1, 0}, 1 / 3.f, 0},     {{0, 0, 1}, 0, 0.5f},
                            {{-1, 0, 0}, 2 / 3.f, 0.5f}, {{0, 0, -1}, 1 / 3.f, 0.5f}, {{1, 0, 0}, 0, 0}};
     for (std::size_t i = 0; i < v.size(); ++i) {
         const int face = static_cast<int>(i / 6);
@@ -43,8 +43,8 @@ TEST(UI3DElementReader, EmbeddedCubeHasSixLabelledFacesWithOutwardNormals) {
             EXPECT_FLOAT_EQ(v[i].normal[a], f.normal[a]);
             EXPECT_FLOAT_EQ(std::fabs(v[i].position[a]), 1.f) << "a corner of the side-2 cube";
         }
-        const float along = v[i].position[0] * f.normal[0] + v[i].position[1] * f.normal[1] +
-                            v[i].position[2] * f.normal[2];
+        const float along =
+            v[i].position[0] * f.normal[0] + v[i].position[1] * f.normal[1] + v[i].position[2] * f.normal[2];
         EXPECT_FLOAT_EQ(along, 1.f) << "the corner lies on its own face";
         EXPECT_GE(v[i].texCoord[0], f.u0 - 1e-5f);
         EXPECT_LE(v[i].texCoord[0], f.u0 + 1 / 3.f + 1e-5f);
@@ -90,6 +90,9 @@ TEST(UI3DElementReader, RefusesMalformedInputWithAReason) {
         const char* reason;
     };
     const std::string head = kTriangle;
+    std::string manyPositions;
+    for (std::size_t i = 0; i <= UI3DElementReader::kMaxElements; ++i)
+        manyPositions += "v 0 0 0\n";
     const Case cases[] = {
         {"empty", "", "no faces"},
         {"no faces", head + "o 0\n", "has no faces"},
@@ -118,6 +121,7 @@ TEST(UI3DElementReader, RefusesMalformedInputWithAReason) {
         {"object without a name", head + "o\nf 1 2 3\n", "without a name"},
         {"unknown statement", head + "o 0\nf 1 2 3\ncurv 0 1\n", "unsupported statement 'curv'"},
         {"NUL byte", std::string("v 0 0 0\n", 8) + std::string(1, '\0') + "\n", "control character"},
+        {"more positions than the limit", manyPositions, "too many 'v' entries"},
         {"line number", head + "o 0\nf 1 2 3\nv 1 2\n", "line 10:"},
     };
     for (const Case& c : cases) {

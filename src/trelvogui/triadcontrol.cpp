@@ -78,6 +78,8 @@ bool TriadControl::Initialize() {
         return false;
     // An error left behind by the host must not be reported as ours.
     glGetError();
+    // A repeated Initialize builds from a clean program rather than adding stages to the old one.
+    *program_ = GLSLProgram();
 
     if (!program_->addShader("Triad.vs") || !program_->addShader("Triad.fs") || !program_->linkProgram())
         return false;
@@ -183,6 +185,9 @@ void TriadControl::DrawCustom() {
     GB_CHECK_GL(kFile);
     GLboolean culling = glIsEnabled(GL_CULL_FACE);
     GB_CHECK_GL(kFile);
+    GLint frontFace = GL_CCW;
+    glGetIntegerv(GL_FRONT_FACE, &frontFace);
+    GB_CHECK_GL(kFile);
     GLint polygonMode[2] = {GL_FILL, GL_FILL};
     glGetIntegerv(GL_POLYGON_MODE, polygonMode);
     GB_CHECK_GL(kFile);
@@ -190,8 +195,11 @@ void TriadControl::DrawCustom() {
     glGetIntegerv(GL_ACTIVE_TEXTURE, &previousUnit);
     GB_CHECK_GL(kFile);
 
-    // The cube is convex: back-face culling alone hides its far side, no depth buffer needed.
+    // The cube is convex: back-face culling alone hides its far side, no depth buffer needed. The
+    // model winds its faces counter-clockwise seen from outside.
     glEnable(GL_CULL_FACE);
+    GB_CHECK_GL(kFile);
+    glFrontFace(GL_CCW);
     GB_CHECK_GL(kFile);
     glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
     GB_CHECK_GL(kFile);
@@ -246,6 +254,8 @@ void TriadControl::DrawCustom() {
     glActiveTexture(static_cast<GLenum>(previousUnit));
     GB_CHECK_GL(kFile);
     glPolygonMode(GL_FRONT_AND_BACK, static_cast<GLenum>(polygonMode[0]));
+    GB_CHECK_GL(kFile);
+    glFrontFace(static_cast<GLenum>(frontFace));
     GB_CHECK_GL(kFile);
     if (!culling) {
         glDisable(GL_CULL_FACE);
