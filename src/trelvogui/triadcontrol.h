@@ -29,8 +29,8 @@ public:
     ~TriadControl() override;
 
     /// Draws the cube; nothing before a successful Initialize. Leaves the viewport at (0, 0, w, h) of
-    /// the viewport it found, texture unit 8's binding and the active unit as they were, and face
-    /// culling and the polygon mode as they were.
+    /// the viewport it found; texture unit 8's binding, the active unit, face culling, the front-face
+    /// winding and the polygon mode as they were.
     void DrawCustom() override;
     /// Places the camera on the clicked face's side; 17 for faces 0-5, 0 (nothing done) otherwise.
     DrawFlags OnClick(GUI::Event* e) override;
