@@ -282,6 +282,7 @@ bool DemoHost::buildSceneWidgets() {
 
 bool DemoHost::FindPart(unsigned pid, unsigned sid, int& x, int& y) {
     std::vector<GLuint> ids(static_cast<size_t>(width_) * height_ * 4);
+    manager_->WaitForLayers();
     GLint previous = 0;
     glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &previous);
     glBindFramebuffer(GL_READ_FRAMEBUFFER, manager_->GetLayerFramebuffer());

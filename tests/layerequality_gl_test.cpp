@@ -254,3 +254,50 @@ TEST_F(LayerEqualityTest, FastAndStrictUpdatesProduceIdenticalLayers) {
     }
     EXPECT_GT(drawnFrames, kFrames * 3 / 4) << "the sessions compare drawn layers, not empty ones";
 }
+
+TEST_F(LayerEqualityTest, TheCompositeLimitedToTheOverlayShowsTheSamePicture) {
+    // The same panels composited twice over a patterned host frame: once limited to what they cover,
+    // once over the whole view (an empty root without a cached layer forces that).
+    auto picture = [&](bool whole, bool upsideDown) {
+        World w(false);
+        w.manager->SetUpsideDown(upsideDown);
+        Base empty;
+        if (whole)
+            empty.Register(w.manager);
+        // One panel in a corner; the label root would force the whole view (it has no cached layer).
+        for (size_t i = 1; i < w.roots.size(); ++i)
+            w.roots[i]->SetVisible(false);
+        w.roots[0]->GetLocalFrameAnimation()->setPosition(glm::vec3(17.f, -9.f, 0.f));
+        w.roots[0]->SetNeedsRedraw(true);
+        w.manager->UpdateLayers();
+        glBindFramebuffer(GL_FRAMEBUFFER, 0);
+        glViewport(0, 0, 320, 240);
+        glClearColor(0.6f, 0.1f, 0.4f, 1.f);
+        glClear(GL_COLOR_BUFFER_BIT);
+        glEnable(GL_SCISSOR_TEST);
+        glScissor(0, 0, 160, 240); // a host scissor state the composite must put back
+        glClearColor(0.2f, 0.5f, 0.3f, 1.f);
+        glClear(GL_COLOR_BUFFER_BIT);
+        glDisable(GL_SCISSOR_TEST);
+        w.manager->Draw();
+        GLint box[4] = {};
+        glGetIntegerv(GL_SCISSOR_BOX, box);
+        EXPECT_EQ(box[2], 160) << "the host's scissor box is restored";
+        EXPECT_FALSE(glIsEnabled(GL_SCISSOR_TEST));
+        return ReadColorRegion(0, 0, 320, 240);
+    };
+    for (bool upsideDown : {false, true}) {
+        auto limited = picture(false, upsideDown);
+        auto whole = picture(true, upsideDown);
+        int differing = 0, fx = -1, fy = -1;
+        for (size_t i = 0; i < limited.size(); i += 4)
+            if (std::memcmp(&limited[i], &whole[i], 4) != 0) {
+                if (differing++ == 0) {
+                    fx = static_cast<int>(i / 4 % 320);
+                    fy = static_cast<int>(i / 4 / 320);
+                }
+            }
+        EXPECT_EQ(differing, 0) << (upsideDown ? "upside down" : "upright") << "; first at " << fx << ", "
+                                << fy;
+    }
+}

@@ -82,6 +82,7 @@ protected:
         std::vector<GLuint> ids(static_cast<size_t>(kW) * kH * 4);
         glBindFramebuffer(GL_READ_FRAMEBUFFER, manager->GetLayerFramebuffer());
         glReadBuffer(GL_COLOR_ATTACHMENT1);
+        glFinish(); // the layers are drawn without waiting: let them land before reading
         glReadPixels(0, 0, kW, kH, GL_RGBA_INTEGER, GL_UNSIGNED_INT, ids.data());
         glReadBuffer(GL_COLOR_ATTACHMENT0);
         glBindFramebuffer(GL_READ_FRAMEBUFFER, 0);

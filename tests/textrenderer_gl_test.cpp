@@ -82,6 +82,7 @@ protected:
         std::vector<uint8_t> rgba = ReadColorRegion(0, 0, kSize, kSize);
         std::vector<uint32_t> id(static_cast<size_t>(kSize) * kSize * 4);
         glReadBuffer(GL_COLOR_ATTACHMENT1);
+        glFinish(); // the layers are drawn without waiting: let them land before reading
         glReadPixels(0, 0, kSize, kSize, GL_RGBA_INTEGER, GL_UNSIGNED_INT, id.data());
         glReadBuffer(GL_COLOR_ATTACHMENT0);
         int wrongIds = 0;

@@ -128,6 +128,7 @@ protected:
     std::vector<uint32_t> ReadPrimaryIds() {
         std::vector<uint32_t> ids(256 * 256 * 4);
         glReadBuffer(GL_COLOR_ATTACHMENT1);
+        glFinish(); // the layers are drawn without waiting: let them land before reading
         glReadPixels(0, 0, 256, 256, GL_RGBA_INTEGER, GL_UNSIGNED_INT, ids.data());
         glReadBuffer(GL_COLOR_ATTACHMENT0);
         std::vector<uint32_t> primary(256 * 256);

@@ -16,6 +16,8 @@ GLScopedBindings::GLScopedBindings() {
     glGetIntegerv(GL_ACTIVE_TEXTURE, &activeTexture_);
     glGetIntegerv(GL_TEXTURE_BINDING_2D, &texture_);
     glGetIntegerv(GL_ARRAY_BUFFER_BINDING, &arrayBuffer_);
+    glGetIntegerv(GL_SCISSOR_BOX, scissor_);
+    scissorTest_ = glIsEnabled(GL_SCISSOR_TEST);
     GB_CHECK_GL(kFile);
 }
 
@@ -26,6 +28,11 @@ GLScopedBindings::~GLScopedBindings() {
     glUseProgram(static_cast<GLuint>(program_));
     glBindVertexArray(static_cast<GLuint>(vertexArray_));
     glBindBuffer(GL_ARRAY_BUFFER, static_cast<GLuint>(arrayBuffer_));
+    glScissor(scissor_[0], scissor_[1], scissor_[2], scissor_[3]);
+    if (scissorTest_)
+        glEnable(GL_SCISSOR_TEST);
+    else
+        glDisable(GL_SCISSOR_TEST);
     glActiveTexture(static_cast<GLenum>(activeTexture_));
     glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(texture_));
     GB_CHECK_GL(kFile);

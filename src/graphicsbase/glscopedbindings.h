@@ -8,9 +8,9 @@
 namespace GL {
 
 /// Remembers the draw and read framebuffers, the viewport, the current program, the bound vertex
-/// array, the array buffer, the active texture unit and the 2D texture bound on it, and restores them
-/// on destruction, so that drawing into the library's own targets leaves a host that renders into its
-/// own framebuffer undisturbed.
+/// array, the array buffer, the active texture unit and the 2D texture bound on it, the scissor test
+/// and box, and restores them on destruction, so that drawing into the library's own targets leaves a
+/// host that renders into its own framebuffer undisturbed.
 class GRAPHICSBASE_EXPORT GLScopedBindings {
 public:
     GLScopedBindings();
@@ -28,6 +28,8 @@ private:
     GLint activeTexture_ = GL_TEXTURE0;
     GLint texture_ = 0;
     GLint arrayBuffer_ = 0;
+    GLint scissor_[4] = {0, 0, 0, 0};
+    GLboolean scissorTest_ = GL_FALSE;
 };
 
 } // namespace GL

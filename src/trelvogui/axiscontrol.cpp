@@ -58,7 +58,11 @@ void AppendQuad(std::vector<float>& out, float x0, float x1, float y0, float y1,
 
 } // namespace
 
-AxisControl::AxisControl() = default;
+AxisControl::AxisControl() {
+    // Its tick band may sit beside the rectangle (orientation 3): a cached layer holding an axis is
+    // redrawn whole.
+    SetDrawsOutsideRenderRectangle(true);
+}
 
 AxisControl::~AxisControl() {
     // Take the labels out of the child list directly: RemoveChild would request a redraw up a

@@ -28,6 +28,7 @@ void GLTest::TearDown() {
 
 std::array<uint8_t, 4> GLTest::ReadColor(int x, int y) {
     std::array<uint8_t, 4> p{};
+    glFinish(); // the layers are drawn without waiting: let them land before reading
     glReadPixels(x, y, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, p.data());
     return p;
 }
@@ -35,6 +36,7 @@ std::array<uint8_t, 4> GLTest::ReadColor(int x, int y) {
 std::array<uint32_t, 4> GLTest::ReadIds(int x, int y, unsigned attachment) {
     std::array<uint32_t, 4> p{};
     glReadBuffer(GL_COLOR_ATTACHMENT0 + attachment);
+    glFinish(); // the layers are drawn without waiting: let them land before reading
     glReadPixels(x, y, 1, 1, GL_RGBA_INTEGER, GL_UNSIGNED_INT, p.data());
     glReadBuffer(GL_COLOR_ATTACHMENT0);
     return p;
@@ -43,6 +45,7 @@ std::array<uint32_t, 4> GLTest::ReadIds(int x, int y, unsigned attachment) {
 std::vector<uint8_t> GLTest::ReadColorRegion(int x, int y, int width, int height) {
     std::vector<uint8_t> pixels(static_cast<size_t>(width) * height * 4);
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glFinish(); // the layers are drawn without waiting: let them land before reading
     glReadPixels(x, y, width, height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
     return pixels;
 }

@@ -26,6 +26,7 @@ LayerPixels ReadLayers(GUI::GUIManager& manager, int width, int height) {
     glBindFramebuffer(GL_FRAMEBUFFER, manager.GetLayerFramebuffer());
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glReadBuffer(GL_COLOR_ATTACHMENT0);
+    manager.WaitForLayers();
     glReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, out.color.data());
     glReadBuffer(GL_COLOR_ATTACHMENT1);
     glReadPixels(0, 0, width, height, GL_RGBA_INTEGER, GL_UNSIGNED_INT, out.ids.data());

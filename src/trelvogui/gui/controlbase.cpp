@@ -10,6 +10,15 @@
 #include <algorithm>
 
 namespace GUI::Controls {
+namespace {
+// Depth of SetNeedsRedraw calls that climb from a child to its parent: a control marked from below
+// is stale, but only the control the call started at has changed its own picture.
+int propagationDepth = 0;
+
+bool Overlap(const GUI::Geometry::Rectangle& a, const GUI::Geometry::Rectangle& b) {
+    return a.xMin < b.xMax && b.xMin < a.xMax && a.yMin < b.yMax && b.yMin < a.yMax;
+}
+} // namespace
 
 Base::Base() = default;
 
@@ -75,13 +84,34 @@ void Base::DrawToTexture(GUI::Texture::Atlas* atlas) {
         renderer->GenerateTexture(&colorTexture_, GUI::Texture::Color);
     if (!idTexture_)
         renderer->GenerateTexture(&idTexture_, GUI::Texture::Identifier);
+    const GUI::Geometry::Rectangle previous = renderRectangle_;
     CalcBoundingBox(atlas);
     CalcRenderingBoundingBox(atlas);
-    renderer->SetRenderTargetToTexture(colorTexture_, idTexture_, GetRenderRectangle());
-    if (renderer->RenderTargetReady()) {
-        DrawWithChildren(atlas);
-        renderer->ClearRenderTargetToTexture();
+    // When the layer keeps its place and size and only some controls inside changed, only the area
+    // they cover (before and after) is cleared and drawn again. Strict synchronisation redraws whole.
+    GUI::Geometry::Rectangle damage{0, 0, 0, 0};
+    bool any = false;
+    const bool partial = drawn_ && !damaged_ && previous == renderRectangle_ &&
+                         renderer->SupportsPartialRedraw() && collectDamage(damage, any);
+    if (partial) {
+        GUI::Geometry::Rectangle region{
+            std::max(damage.xMin, renderRectangle_.xMin), std::min(damage.xMax, renderRectangle_.xMax),
+            std::max(damage.yMin, renderRectangle_.yMin), std::min(damage.yMax, renderRectangle_.yMax)};
+        if (any && region.Width() > 0 && region.Height() > 0) {
+            renderer->SetRenderTargetToTextureRegion(colorTexture_, idTexture_, renderRectangle_, region);
+            if (renderer->RenderTargetReady()) {
+                drawWithChildrenIn(atlas, region);
+                renderer->ClearRenderTargetToTexture();
+            }
+        }
+    } else {
+        renderer->SetRenderTargetToTexture(colorTexture_, idTexture_, GetRenderRectangle());
+        if (renderer->RenderTargetReady()) {
+            DrawWithChildren(atlas);
+            renderer->ClearRenderTargetToTexture();
+        }
     }
+    markDrawn();
     needsRedraw_ = false;
 }
 
@@ -106,6 +136,42 @@ void Base::Draw(GUI::Texture::Atlas* atlas) {
     } else {
         DrawWithChildren(atlas);
     }
+}
+
+bool Base::collectDamage(GUI::Geometry::Rectangle& damage, bool& any) {
+    if (drawsOutside_ || usesCamera_ || usesLight_)
+        return false;
+    for (Base* child : children_) {
+        if (child->damaged_) {
+            const GUI::Geometry::Rectangle& now = child->renderRectangle_;
+            damage = any ? damage : now;
+            damage.Include(now);
+            if (child->drawn_)
+                damage.Include(child->drawnRectangle_);
+            any = true;
+        }
+        if (!child->collectDamage(damage, any))
+            return false;
+    }
+    return true;
+}
+
+void Base::drawWithChildrenIn(GUI::Texture::Atlas* atlas, const GUI::Geometry::Rectangle& region) {
+    if (!Visible())
+        return;
+    DrawControl(atlas);
+    DrawCustom();
+    for (Base* child : children_)
+        if (Overlap(child->renderRectangle_, region))
+            child->drawWithChildrenIn(atlas, region);
+}
+
+void Base::markDrawn() {
+    damaged_ = false;
+    drawn_ = true;
+    drawnRectangle_ = renderRectangle_;
+    for (Base* child : children_)
+        child->markDrawn();
 }
 
 void Base::DrawControl(GUI::Texture::Atlas*) {}
@@ -204,6 +270,7 @@ void Base::SetParent(Base* parent) {
 }
 
 void Base::markStale() {
+    damaged_ = true;
     for (Base* c = this; c; c = c->parent_) {
         c->needsRedraw_ = true;
         if (c->manager_)
@@ -339,12 +406,17 @@ void Base::SetSizeable(bool v) {
 
 void Base::SetNeedsRedraw(bool v) {
     needsRedraw_ = v;
+    if (v && propagationDepth == 0)
+        damaged_ = true;
     // Any call marks the manager, also one that clears this control's flag, through the manager so
     // that its redraw-request signal fires. An unregistered control has no manager to mark.
     if (manager_)
         manager_->SetNeedsRedraw(true);
-    if (parent_)
+    if (parent_) {
+        ++propagationDepth;
         parent_->SetNeedsRedraw(true);
+        --propagationDepth;
+    }
 }
 
 GUI::Geometry::Point& Base::GlobalFrame() {

@@ -164,6 +164,9 @@ protected:
     GUI::Texture::Base*& IdTextureSlot() { return idTexture_; }
     void SetAnimatable(bool v) { animatable_ = v; }
     void SetUsesCamera(bool v) { usesCamera_ = v; }
+    /// For controls that draw outside their render rectangle (a 3D widget, an axis whose band sits
+    /// beside it): a cached layer that holds one is always redrawn whole.
+    void SetDrawsOutsideRenderRectangle(bool v) { drawsOutside_ = v; }
     void SetUsesLight(bool v) { usesLight_ = v; }
 
 private:
@@ -173,6 +176,15 @@ private:
     bool isSelfOrAncestor(Base* control);
     /// Marks this control, its ancestors and the manager stale without virtual calls (destructors).
     void markStale();
+    /// The union of where the changed controls of this subtree were drawn last time and will be drawn
+    /// now. False when only a whole redraw is right: this control itself changed, or a control whose
+    /// footprint is not known lies in the subtree.
+    bool collectDamage(GUI::Geometry::Rectangle& damage, bool& any);
+    /// DrawWithChildren for a partial redraw: subtrees whose render rectangle misses `region` are
+    /// skipped (the target is scissored to the region anyway).
+    void drawWithChildrenIn(GUI::Texture::Atlas* atlas, const GUI::Geometry::Rectangle& region);
+    /// Records the subtree as drawn: where, and that its changes are in the layer.
+    void markDrawn();
 
     std::shared_ptr<const void> life_ = std::make_shared<char>(0);
     std::shared_ptr<GUI::GUIManager> manager_;
@@ -221,6 +233,12 @@ private:
     bool usesLight_ = false;
     bool sizeable_ = false;
     bool needsRedraw_ = true;
+    // Partial redraws of cached layers: whether this control changed itself since it was last drawn
+    // (not merely a descendant), and where it was drawn then.
+    bool damaged_ = true;
+    bool drawn_ = false;
+    bool drawsOutside_ = false;
+    GUI::Geometry::Rectangle drawnRectangle_{0, 0, 0, 0};
 };
 
 } // namespace GUI::Controls

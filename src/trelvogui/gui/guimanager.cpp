@@ -301,6 +301,9 @@ void GUIManager::UpdateLayers() {
     // defined; with one, barriers are issued where draws overlap and nothing waits.
     const bool strict = strictSynchronisation_ || !GUI::Renderer::detail::TextureBarrierAvailable();
     GUI::Renderer::detail::SetStrictBarriers(strict);
+    // A host's scissor would clip the layers; the bindings above put it back.
+    glDisable(GL_SCISSOR_TEST);
+    GB_CHECK_GL(kFile);
 
     // Only roots composite a cached layer; a stale animatable child is redrawn inside its root.
     for (GUI::Controls::Base* control : Controls())
@@ -416,20 +419,24 @@ void GUIManager::Draw() {
         if (area.Width() <= 0 || area.Height() <= 0)
             return;
     }
-    const bool scissored = area != view;
-    GLint hostScissor[4] = {0, 0, 0, 0};
-    if (scissored) {
-        glGetIntegerv(GL_SCISSOR_BOX, hostScissor);
-        GB_CHECK_GL(kFile);
-    }
+    // The host's bindings, scissor box included, come back afterwards.
+    GL::GLScopedBindings hostBindings;
     GL::GLScopedSetter state(GL::Disable{GL_DEPTH_TEST}, GL::Enable{GL_BLEND},
                              GL::BlendFunc{GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA});
-    if (scissored) {
+    if (area != view) {
+        // Within a scissor the host set for its own reasons.
+        if (glIsEnabled(GL_SCISSOR_TEST)) {
+            GLint box[4] = {0, 0, 0, 0};
+            glGetIntegerv(GL_SCISSOR_BOX, box);
+            area = {std::max(area.xMin, box[0]), std::min(area.xMax, box[0] + box[2]),
+                    std::max(area.yMin, box[1]), std::min(area.yMax, box[1] + box[3])};
+            if (area.Width() <= 0 || area.Height() <= 0)
+                return;
+        }
         state.Apply(GL::Enable{GL_SCISSOR_TEST});
         glScissor(area.xMin, area.yMin, area.Width(), area.Height());
         GB_CHECK_GL(kFile);
     }
-    GL::GLScopedBindings hostBindings;
     compositeProgram_->begin();
     GLuint program = compositeProgram_->getProgram();
     glUniform1i(GUI::Renderer::detail::UniformLocationQuiet(program, "ExplicitGammaCorrection"),
@@ -461,10 +468,6 @@ void GUIManager::Draw() {
     glBindVertexArray(0);
     GB_CHECK_GL(kFile);
     compositeProgram_->end();
-    if (scissored) {
-        glScissor(hostScissor[0], hostScissor[1], hostScissor[2], hostScissor[3]);
-        GB_CHECK_GL(kFile);
-    }
 }
 
 void GUIManager::deleteLayersFence() {
@@ -475,7 +478,7 @@ void GUIManager::deleteLayersFence() {
     }
 }
 
-void GUIManager::waitForLayers() {
+void GUIManager::WaitForLayers() {
     if (!layersFence_)
         return;
     // Long enough for any real update; a lost context or a hung driver must not hang the host.
@@ -503,7 +506,7 @@ bool GUIManager::HitDetect(int x, int y, unsigned int* pid, unsigned int* sid) {
     glBindFramebuffer(GL_READ_FRAMEBUFFER, pickFramebuffer_);
     GB_CHECK_GL(kFile);
     GLuint texel[4] = {0, 0, 0, 0};
-    waitForLayers();
+    WaitForLayers();
     glReadPixels(x, y, 1, 1, GL_RGBA_INTEGER, GL_UNSIGNED_INT, texel);
     GB_CHECK_GL(kFile);
     glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(previous));

@@ -61,6 +61,10 @@ public:
     virtual void InitLayers();
     /// Advances animations and, only when something is stale, re-renders the layers.
     virtual void UpdateLayers();
+    /// Blocks until the last layer update has landed. HitDetect does this itself; a host that reads
+    /// the layers back through its own framebuffer (GetLayerFramebuffer) calls it first, since the
+    /// fast update returns before the drawing is done.
+    void WaitForLayers();
     /// Reads the ids under overlay pixel (x, y), y up; both are 0 outside the view. Always true.
     virtual bool HitDetect(int x, int y, unsigned int* pid, unsigned int* sid);
     /// Takes ownership of a started sequence; it is deleted when done.

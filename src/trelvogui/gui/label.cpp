@@ -4,6 +4,8 @@
 #include <trelvogui/gui/texture.h>
 #include <trelvogui/gui/textureatlas.h>
 
+#include <algorithm>
+
 namespace GUI::Controls {
 
 Label::Label() = default;
@@ -37,6 +39,16 @@ void Label::CalcBoundingBox(GUI::Texture::Atlas* atlas) {
         SetRectangle(r);
     }
     BoundingBox() = GetControlRectangle();
+}
+
+GUI::Geometry::Rectangle Label::GetRenderRectangleStandard(GUI::Texture::Atlas* atlas) {
+    GUI::Geometry::Rectangle r = GetRectangle();
+    if (!atlas)
+        return r;
+    int w = 0, h = 0;
+    atlas->GetTextSize(this, &w, &h);
+    const int overX = std::max(0, w - r.Width()), overY = std::max(0, h - r.Height());
+    return {r.xMin - overX, r.xMax + overX, r.yMin - overY, r.yMax + overY};
 }
 
 std::wstring Label::GetText() {

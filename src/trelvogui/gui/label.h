@@ -20,6 +20,8 @@ public:
     DrawFlags OnMouseExit(GUI::Event* e) override;
     /// Fits the rectangle to the measured text on the axes whose sizing policy is 1.
     void CalcBoundingBox(GUI::Texture::Atlas* atlas) override;
+    /// The rectangle, grown by as much as the text overhangs it (whatever the alignment).
+    GUI::Geometry::Rectangle GetRenderRectangleStandard(GUI::Texture::Atlas* atlas) override;
 
     virtual std::wstring GetText();
     virtual GUI::Text* GetTextRecord();

@@ -348,17 +348,39 @@ void OpenglRenderer::DeleteTexture(GUI::Texture::Base* texture) {
 
 void OpenglRenderer::SetRenderTargetToTexture(GUI::Texture::Base* color, GUI::Texture::Base* ids,
                                               GUI::Geometry::Rectangle& rectangle) {
+    bindTarget(color, ids, rectangle, nullptr);
+}
+
+bool OpenglRenderer::SupportsPartialRedraw() const {
+    return initialized_ && !detail::StrictBarriers();
+}
+
+void OpenglRenderer::SetRenderTargetToTextureRegion(GUI::Texture::Base* color, GUI::Texture::Base* ids,
+                                                    GUI::Geometry::Rectangle& rectangle,
+                                                    const GUI::Geometry::Rectangle& region) {
+    bindTarget(color, ids, rectangle, &region);
+}
+
+void OpenglRenderer::bindTarget(GUI::Texture::Base* color, GUI::Texture::Base* ids,
+                                GUI::Geometry::Rectangle& rectangle, const GUI::Geometry::Rectangle* region) {
     targetReady_ = false;
+    targetScissored_ = false;
     int width = rectangle.Width();
     int height = rectangle.Height();
     if (width <= 0 || height <= 0) {
         std::printf("SetRenderTargetToTexture: Texture is set to invalid size %d %d.\n", width, height);
         return;
     }
-    color->SetSize(width, height);
-    ids->SetSize(width, height);
-    if (!color->Allocate() || !ids->Allocate())
-        return;
+    // A region redraw keeps the layer's contents: only a layer of the same size can be reused.
+    if (region && (NameOf(color) == 0 || NameOf(ids) == 0 || color->Width() != width ||
+                   color->Height() != height || ids->Width() != width || ids->Height() != height))
+        region = nullptr;
+    if (!region) {
+        color->SetSize(width, height);
+        ids->SetSize(width, height);
+        if (!color->Allocate() || !ids->Allocate())
+            return;
+    }
 
     // The shaders compose against the target they write, so it is also bound for reading.
     glActiveTexture(GL_TEXTURE0 + kTargetColorUnit);
@@ -375,6 +397,15 @@ void OpenglRenderer::SetRenderTargetToTexture(GUI::Texture::Base* color, GUI::Te
     GB_CHECK_GL(kTag);
     glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT1, GL_TEXTURE_2D, NameOf(ids), 0);
     GB_CHECK_GL(kTag);
+    if (region) {
+        // Clears and draws stay inside the region, in texels of the layer.
+        glEnable(GL_SCISSOR_TEST);
+        GB_CHECK_GL(kTag);
+        glScissor(region->xMin - rectangle.xMin, region->yMin - rectangle.yMin, region->Width(),
+                  region->Height());
+        GB_CHECK_GL(kTag);
+        targetScissored_ = true;
+    }
 
     // The unsigned clear goes to the colour attachment and the float clear to the id attachment;
     // what the layer relies on is that the ids read 0 (no control) afterwards.
@@ -412,6 +443,11 @@ void OpenglRenderer::ClearRenderTargetToTexture() {
         GB_CHECK_GL(kTag);
         glFinish();
         GB_CHECK_GL(kTag);
+    }
+    if (targetScissored_) {
+        glDisable(GL_SCISSOR_TEST);
+        GB_CHECK_GL(kTag);
+        targetScissored_ = false;
     }
     // Back to whatever target comes next; the cached layer is read by a later composite, which the
     // barrier before that draw makes safe.

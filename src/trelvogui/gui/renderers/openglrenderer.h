@@ -67,6 +67,11 @@ public:
     /// shifts the viewport so that screen coordinates keep working: the rectangle's minimum corner
     /// lands on texel (0, 0).
     bool RenderTargetReady() const override { return targetReady_; }
+    /// Not under strict synchronisation, which keeps the plain whole redraw.
+    bool SupportsPartialRedraw() const override;
+    void SetRenderTargetToTextureRegion(GUI::Texture::Base* color, GUI::Texture::Base* ids,
+                                        GUI::Geometry::Rectangle& rectangle,
+                                        const GUI::Geometry::Rectangle& region) override;
     void SetRenderTargetToTexture(GUI::Texture::Base* color, GUI::Texture::Base* ids,
                                   GUI::Geometry::Rectangle& rectangle) override;
     /// Back to the host's framebuffer with a full-screen viewport.
@@ -109,6 +114,10 @@ public:
     GLuint FrameBuffer() const { return frameBuffer_; }
 
 private:
+    /// Binds a cached layer pair as the target: the whole of it, reallocated and cleared, or with
+    /// `region` only that part cleared and drawable.
+    void bindTarget(GUI::Texture::Base* color, GUI::Texture::Base* ids, GUI::Geometry::Rectangle& rectangle,
+                    const GUI::Geometry::Rectangle* region);
     bool BuildProgram(std::unique_ptr<GLSLProgram>& program, const char* vertex, const char* fragment);
     /// Points every sampler at its fixed unit once, so draws that set no sampler still read the
     /// right textures.
@@ -127,6 +136,7 @@ private:
     unsigned int subId_ = 0;
     bool initialized_ = false;
     bool targetReady_ = false;
+    bool targetScissored_ = false;
     GLuint frameBuffer_ = 0;
     std::unique_ptr<GLVertexBuffer> circleBuffer_;
     std::unique_ptr<GLVertexBuffer> quadBuffer_;

@@ -58,6 +58,16 @@ public:
     virtual void SetRenderTargetToTexture(GUI::Texture::Base* color, GUI::Texture::Base* ids,
                                           GUI::Geometry::Rectangle& rectangle) = 0;
     virtual void ClearRenderTargetToTexture() = 0;
+    /// Whether cached layers may be redrawn in part (see SetRenderTargetToTextureRegion).
+    virtual bool SupportsPartialRedraw() const { return false; }
+    /// Like SetRenderTargetToTexture for a layer that keeps its size and contents: only `region`
+    /// (overlay pixels inside `rectangle`) is cleared, and drawing is limited to it until
+    /// ClearRenderTargetToTexture. The default redraws the whole layer.
+    virtual void SetRenderTargetToTextureRegion(GUI::Texture::Base* color, GUI::Texture::Base* ids,
+                                                GUI::Geometry::Rectangle& rectangle,
+                                                const GUI::Geometry::Rectangle& /*region*/) {
+        SetRenderTargetToTexture(color, ids, rectangle);
+    }
     /// Whether the last SetRenderTargetToTexture took effect. A target it refused (empty, or beyond
     /// the context's texture limit) must not be drawn into: drawing would land in another target.
     virtual bool RenderTargetReady() const { return true; }
