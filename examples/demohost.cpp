@@ -7,9 +7,11 @@
 #include <trelvogui/gui/panel.h>
 #include <trelvogui/gui/sizehandle.h>
 #include <trelvogui/gui/switchbutton.h>
+#include <trelvogui/lightcontrol.h>
 #include <trelvogui/manipulatorcontrol.h>
 #include <trelvogui/planecontrol.h>
 #include <trelvogui/probecontrol.h>
+#include <trelvogui/triadcontrol.h>
 
 #include <glm/glm.hpp>
 #include <glm/gtc/matrix_transform.hpp>
@@ -94,6 +96,8 @@ DemoHost::~DemoHost() {
     // Controls go before the manager; the probe box owns its own.
     probe_.reset();
     legend_.reset();
+    lightWidget_.reset();
+    triad_.reset();
     plane_.reset();
     gizmo_.reset();
     while (!owned_.empty())
@@ -223,7 +227,8 @@ void DemoHost::buildOverlay() {
     probe_->Initialize();
     probe_->SetName(L"Probe A");
     probe_->SetCollapsedText(L"HU 42 · 3.1 mm");
-    probe_->SetLocation(width_ - 300, 24);
+    // Left of the light widget, which keeps the lower-right corner.
+    probe_->SetLocation(width_ - 345, 24);
 }
 
 bool DemoHost::buildSceneWidgets() {
@@ -261,6 +266,17 @@ bool DemoHost::buildSceneWidgets() {
     plane_->enableScaling(false, false, false);
     plane_->transformationSignal.connect([] { return DRAW_SCENE; });
     plane_->Register(manager_);
+
+    // The orientation cube and the light widget share the scene's camera and light; SetDrawFlags
+    // reports their changes back to the manager.
+    triad_ = std::make_unique<TriadControl>(camera_, light_);
+    lightWidget_ = std::make_unique<LightControl>(light_);
+    if (!triad_->Initialize() || !lightWidget_->Initialize()) {
+        std::fprintf(stderr, "the orientation cube or the light widget could not be initialised\n");
+        return false;
+    }
+    triad_->Register(manager_);
+    lightWidget_->Register(manager_);
     return true;
 }
 
@@ -410,6 +426,11 @@ bool DemoHost::MouseRelease(int x, int y, int buttons) {
 void DemoHost::SetDrawFlags(DrawFlags flags) {
     GraphicsScene::SetDrawFlags(flags);
     note("  handlers answered DrawFlags " + std::to_string(static_cast<unsigned>(flags)));
+    // A face of the orientation cube moved the camera; a drag on the light widget turned the light.
+    if (flags & DRAW_TRIAD_FACE)
+        CameraChanged();
+    if (flags & DRAW_LIGHT)
+        LightChanged();
 }
 
 std::vector<std::string> DemoHost::TakeJournal() {

@@ -25,6 +25,8 @@ class SwitchButton;
 class ProbeControl;
 class ManipulatorControl;
 class PlaneControl;
+class TriadControl;
+class LightControl;
 
 namespace demo {
 class DemoLegend;
@@ -70,6 +72,9 @@ public:
     /// The gizmo on the cube and the slicing-plane widget beside it.
     ManipulatorControl* Gizmo() { return gizmo_.get(); }
     PlaneControl* SlicePlane() { return plane_.get(); }
+    /// The view-orientation cube (lower left) and the light widget (lower right).
+    TriadControl* Triad() { return triad_.get(); }
+    LightControl* LightWidget() { return lightWidget_.get(); }
     /// The colour bar with its depth axis and the distance axis under the scene.
     DemoLegend* Legend() { return legend_.get(); }
     /// A pixel deep inside a part of a control, found in the overlay's id layer; host pixels, y down.
@@ -98,6 +103,8 @@ private:
     std::unique_ptr<ProbeControl> probe_;
     std::unique_ptr<ManipulatorControl> gizmo_;
     std::unique_ptr<PlaneControl> plane_;
+    std::unique_ptr<TriadControl> triad_;
+    std::unique_ptr<LightControl> lightWidget_;
     std::unique_ptr<DemoLegend> legend_;
     float spinAngle_ = 0.f;
     std::vector<std::unique_ptr<void, void (*)(void*)>> owned_;

@@ -7,12 +7,15 @@
 #include <trelvogui/gui/button.h>
 #include <trelvogui/gui/panel.h>
 #include <trelvogui/gui/switchbutton.h>
+#include <trelvogui/lightcontrol.h>
 #include <trelvogui/manipulatorcontrol.h>
 #include <trelvogui/manipulatorrenderer.h>
 #include <trelvogui/planecontrol.h>
 #include <trelvogui/probecontrol.h>
+#include <trelvogui/triadcontrol.h>
 
 #include <graphicsbase/camera.h>
+#include <graphicsbase/directionallight.h>
 
 #include <glm/gtc/quaternion.hpp>
 
@@ -95,6 +98,32 @@ struct Session {
             "scale (%.3f, %.3f, %.3f); snapping %s\n",
             p.x, p.y, p.z, angle, axis.x, axis.y, axis.z, s.x, s.y, s.z,
             gizmo->rotatonIncrementOn() ? "on" : "off");
+    }
+    /// Where the orientation cube shows one of its faces, in host pixels; exits when it is hidden.
+    glm::ivec2 face(unsigned number) {
+        int x = 0, y = 0;
+        if (!host.FindPart(host.Triad()->GetId(), number, x, y)) {
+            std::printf("face %u of the orientation cube is not visible\n", number);
+            std::exit(1);
+        }
+        return {x, y};
+    }
+    void printCamera() {
+        const Camera& c = *host.SceneCamera();
+        std::printf("  camera at (%.3f, %.3f, %.3f), up (%.0f, %.0f, %.0f), %.3f from its target\n",
+                    c.Position().x, c.Position().y, c.Position().z, c.UpVector().x, c.UpVector().y,
+                    c.UpVector().z, glm::length(c.Position() - c.Target()));
+    }
+    /// The host's own camera move: to `azimuth` degrees about y (0 on +z) and `elevation` above the
+    /// target's horizontal plane, at the same distance.
+    void orbit(float azimuth, float elevation) {
+        Camera& c = *host.SceneCamera();
+        const float d = glm::length(c.Position() - c.Target());
+        const float a = glm::radians(azimuth), e = glm::radians(elevation);
+        c.SetPosition(c.Target() +
+                      d * glm::vec3(std::cos(e) * std::sin(a), std::sin(e), std::cos(e) * std::cos(a)));
+        c.SetUpVector({0.f, 1.f, 0.f});
+        host.CameraChanged();
     }
     /// Press, move in steps with the left button held, release: a drag.
     void drag(int x0, int y0, int x1, int y1) {
@@ -216,6 +245,44 @@ int main(int argc, char** argv) {
     s.flush("click the X ring (a quarter turn about the cube's own x axis):");
     s.printFrame(gizmo);
     s.snapshot("gizmo-ring-click");
+
+    // The orientation cube in the lower-left corner: a click on a face looks at the scene from that
+    // side at the same distance.
+    glm::ivec2 plusX = s.face(5);
+    s.click(plusX.x, plusX.y);
+    s.flush("click the orientation cube's +X face (host " + std::to_string(plusX.x) + ", " +
+            std::to_string(plusX.y) + "):");
+    s.printCamera();
+    s.snapshot("cube-plus-x");
+
+    // Seen straight from +x only that face shows; the user turns the camera a little, and the cube
+    // turns with it.
+    s.orbit(70.f, 30.f);
+    std::printf("the host orbits its camera to 70 degrees round, 30 up:\n");
+    s.printCamera();
+    s.snapshot("camera-orbited");
+
+    glm::ivec2 plusY = s.face(1);
+    s.click(plusY.x, plusY.y);
+    s.flush("click the orientation cube's +Y face (host " + std::to_string(plusY.x) + ", " +
+            std::to_string(plusY.y) + "):");
+    s.printCamera();
+    s.snapshot("cube-plus-y");
+
+    // The light widget in the lower-right corner: dragging left and down swings the light round to
+    // the left and low in front; the scene, the cube's faces and the preview follow the shared light.
+    const glm::vec3 before = s.host.SceneLight()->position;
+    s.drag(kWidth - 47, kHeight - 47, kWidth - 47 - 200, kHeight - 47 + 120);
+    s.flush("drag the light widget by (-200, +120):");
+    const glm::vec3 after = s.host.SceneLight()->position;
+    std::printf("  light moved from (%.3f, %.3f, %.3f) to (%.3f, %.3f, %.3f)\n", before.x, before.y, before.z,
+                after.x, after.y, after.z);
+    s.snapshot("light-dragged");
+
+    s.orbit(35.f, 25.f);
+    std::printf("the host orbits back to an oblique view of the re-lit scene:\n");
+    s.printCamera();
+    s.snapshot("relit-oblique");
 
     const auto& r = s.host.Toolbar()->GetRectangle();
     std::printf("tools panel now at (%d, %d)-(%d, %d); rotation %s\n", r.xMin, r.yMin, r.xMax, r.yMax,

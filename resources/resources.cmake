@@ -5,7 +5,9 @@ foreach(entry
         "uiatlas.png|UIATLAS|PNG"
         "uiatlasstencil.png|UIATLASSTENCIL|PNG"
         "DejaVuSans.ttf|UIFONT|FONT"
-        "DejaVuSans-Bold.ttf|UIFONTBOLD|FONT")
+        "DejaVuSans-Bold.ttf|UIFONTBOLD|FONT"
+        "triadcube.obj|OBJ_3DWIDGETCUBE|OBJ"
+        "triad.png|TRIAD|PNG")
     string(REPLACE "|" ";" parts "${entry}")
     list(GET parts 0 file)
     list(GET parts 1 name)

@@ -10,6 +10,7 @@ packages=(
     libgtest-dev libbenchmark-dev
     libglfw3-dev xvfb xauth
     doxygen
+    clang # the fuzz preset (libFuzzer)
 )
 
 missing=()

@@ -83,6 +83,10 @@ TEST(Resources, EmbeddedDataIsFoundByNameAndUnknownNamesFailCleanly) {
     EXPECT_FALSE(LoadFromResource("TrelvoGUI", "NOSUCHTHING", "PNG"));
     EXPECT_FALSE(LoadFromResource("TrelvoGUI", "UIATLAS", "SHADER"));
     EXPECT_FALSE(LoadFromResource("Elsewhere", "UIATLAS", "PNG"));
+    EXPECT_EQ(LoadFromResource("TrelvoGUI.dll", "UIATLAS", "PNG").data, atlas.data)
+        << "the file name works too";
+    EXPECT_FALSE(LoadFromResource("Elsewhere.dll", "UIATLAS", "PNG"));
+    EXPECT_FALSE(LoadFromResource(".dll", "UIATLAS", "PNG"));
 }
 
 TEST(LogFile, FormatsLinesAndHandsThemToObservers) {

@@ -20,7 +20,15 @@ void RegisterResource(const char* module, const char* name, const char* type, co
 
 ResourceData LoadFromResource(const std::string& module, const std::string& name, const std::string& type) {
     auto it = registry().find(Key(module, name, type));
-    return it == registry().end() ? ResourceData{} : it->second;
+    if (it != registry().end())
+        return it->second;
+    // Code written against the module's Windows file name ("TrelvoGUI.dll") finds the same embedded
+    // data, which is registered under the bare module name.
+    const std::string suffix = ".dll";
+    if (module.size() > suffix.size() &&
+        module.compare(module.size() - suffix.size(), suffix.size(), suffix) == 0)
+        return LoadFromResource(module.substr(0, module.size() - suffix.size()), name, type);
+    return {};
 }
 
 ResourceData FindResource(const std::string& name, const std::string& type) {

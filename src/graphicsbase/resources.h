@@ -19,7 +19,8 @@ struct ResourceData {
     explicit operator bool() const { return data != nullptr; }
 };
 
-/// Looks a resource up by module, name and type (e.g. "TrelvoGUI", "UIATLAS", "PNG").
+/// Looks a resource up by module, name and type (e.g. "TrelvoGUI", "UIATLAS", "PNG"). A module
+/// given by its Windows file name ("TrelvoGUI.dll") is also found under its bare name.
 /// Returns an empty result for unknown names; never throws.
 GRAPHICSBASE_EXPORT ResourceData LoadFromResource(const std::string& module, const std::string& name,
                                                   const std::string& type);

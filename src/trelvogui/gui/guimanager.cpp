@@ -220,6 +220,7 @@ void GUIManager::deleteLayers() {
 
 void GUIManager::InitLayers() {
     deleteLayers();
+    layersWhole_ = true;
     if (width_ <= 0 || height_ <= 0)
         return;
     GL::GLScopedBindings hostBindings;
@@ -273,6 +274,8 @@ void GUIManager::InitLayers() {
 void GUIManager::UpdateLayers() {
     uint64_t t0 = GUI::Clock::Ticks();
     updating_ = true;
+    // Animations move and fade roots through their frames without marking them: redraw whole.
+    const bool animating = !animations_.empty();
 
     // A sequence may be cancelled while the sequences run (its control deleted by one of them): the
     // cancelled ones are only unlisted here and deleted after the loop.
@@ -316,10 +319,52 @@ void GUIManager::UpdateLayers() {
     glDisable(GL_SCISSOR_TEST);
     GB_CHECK_GL(kFile);
 
-    // Only roots composite a cached layer; a stale animatable child is redrawn inside its root.
+    // Only roots composite a cached layer; a stale animatable child is redrawn inside its root. When
+    // only cached roots changed, the layers are redrawn just where they were and are now composited;
+    // anything else (a root without a cached layer, a new or removed root, a new order) redraws all.
+    bool whole = strict || layersWhole_ || animating;
+    GUI::Geometry::Rectangle damage{0, 0, 0, 0};
+    bool damaged = false;
+    auto addDamage = [&](const GUI::Geometry::Rectangle& r) {
+        if (!damaged)
+            damage = r;
+        damage.Include(r);
+        damaged = true;
+    };
+    for (GUI::Controls::Base* control : Controls()) {
+        if (control->HasParent())
+            continue;
+        const bool stale = control->NeedsRedraw();
+        if (stale && !whole) {
+            auto previous = footprints_.find(control->GetId());
+            if (!control->Animatable() || previous == footprints_.end())
+                whole = true;
+            else
+                addDamage(previous->second);
+        }
+        control->DrawToTexture(atlas_);
+        if (stale && !whole && control->Visible())
+            addDamage(GUI::Renderer::OpenglRenderer::CachedLayerFootprint(
+                *control->GetLocalFrameAnimation(), control->GetRenderRectangle(), control->Center()));
+    }
+    footprints_.clear();
     for (GUI::Controls::Base* control : Controls())
-        if (!control->HasParent())
-            control->DrawToTexture(atlas_);
+        if (!control->HasParent() && control->Animatable() && control->Visible())
+            footprints_[control->GetId()] = GUI::Renderer::OpenglRenderer::CachedLayerFootprint(
+                *control->GetLocalFrameAnimation(), control->GetRenderRectangle(), control->Center());
+    layersWhole_ = false;
+    GUI::Geometry::Rectangle region{0, width_, 0, height_};
+    if (!whole) {
+        region = {std::max(damage.xMin, 0), std::min(damage.xMax, width_), std::max(damage.yMin, 0),
+                  std::min(damage.yMax, height_)};
+        if (!damaged || region.Width() <= 0 || region.Height() <= 0) {
+            // Only off-screen or invisible changes: the layers stay as they are.
+            updating_ = false;
+            updateCompositeBounds();
+            needsRedraw_ = false;
+            return;
+        }
+    }
 
     glBindFramebuffer(GL_FRAMEBUFFER, layerFramebuffer_);
     GB_CHECK_GL(kFile);
@@ -329,6 +374,12 @@ void GUIManager::UpdateLayers() {
     GB_CHECK_GL(kFile);
     glViewport(0, 0, width_, height_);
     GB_CHECK_GL(kFile);
+    if (!whole) {
+        glEnable(GL_SCISSOR_TEST);
+        GB_CHECK_GL(kFile);
+        glScissor(region.xMin, region.yMin, region.Width(), region.Height());
+        GB_CHECK_GL(kFile);
+    }
 
     // The float clear on the integer id layer and the unsigned clear on the colour layer are the
     // established clear sequence; what drawing relies on is ids 0 (no control) and depth 1.0.
@@ -594,6 +645,7 @@ DrawFlags GUIManager::mousePressEvent(VX_UI::MouseEvent* e) {
             if (it != list.end() && !root->UsesCamera() && !root->UsesLight()) {
                 list.erase(it);
                 list.push_back(root);
+                layersWhole_ = true; // a new drawing order
             }
             result = r | DRAW_OVERLAY;
         }
@@ -667,6 +719,7 @@ bool GUIManager::AddControl(GUI::Controls::Base* control) {
         LogFile::Instance().AddLine(LogLevel::Warning, "GUIManager::AddControl(): The control is null.\n");
         return false;
     }
+    layersWhole_ = true;
     control->SetManagerRedrawFlag(&needsRedraw_);
     control->SetNeedsRedraw(true);
     return Factory::AddControl(control);
@@ -678,6 +731,7 @@ bool GUIManager::RemoveControl(GUI::Controls::Base* control) {
         return false;
     }
     ClearAnimationOnControl(control);
+    layersWhole_ = true;
     control->SetManagerRedrawFlag(nullptr);
     SetNeedsRedraw(true);
     return Factory::RemoveControl(control);

@@ -12,6 +12,7 @@
 #include <boost/signals2/signal.hpp>
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -161,6 +162,10 @@ private:
     // A GLsync, kept opaque here so that the header needs no sync types.
     void* layersFence_ = nullptr;
     GUI::Geometry::Rectangle compositeBounds_;
+    // Where each cached root was composited by the last update (by id), and whether the next update
+    // must redraw the layers whole.
+    std::map<unsigned int, GUI::Geometry::Rectangle> footprints_;
+    bool layersWhole_ = true;
     bool compositeWhole_ = true;
 };
 

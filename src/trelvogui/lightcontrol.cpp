@@ -1,0 +1,130 @@
+#include <trelvogui/lightcontrol.h>
+
+#include "gui/renderers/detail/targetbarrier.h"
+#include "gui/renderers/detail/uniforms.h"
+
+#include <graphicsbase/directionallight.h>
+#include <graphicsbase/glerror.h>
+#include <graphicsbase/glslprogram.h>
+#include <graphicsbase/glvertexbuffer.h>
+
+#include <glm/gtc/matrix_transform.hpp>
+#include <glm/gtc/type_ptr.hpp>
+
+#include <algorithm>
+
+namespace {
+constexpr const char* kFile = "lightcontrol";
+constexpr GLint kTargetColorUnit = 9;
+constexpr GLint kTargetIdUnit = 10;
+constexpr float kDegreesPerPixel = 0.35f;
+constexpr float kRadiansPerDegree = 0.017453292f;
+
+using GUI::Renderer::detail::UniformLocationQuiet;
+
+void SetVec4(GLuint program, const char* name, const tgeom::vec4& v) {
+    GLint location = UniformLocationQuiet(program, name);
+    if (location != -1) {
+        glUniform4fv(location, 1, glm::value_ptr(v));
+        GB_CHECK_GL(kFile);
+    }
+}
+void SetInt(GLuint program, const char* name, GLint v) {
+    GLint location = UniformLocationQuiet(program, name);
+    if (location != -1) {
+        glUniform1i(location, v);
+        GB_CHECK_GL(kFile);
+    }
+}
+} // namespace
+
+LightControl::LightControl(std::shared_ptr<DirectionalLight> light) : light_(std::move(light)) {
+    SetUsesLight(true);
+}
+
+LightControl::~LightControl() = default;
+
+void LightControl::SetWidgetSize(int width, int height) {
+    widgetWidth_ = std::max(width, 1);
+    widgetHeight_ = std::max(height, 1);
+    SetNeedsRedraw(true);
+}
+
+void LightControl::SetMargins(int x, int y) {
+    marginX_ = x;
+    marginY_ = y;
+}
+
+bool LightControl::Initialize() {
+    program_.reset();
+    quadBuffer_.reset();
+    auto program = std::make_shared<GLSLProgram>();
+    if (!program->addShader("LightWidget.vs") || !program->addShader("LightWidget.fs") ||
+        !program->linkProgram())
+        return false;
+    auto quad = std::make_shared<GLVertexBuffer>();
+    const float vertices[6][4] = {{-1.f, -1.f, -1.f, 1.f}, {1.f, -1.f, -1.f, 1.f}, {1.f, 1.f, -1.f, 1.f},
+                                  {-1.f, -1.f, -1.f, 1.f}, {1.f, 1.f, -1.f, 1.f},  {-1.f, 1.f, -1.f, 1.f}};
+    if (!quad->addAttribute(4, GL_FLOAT) || !quad->finishLayout() || !quad->upload(vertices, 6))
+        return false;
+
+    program->begin();
+    const GLuint name = program->getProgram();
+    const tgeom::vec4 grey(0.5f, 0.5f, 0.5f, 1.f);
+    SetVec4(name, "material.ambient", grey);
+    SetVec4(name, "material.diffuse", grey);
+    SetVec4(name, "material.specular", grey);
+    GLint shininess = UniformLocationQuiet(name, "material.shininess");
+    if (shininess != -1) {
+        glUniform1f(shininess, 40.f);
+        GB_CHECK_GL(kFile);
+    }
+    program->end();
+    program_ = std::move(program);
+    quadBuffer_ = std::move(quad);
+    return true;
+}
+
+void LightControl::DrawCustom() {
+    if (!program_ || !quadBuffer_ || !light_)
+        return;
+    GLint viewport[4] = {0, 0, 0, 0};
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    GB_CHECK_GL(kFile);
+    // widgetHeight and the margin fields do not take part: the square is widgetWidth on both sides,
+    // 10 pixels in from the right and bottom edges.
+    glViewport(viewport[2] - widgetWidth_ - 10, 10, widgetWidth_, widgetWidth_);
+    GB_CHECK_GL(kFile);
+
+    program_->begin();
+    const GLuint program = program_->getProgram();
+    SetVec4(program, "light.position", tgeom::vec4(light_->position, 1.f));
+    SetVec4(program, "light.ambient", light_->ambient);
+    SetVec4(program, "light.diffuse", light_->diffuse);
+    SetVec4(program, "light.specular", light_->specular);
+    GLint location = UniformLocationQuiet(program, "primaryid");
+    if (location != -1) {
+        glUniform1ui(location, GetId());
+        GB_CHECK_GL(kFile);
+    }
+    // The tile is translucent and composes over what the overlay drew before it, like every UI draw.
+    SetInt(program, "targetColorSampler", kTargetColorUnit);
+    SetInt(program, "targetIDSampler", kTargetIdUnit);
+    GUI::Renderer::detail::TargetBarrier();
+    quadBuffer_->draw(GLVertexBuffer::Triangles);
+    program_->end();
+
+    glViewport(0, 0, viewport[2], viewport[3]);
+    GB_CHECK_GL(kFile);
+}
+
+DrawFlags LightControl::OnMouseDrag(GUI::Event*, int dx, int dy) {
+    const float a = -(static_cast<float>(dy) * kDegreesPerPixel) * kRadiansPerDegree;
+    const float b = static_cast<float>(dx) * kDegreesPerPixel * kRadiansPerDegree;
+    glm::mat4 m = glm::rotate(glm::mat4(1.f), a, glm::vec3(1.f, 0.f, 0.f));
+    m = glm::rotate(m, b, glm::vec3(0.f, 1.f, 0.f));
+    if (light_)
+        light_->position = tgeom::vec(m * tgeom::vec4(light_->position, 1.f));
+    SetNeedsRedraw(true);
+    return DRAW_LIGHT | DRAW_OVERLAY;
+}

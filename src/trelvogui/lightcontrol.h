@@ -1,0 +1,54 @@
+#pragma once
+// The light-direction widget: a lit ball in the lower-right corner that swings the light when dragged.
+
+#include <trelvogui/gui/controlbase.h>
+#include <trelvogui/trelvogui_export.h>
+
+#include <graphicsbase/drawflags.h>
+
+#include <memory>
+
+struct DirectionalLight;
+class GLSLProgram;
+class GLVertexBuffer;
+
+/// Shows how the scene light falls on a ball, in a square viewport 10 pixels from the view's
+/// lower-right corner. Dragging turns the light's position about the world x axis (vertical motion)
+/// and y axis (horizontal motion) by 0.35 degrees a pixel, keeping its distance from the origin; the
+/// host reports the light change to the manager as after any light edit, and every widget that shares
+/// the light follows.
+///
+/// widgetHeight, marginX and marginY are kept for hosts that lay out around the widget; the drawing
+/// uses widgetWidth for both sides and 10-pixel margins.
+class TRELVOGUI_EXPORT LightControl : public GUI::Controls::Base {
+public:
+    explicit LightControl(std::shared_ptr<DirectionalLight> light);
+    ~LightControl() override;
+
+    /// Draws the widget; nothing before a successful Initialize. Leaves the viewport at (0, 0, w, h)
+    /// of the viewport it found.
+    void DrawCustom() override;
+    /// Turns the light by the drag; returns 33.
+    DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy) override;
+    /// With the GL context current: builds "LightWidget.vs" + "LightWidget.fs" and the quad. False
+    /// when a shader fails to load or the program does not link.
+    virtual bool Initialize();
+
+    virtual int widgetWidth() { return widgetWidth_; }
+    virtual int widgetHeight() { return widgetHeight_; }
+    virtual int marginX() { return marginX_; }
+    virtual int marginY() { return marginY_; }
+
+    void SetWidgetSize(int width, int height);
+    void SetMargins(int x, int y);
+    const std::shared_ptr<DirectionalLight>& Light() const { return light_; }
+
+private:
+    std::shared_ptr<GLSLProgram> program_;
+    std::shared_ptr<GLVertexBuffer> quadBuffer_;
+    std::shared_ptr<DirectionalLight> light_;
+    int widgetWidth_ = 75;
+    int widgetHeight_ = 75;
+    int marginX_ = 10;
+    int marginY_ = 10;
+};
