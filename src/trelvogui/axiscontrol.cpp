@@ -22,10 +22,6 @@ namespace {
 
 constexpr const char* kFile = "axiscontrol";
 
-// The overlay's fixed units for the target being drawn into (see the manager's layer update).
-constexpr GLint kTargetColorUnit = 9;
-constexpr GLint kTargetIdUnit = 10;
-
 // The band's marks, in pixels: a baseline along the edge and a mark across the band at each tick.
 constexpr float kBaselineDepth = 2.f;
 constexpr float kMarkWidth = 2.f;
@@ -466,10 +462,7 @@ void AxisControl::DrawCustom() {
     GB_CHECK_GL(kFile);
     glUniform1ui(GUI::Renderer::detail::UniformLocationQuiet(program, "sid"), 0u);
     GB_CHECK_GL(kFile);
-    glUniform1i(GUI::Renderer::detail::UniformLocationQuiet(program, "targetColorSampler"), kTargetColorUnit);
-    GB_CHECK_GL(kFile);
-    glUniform1i(GUI::Renderer::detail::UniformLocationQuiet(program, "targetIDSampler"), kTargetIdUnit);
-    GB_CHECK_GL(kFile);
+    GUI::Renderer::detail::SetTargetSamplers(program);
 
     GUI::Renderer::detail::TargetBarrier();
     vertexBuffer_->draw(GLVertexBuffer::Triangles);

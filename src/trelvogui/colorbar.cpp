@@ -19,8 +19,6 @@ constexpr const char* kFile = "colorbar";
 
 // Widget textures go on unit 8; 9 and 10 hold the target being drawn into.
 constexpr GLint kColorMapUnit = 8;
-constexpr GLint kTargetColorUnit = 9;
-constexpr GLint kTargetIdUnit = 10;
 } // namespace
 
 ColorBar::ColorBar() = default;
@@ -116,10 +114,7 @@ void ColorBar::DrawCustom() {
     // The part id and the target to compose against, like every overlay draw.
     glUniform1ui(GUI::Renderer::detail::UniformLocationQuiet(program, "sid"), 0u);
     GB_CHECK_GL(kFile);
-    glUniform1i(GUI::Renderer::detail::UniformLocationQuiet(program, "targetColorSampler"), kTargetColorUnit);
-    GB_CHECK_GL(kFile);
-    glUniform1i(GUI::Renderer::detail::UniformLocationQuiet(program, "targetIDSampler"), kTargetIdUnit);
-    GB_CHECK_GL(kFile);
+    GUI::Renderer::detail::SetTargetSamplers(program);
 
     GUI::Renderer::detail::TargetBarrier();
     vertexBuffer_->draw(GLVertexBuffer::TriangleFan);

@@ -15,27 +15,12 @@
 
 namespace {
 constexpr const char* kFile = "lightcontrol";
-constexpr GLint kTargetColorUnit = 9;
-constexpr GLint kTargetIdUnit = 10;
 constexpr float kDegreesPerPixel = 0.35f;
 constexpr float kRadiansPerDegree = 0.017453292f;
 
+using GUI::Renderer::detail::SetUniformQuiet;
 using GUI::Renderer::detail::UniformLocationQuiet;
 
-void SetVec4(GLuint program, const char* name, const tgeom::vec4& v) {
-    GLint location = UniformLocationQuiet(program, name);
-    if (location != -1) {
-        glUniform4fv(location, 1, glm::value_ptr(v));
-        GB_CHECK_GL(kFile);
-    }
-}
-void SetInt(GLuint program, const char* name, GLint v) {
-    GLint location = UniformLocationQuiet(program, name);
-    if (location != -1) {
-        glUniform1i(location, v);
-        GB_CHECK_GL(kFile);
-    }
-}
 } // namespace
 
 LightControl::LightControl(std::shared_ptr<DirectionalLight> light) : light_(std::move(light)) {
@@ -70,15 +55,7 @@ bool LightControl::Initialize() {
 
     program->begin();
     const GLuint name = program->getProgram();
-    const tgeom::vec4 grey(0.5f, 0.5f, 0.5f, 1.f);
-    SetVec4(name, "material.ambient", grey);
-    SetVec4(name, "material.diffuse", grey);
-    SetVec4(name, "material.specular", grey);
-    GLint shininess = UniformLocationQuiet(name, "material.shininess");
-    if (shininess != -1) {
-        glUniform1f(shininess, 40.f);
-        GB_CHECK_GL(kFile);
-    }
+    GUI::Renderer::detail::SetMaterialUniforms(name, tgeom::vec4(0.5f, 0.5f, 0.5f, 1.f), 40.f);
     program->end();
     program_ = std::move(program);
     quadBuffer_ = std::move(quad);
@@ -98,18 +75,17 @@ void LightControl::DrawCustom() {
 
     program_->begin();
     const GLuint program = program_->getProgram();
-    SetVec4(program, "light.position", tgeom::vec4(light_->position, 1.f));
-    SetVec4(program, "light.ambient", light_->ambient);
-    SetVec4(program, "light.diffuse", light_->diffuse);
-    SetVec4(program, "light.specular", light_->specular);
+    SetUniformQuiet(program, "light.position", tgeom::vec4(light_->position, 1.f));
+    SetUniformQuiet(program, "light.ambient", light_->ambient);
+    SetUniformQuiet(program, "light.diffuse", light_->diffuse);
+    SetUniformQuiet(program, "light.specular", light_->specular);
     GLint location = UniformLocationQuiet(program, "primaryid");
     if (location != -1) {
         glUniform1ui(location, GetId());
         GB_CHECK_GL(kFile);
     }
     // The tile is translucent and composes over what the overlay drew before it, like every UI draw.
-    SetInt(program, "targetColorSampler", kTargetColorUnit);
-    SetInt(program, "targetIDSampler", kTargetIdUnit);
+    GUI::Renderer::detail::SetTargetSamplers(program);
     GUI::Renderer::detail::TargetBarrier();
     quadBuffer_->draw(GLVertexBuffer::Triangles);
     program_->end();

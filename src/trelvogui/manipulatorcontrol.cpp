@@ -155,19 +155,27 @@ void ManipulatorControl::planeDirection(const glm::vec2& mouse, const tgeom::vec
         out = towards / length;
 }
 
-tgeom::vec ManipulatorControl::axisPoint(const tgeom::vec& axis) const {
+bool ManipulatorControl::projectedAxis(const tgeom::vec& axis, glm::vec2& start, glm::vec2& direction) const {
     const tgeom::vec p0 = pressPosition_;
     const tgeom::vec p1 = p0 + axis;
-    glm::vec2 s0, s1;
+    glm::vec2 end;
     float depth = 0.f;
-    if (!camera_->ProjectPoint(p0.x, p0.y, p0.z, &s0.x, &s0.y, &depth) ||
-        !camera_->ProjectPoint(p1.x, p1.y, p1.z, &s1.x, &s1.y, &depth))
-        return p0;
-    float length = glm::length(s1 - s0);
+    if (!camera_->ProjectPoint(p0.x, p0.y, p0.z, &start.x, &start.y, &depth) ||
+        !camera_->ProjectPoint(p1.x, p1.y, p1.z, &end.x, &end.y, &depth))
+        return false;
+    float length = glm::length(end - start);
     // An axis seen end-on gives the pointer nothing to slide along.
     if (!(length > 1e-6f))
+        return false;
+    direction = (end - start) / length;
+    return true;
+}
+
+tgeom::vec ManipulatorControl::axisPoint(const tgeom::vec& axis) const {
+    const tgeom::vec p0 = pressPosition_;
+    glm::vec2 s0, d;
+    if (!projectedAxis(axis, s0, d))
         return p0;
-    glm::vec2 d = (s1 - s0) / length;
     glm::vec2 q = s0 + glm::dot(currentMouse_ - pressMouse_, d) * d;
     tgeom::vec a, b;
     if (!camera_->UnProjectPoint(q.x, q.y, 0.f, &a.x, &a.y, &a.z) ||
@@ -184,17 +192,9 @@ tgeom::vec ManipulatorControl::axisPoint(const tgeom::vec& axis) const {
 }
 
 double ManipulatorControl::scaleFactor(const tgeom::vec& axis) const {
-    const tgeom::vec p0 = pressPosition_;
-    const tgeom::vec p1 = p0 + axis;
-    glm::vec2 s0, s1;
-    float depth = 0.f;
-    if (!camera_->ProjectPoint(p0.x, p0.y, p0.z, &s0.x, &s0.y, &depth) ||
-        !camera_->ProjectPoint(p1.x, p1.y, p1.z, &s1.x, &s1.y, &depth))
+    glm::vec2 s0, d;
+    if (!projectedAxis(axis, s0, d))
         return scale_;
-    float length = glm::length(s1 - s0);
-    if (!(length > 1e-6f))
-        return scale_;
-    glm::vec2 d = (s1 - s0) / length;
     double factor = 1.0 + 0.005 * static_cast<double>(glm::dot(currentMouse_ - pressMouse_, d));
     return factor < 0.05 ? 0.05 : factor;
 }

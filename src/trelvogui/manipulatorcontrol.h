@@ -99,6 +99,9 @@ protected:
     /// The point on the line through the press position along `axis` under the pointer's motion
     /// along the projected axis, measured from the press (the grab offset is ignored).
     tgeom::vec axisPoint(const tgeom::vec& axis) const;
+    /// The press position and the unit direction of `axis` from it, in window pixels. False when the
+    /// axis points at the viewer (no direction on screen) or does not project.
+    bool projectedAxis(const tgeom::vec& axis, glm::vec2& start, glm::vec2& direction) const;
     /// 1 + 0.005 per pixel of pointer motion along the projected axis, never below 0.05.
     double scaleFactor(const tgeom::vec& axis) const;
     /// A host pointer position in the camera's window coordinates.

@@ -324,10 +324,7 @@ void ManipulatorRenderer::Draw() {
     glUniformMatrix4fv(LoggedLocation(program, "ModelViewMatrix", "ModelViewMatrix"), 1, GL_FALSE,
                        glm::value_ptr(glm::mat4(1.f)));
     GB_CHECK_GL(kFile);
-    glUniform1i(UniformLocationQuiet(program, "targetColorSampler"), 9);
-    GB_CHECK_GL(kFile);
-    glUniform1i(UniformLocationQuiet(program, "targetIDSampler"), 10);
-    GB_CHECK_GL(kFile);
+    GUI::Renderer::detail::SetTargetSamplers(program);
 
     // Painter's order: the axis pointing furthest away from the viewer is drawn first and its ring
     // last, so the handles nearer the viewer mostly end up on top. Exact ties run more than one branch;

@@ -104,10 +104,7 @@ void PlanarShapeRenderer::Draw() {
     glUniformMatrix4fv(UniformLocationQuiet(program, "ProjectionMatrix"), 1, GL_FALSE,
                        glm::value_ptr(GetProjectionMatrix()));
     GB_CHECK_GL(kFile);
-    glUniform1i(UniformLocationQuiet(program, "targetColorSampler"), 9);
-    GB_CHECK_GL(kFile);
-    glUniform1i(UniformLocationQuiet(program, "targetIDSampler"), 10);
-    GB_CHECK_GL(kFile);
+    GUI::Renderer::detail::SetTargetSamplers(program);
     if (outline) {
         GUI::Renderer::detail::TargetBarrier();
         outline->draw(GLVertexBuffer::LineLoop);

@@ -38,15 +38,9 @@ const FaceView kFaceViews[kFaces] = {
     {{0.f, 0.f, -1.f}, {0.f, 1.f, 0.f}},  {{1.f, 0.f, 0.f}, {0.f, 1.f, 0.f}},
 };
 
+using GUI::Renderer::detail::SetUniformQuiet;
 using GUI::Renderer::detail::UniformLocationQuiet;
 
-void SetVec4(GLuint program, const char* name, const tgeom::vec4& v) {
-    GLint location = UniformLocationQuiet(program, name);
-    if (location != -1) {
-        glUniform4fv(location, 1, glm::value_ptr(v));
-        GB_CHECK_GL(kFile);
-    }
-}
 } // namespace
 
 TriadControl::TriadControl(std::shared_ptr<Camera> camera, std::shared_ptr<DirectionalLight> light)
@@ -85,15 +79,7 @@ bool TriadControl::Initialize() {
         return false;
     program_->begin();
     const GLuint program = program_->getProgram();
-    const tgeom::vec4 grey(0.5f, 0.5f, 0.5f, 1.f);
-    SetVec4(program, "material.ambient", grey);
-    SetVec4(program, "material.diffuse", grey);
-    SetVec4(program, "material.specular", grey);
-    GLint shininess = UniformLocationQuiet(program, "material.shininess");
-    if (shininess != -1) {
-        glUniform1f(shininess, 40.f);
-        GB_CHECK_GL(kFile);
-    }
+    GUI::Renderer::detail::SetMaterialUniforms(program, tgeom::vec4(0.5f, 0.5f, 0.5f, 1.f), 40.f);
     program_->end();
 
     // Position, texture coordinate, normal, colour, primary id, face number.
@@ -217,10 +203,10 @@ void TriadControl::DrawCustom() {
 
     program_->begin();
     const GLuint program = program_->getProgram();
-    SetVec4(program, "light.position", tgeom::vec4(light_->position, 1.f));
-    SetVec4(program, "light.ambient", tgeom::vec4(tgeom::vec(light_->ambient), 1.f));
-    SetVec4(program, "light.diffuse", tgeom::vec4(tgeom::vec(light_->diffuse), 1.f));
-    SetVec4(program, "light.specular", tgeom::vec4(tgeom::vec(light_->specular), 1.f));
+    SetUniformQuiet(program, "light.position", tgeom::vec4(light_->position, 1.f));
+    SetUniformQuiet(program, "light.ambient", tgeom::vec4(tgeom::vec(light_->ambient), 1.f));
+    SetUniformQuiet(program, "light.diffuse", tgeom::vec4(tgeom::vec(light_->diffuse), 1.f));
+    SetUniformQuiet(program, "light.specular", tgeom::vec4(tgeom::vec(light_->specular), 1.f));
     const tgeom::mat4& view = camera_->ViewMatrix();
     GLint location = UniformLocationQuiet(program, "ViewMatrix");
     if (location != -1) {

@@ -4,6 +4,8 @@
 
 #include <GL/glew.h>
 
+#include <glm/gtc/type_ptr.hpp>
+
 #include <cstdio>
 
 namespace GUI::Renderer::detail {
@@ -19,6 +21,38 @@ GLint UniformLocation(GLuint program, const char* name) {
     if (location == -1)
         std::printf("Could not get index for %s\n", name);
     return location;
+}
+
+void SetUniformQuiet(GLuint program, const char* name, const glm::vec4& v) {
+    GLint location = UniformLocationQuiet(program, name);
+    if (location != -1) {
+        glUniform4fv(location, 1, glm::value_ptr(v));
+        GB_CHECK_GL("gui/renderers/detail/uniforms");
+    }
+}
+
+void SetUniformQuiet(GLuint program, const char* name, GLint v) {
+    GLint location = UniformLocationQuiet(program, name);
+    if (location != -1) {
+        glUniform1i(location, v);
+        GB_CHECK_GL("gui/renderers/detail/uniforms");
+    }
+}
+
+void SetTargetSamplers(GLuint program) {
+    SetUniformQuiet(program, "targetColorSampler", 9);
+    SetUniformQuiet(program, "targetIDSampler", 10);
+}
+
+void SetMaterialUniforms(GLuint program, const glm::vec4& colour, float shininess) {
+    SetUniformQuiet(program, "material.ambient", colour);
+    SetUniformQuiet(program, "material.diffuse", colour);
+    SetUniformQuiet(program, "material.specular", colour);
+    GLint location = UniformLocationQuiet(program, "material.shininess");
+    if (location != -1) {
+        glUniform1f(location, shininess);
+        GB_CHECK_GL("gui/renderers/detail/uniforms");
+    }
 }
 
 } // namespace GUI::Renderer::detail
