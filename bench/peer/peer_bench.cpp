@@ -3,7 +3,7 @@
 // machine's noise hits both alike, and reported as medians (CPU time of the frame, and wall time with
 // glFinish), with ratios to the peer and to the floor of one full-view blended quad.
 //
-//     peer_bench [--blocks B] [--frames F]
+//     peer_bench [--blocks B] [--frames F] [--case WORD] [--n N]
 #include <trelvogui/gui/button.h>
 #include <trelvogui/gui/guimanager.h>
 #include <trelvogui/gui/label.h>
@@ -265,11 +265,17 @@ long ResidentKiB() {
 
 int main(int argc, char** argv) {
     int blocks = 12, frames = 8;
+    const char* only = nullptr;
+    std::vector<int> sizes{10, 100, 1000};
     for (int i = 1; i + 1 < argc; ++i) {
         if (!std::strcmp(argv[i], "--blocks"))
             blocks = std::atoi(argv[++i]);
         else if (!std::strcmp(argv[i], "--frames"))
             frames = std::atoi(argv[++i]);
+        else if (!std::strcmp(argv[i], "--case")) // a word of the case's name, e.g. hover
+            only = argv[++i];
+        else if (!std::strcmp(argv[i], "--n"))
+            sizes = {std::atoi(argv[++i])};
     }
     HeadlessGLContext context(kWidth, kHeight);
     if (!context.Valid()) {
@@ -291,7 +297,7 @@ int main(int argc, char** argv) {
                 "/ floor |\n");
     std::printf("|---|---|---|---|---|---|---|---|---|\n");
 
-    for (int n : {10, 100, 1000}) {
+    for (int n : sizes) {
         Layout l;
         long before = ResidentKiB();
         auto trelvo = std::make_unique<TrelvoUI>(n);
@@ -335,6 +341,8 @@ int main(int argc, char** argv) {
              [&](int) { Clear(), imgui->Frame(); }},
         };
         for (const Case& c : cases) {
+            if (only && !std::strstr(c.name, only))
+                continue;
             Sample a, b;
             for (int block = 0; block < blocks; ++block) {
                 for (int k = 0; k < frames; ++k)
