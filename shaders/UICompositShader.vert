@@ -1,8 +1,9 @@
 #version 330 core
 // Full-view quad that blends the overlay's colour layer over the host's frame.
 
-in vec2 position;
-in vec2 texcoord;
+// Fixed locations: the plain and the gamma-correcting composite share the manager's quad.
+layout(location = 0) in vec2 position;
+layout(location = 1) in vec2 texcoord;
 
 uniform mat4 ProjectionMatrix;
 uniform mat4 ModelViewMatrix;

@@ -321,3 +321,20 @@ TEST_F(GUIManagerTest, HostBindingsSurviveAFrameAndTheOverlayLandsInTheHostsFram
     glDeleteVertexArrays(1, &hostVertexArray);
     glDeleteTextures(1, &hostTexture);
 }
+
+TEST_F(GUIManagerTest, ExplicitGammaCorrectionBrightensTheCompositeAndCanBeSwitchedOff) {
+    AddRoot("grey", {20, 60, 20, 60}, 0xFF808080);
+    manager->UpdateLayers();
+    auto composite = [&](bool gamma) {
+        manager->SetExplicitGammaCorrection(gamma);
+        glBindFramebuffer(GL_FRAMEBUFFER, 0);
+        glViewport(0, 0, 256, 256);
+        glClearColor(0.f, 0.f, 0.f, 1.f);
+        glClear(GL_COLOR_BUFFER_BIT);
+        manager->Draw();
+        return ReadColor(40, 40)[0];
+    };
+    EXPECT_EQ(composite(false), 128);
+    EXPECT_NEAR(composite(true), 186, 1) << "255 * (128 / 255)^(1 / 2.2)";
+    EXPECT_EQ(composite(false), 128) << "back to the plain program";
+}

@@ -8,6 +8,9 @@
 #include <trelvogui/gui/guimanager.h>
 #include <trelvogui/gui/label.h>
 #include <trelvogui/gui/panel.h>
+#include <trelvogui/manipulatorcontrol.h>
+
+#include <graphicsbase/camera.h>
 
 #include <graphicsbase/headlesscontext.h>
 
@@ -20,6 +23,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
@@ -83,9 +87,19 @@ void Measure(Sample& s, const std::function<void()>& frame) {
 
 class TrelvoUI {
 public:
-    explicit TrelvoUI(int n) : manager_(std::make_shared<GUI::GUIManager>()) {
+    /// With `gizmo`, a transform gizmo over the host's scene as well, following its camera.
+    TrelvoUI(int n, bool gizmo) : manager_(std::make_shared<GUI::GUIManager>()) {
         manager_->Initialize();
         manager_->Resize(kWidth, kHeight);
+        if (gizmo) {
+            camera_ = std::make_shared<Camera>();
+            camera_->SetViewport(kWidth, kHeight);
+            camera_->CalcMatrices();
+            gizmo_ = std::make_unique<ManipulatorControl>(camera_);
+            gizmo_->Initialize();
+            gizmo_->transformationSignal.connect([] { return DRAW_SCENE; });
+            gizmo_->Register(manager_);
+        }
         Layout l;
         for (int p = 0; p * kPerPanel < n; ++p) {
             auto panel = std::make_unique<GUI::Controls::Panel>();
@@ -106,6 +120,7 @@ public:
         manager_->UpdateLayers();
     }
     ~TrelvoUI() {
+        gizmo_.reset();
         buttons_.clear();
         panels_.clear();
         manager_.reset();
@@ -128,10 +143,19 @@ public:
         for (auto& p : panels_)
             p->SetNeedsRedraw(true);
     }
+    /// The host orbits its camera a little and says so.
+    void OrbitCamera(int k) {
+        float a = 0.02f * static_cast<float>(k % 50);
+        camera_->SetPosition({5.f * std::sin(a), 1.5f, 5.f * std::cos(a)});
+        camera_->CalcMatrices();
+        manager_->SetCameraUpdated(true);
+    }
     GUI::GUIManager& Manager() { return *manager_; }
 
 private:
     std::shared_ptr<GUI::GUIManager> manager_;
+    std::shared_ptr<Camera> camera_;
+    std::unique_ptr<ManipulatorControl> gizmo_;
     std::vector<std::unique_ptr<GUI::Controls::Panel>> panels_;
     std::vector<std::unique_ptr<GUI::Controls::Button>> buttons_;
     int lastX_ = 0, lastY_ = 0;
@@ -300,10 +324,12 @@ int main(int argc, char** argv) {
     for (int n : sizes) {
         Layout l;
         long before = ResidentKiB();
-        auto trelvo = std::make_unique<TrelvoUI>(n);
+        auto trelvo = std::make_unique<TrelvoUI>(n, false);
         long trelvoRss = ResidentKiB() - before;
         auto imgui = std::make_unique<ImGuiUI>(n);
         long imguiRss = ResidentKiB() - before - trelvoRss;
+        // The same UI with a gizmo over the scene, for the frame in which only the camera moved.
+        auto withGizmo = std::make_unique<TrelvoUI>(n, true);
         struct Case {
             const char* name;
             std::function<void(int)> trelvoFrame, imguiFrame;
@@ -339,6 +365,14 @@ int main(int argc, char** argv) {
                  trelvo->Frame();
              },
              [&](int) { Clear(), imgui->Frame(); }},
+            // ImGui has no scene widget: its frame is what it pays whatever moved.
+            {"only the camera moved (TrelvoGUI: with a gizmo over the scene)",
+             [&](int k) {
+                 Clear();
+                 withGizmo->OrbitCamera(k);
+                 withGizmo->Frame();
+             },
+             [&](int) { Clear(), imgui->Frame(); }},
         };
         for (const Case& c : cases) {
             if (only && !std::strstr(c.name, only))
@@ -362,6 +396,7 @@ int main(int argc, char** argv) {
                     "cached panel layers %.1f MiB | | |\n",
                     n, trelvoRss / 1024.0, imguiRss / 1024.0, layerBytes / 1048576.0,
                     cachedBytes / 1048576.0);
+        withGizmo.reset();
         imgui.reset();
         trelvo.reset();
     }

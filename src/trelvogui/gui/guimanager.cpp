@@ -45,6 +45,7 @@ GUIManager::~GUIManager() {
         delete s;
     cancelled_.clear();
     compositeProgram_.reset();
+    gammaProgram_.reset();
     deleteCompositeQuad();
     deleteLayers();
     deleteLayersFence();
@@ -499,8 +500,21 @@ void GUIManager::Draw() {
         glScissor(area.xMin, area.yMin, area.Width(), area.Height());
         GB_CHECK_GL(kFile);
     }
-    compositeProgram_->begin();
-    GLuint program = compositeProgram_->getProgram();
+    // Explicit gamma correction is a program of its own, built when first asked for, so that the
+    // plain composite carries no per-pixel branch for it.
+    GLSLProgram* composite = compositeProgram_.get();
+    if (explicitGammaCorrection_) {
+        if (!gammaProgram_) {
+            gammaProgram_ = std::make_unique<GLSLProgram>();
+            gammaProgram_->addShader("UICompositShader.vert");
+            gammaProgram_->addShader("UICompositShaderGamma.frag");
+            gammaProgram_->linkProgram();
+        }
+        if (gammaProgram_->isLinked())
+            composite = gammaProgram_.get();
+    }
+    composite->begin();
+    GLuint program = composite->getProgram();
     glUniform1i(GUI::Renderer::detail::UniformLocationQuiet(program, "ExplicitGammaCorrection"),
                 explicitGammaCorrection_ ? 1 : 0);
     GB_CHECK_GL(kFile);
@@ -529,7 +543,7 @@ void GUIManager::Draw() {
     GB_CHECK_GL(kFile);
     glBindVertexArray(0);
     GB_CHECK_GL(kFile);
-    compositeProgram_->end();
+    composite->end();
 }
 
 void GUIManager::deleteLayersFence() {

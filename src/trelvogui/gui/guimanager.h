@@ -137,6 +137,7 @@ private:
     GUI::Renderer::Base* renderer_ = nullptr;
     GUI::Texture::Atlas* atlas_ = nullptr;
     std::unique_ptr<GLSLProgram> compositeProgram_;
+    std::unique_ptr<GLSLProgram> gammaProgram_;
     unsigned int layerFramebuffer_ = 0;
     unsigned int pickFramebuffer_ = 0;
     unsigned int colorLayer_ = 0;
