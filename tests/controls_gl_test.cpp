@@ -12,14 +12,7 @@
 using GUI::Geometry::Rectangle;
 
 namespace {
-class ControlsTest : public trelvo::test::OverlayTest {
-protected:
-    /// A quick press and release at overlay (x, y), y up.
-    DrawFlags Click(int x, int y) {
-        Press(x, 256 - y);
-        return Release(x, 256 - y);
-    }
-};
+class ControlsTest : public trelvo::test::OverlayTest {};
 } // namespace
 
 TEST_F(ControlsTest, ClickOnAButtonsTextReachesTheButton) {

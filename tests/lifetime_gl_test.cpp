@@ -27,12 +27,6 @@ using GUI::Controls::Panel;
 namespace {
 class LifetimeTest : public trelvo::test::OverlayTest {
 protected:
-    /// A quick press and release at overlay (x, y), y up: a click.
-    DrawFlags Click(int x, int y) {
-        Move(x, 256 - y, x, 256 - y);
-        Press(x, 256 - y);
-        return Release(x, 256 - y);
-    }
     /// Press at (x0, y0), drag to (x1, y1) with the button held, release late (no click).
     void Drag(int x0, int y0, int x1, int y1) {
         Move(x0, 256 - y0, x0, 256 - y0);
@@ -312,46 +306,6 @@ TEST_F(LifetimeTest, ExtremeGeometryIsClampedAndAMinimisedViewDrawsNothing) {
     manager->UpdateLayers();
     std::string out = testing::internal::GetCapturedStdout();
     EXPECT_NE(out.find("exceed the texture limit"), std::string::npos) << out;
-}
-
-TEST_F(LifetimeTest, ManagerOperationsLeaveTheHostsBindingsAsTheyWere) {
-    GLuint fbo = 0, vao = 0, texture = 0, program = glCreateProgram();
-    glGenFramebuffers(1, &fbo);
-    glGenVertexArrays(1, &vao);
-    glGenTextures(1, &texture);
-    glBindFramebuffer(GL_FRAMEBUFFER, fbo);
-    glBindVertexArray(vao);
-    glActiveTexture(GL_TEXTURE3);
-    glBindTexture(GL_TEXTURE_2D, texture);
-    Button button;
-    button.SetRectangle({10, 90, 10, 40});
-    button.SetText(L"Host state");
-    button.Register(manager);
-    auto expectHostState = [&](const char* after) {
-        GLint v = 0;
-        glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &v);
-        EXPECT_EQ(static_cast<GLuint>(v), fbo) << after;
-        glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &v);
-        EXPECT_EQ(static_cast<GLuint>(v), vao) << after;
-        glGetIntegerv(GL_ACTIVE_TEXTURE, &v);
-        EXPECT_EQ(v, GL_TEXTURE3) << after;
-        glGetIntegerv(GL_TEXTURE_BINDING_2D, &v);
-        EXPECT_EQ(static_cast<GLuint>(v), texture) << after;
-    };
-    manager->Resize(300, 200);
-    expectHostState("Resize");
-    manager->UpdateLayers();
-    expectHostState("UpdateLayers");
-    manager->SetUpsideDown(true);
-    expectHostState("SetUpsideDown");
-    Click(50, 25);
-    expectHostState("a click");
-    glBindFramebuffer(GL_FRAMEBUFFER, 0);
-    glBindVertexArray(0);
-    glDeleteFramebuffers(1, &fbo);
-    glDeleteVertexArrays(1, &vao);
-    glDeleteTextures(1, &texture);
-    glDeleteProgram(program);
 }
 
 TEST_F(LifetimeTest, SeededInputSoakKeepsEveryInvariant) {

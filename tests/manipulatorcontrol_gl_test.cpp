@@ -1,6 +1,7 @@
 // The transform gizmo and the plane widget through the real path: drawn by the manager into its
 // layers, picked from the id layer, driven by pointer events through the input manager.
 #include "support/glfixture.h"
+#include "support/layerpixels.h"
 #include "support/shaderdir.h"
 
 #include <trelvogui/gui/guiclock.h>
@@ -78,44 +79,30 @@ protected:
         return {pid, sid};
     }
 
-    /// Every id pixel of the layer, read in one go: sid -> pixel count and a pixel deep inside the
+    /// Every handle of the control in the id layer: sid -> pixel count and a pixel deep inside the
     /// handle (its neighbours two pixels away carry the same ids), for pressing on it.
     std::map<unsigned, std::pair<int, glm::ivec2>> Handles(unsigned pid) {
-        std::vector<GLuint> ids(static_cast<size_t>(kW) * kH * 4);
-        glBindFramebuffer(GL_READ_FRAMEBUFFER, manager->GetLayerFramebuffer());
-        glReadBuffer(GL_COLOR_ATTACHMENT1);
-        glFinish(); // the layers are drawn without waiting: let them land before reading
-        glReadPixels(0, 0, kW, kH, GL_RGBA_INTEGER, GL_UNSIGNED_INT, ids.data());
-        glReadBuffer(GL_COLOR_ATTACHMENT0);
-        glBindFramebuffer(GL_READ_FRAMEBUFFER, 0);
-        auto at = [&](int x, int y, int k) {
-            x = std::clamp(x, 0, kW - 1);
-            y = std::clamp(y, 0, kH - 1);
-            return ids[(static_cast<size_t>(y) * kW + x) * 4 + k];
+        const trelvo::test::LayerPixels layers = trelvo::test::ReadLayers(*manager, kW, kH);
+        auto is = [&](int x, int y, unsigned sid) {
+            return layers.Pid(x, y) == pid && layers.Sid(x, y) == sid;
         };
         std::map<unsigned, std::pair<int, glm::ivec2>> found;
         for (int y = 0; y < kH; ++y)
             for (int x = 0; x < kW; ++x) {
-                if (at(x, y, 0) != pid)
+                if (layers.Pid(x, y) != pid)
                     continue;
-                unsigned sid = at(x, y, 1);
+                const unsigned sid = layers.Sid(x, y);
                 auto& entry = found[sid];
-                ++entry.first;
-                bool inside = true;
-                for (glm::ivec2 n :
-                     {glm::ivec2(2, 0), glm::ivec2(-2, 0), glm::ivec2(0, 2), glm::ivec2(0, -2)})
-                    inside = inside && at(x + n.x, y + n.y, 0) == pid && at(x + n.x, y + n.y, 1) == sid;
-                if (inside || entry.first == 1)
+                if (++entry.first == 1 ||
+                    (is(x + 2, y, sid) && is(x - 2, y, sid) && is(x, y + 2, sid) && is(x, y - 2, sid)))
                     entry.second = {x, y};
             }
         return found;
     }
 
     std::array<uint8_t, 4> LayerColor(glm::vec2 at) {
-        glBindFramebuffer(GL_READ_FRAMEBUFFER, manager->GetLayerFramebuffer());
-        auto c = ReadColor(static_cast<int>(at.x), static_cast<int>(at.y));
-        glBindFramebuffer(GL_READ_FRAMEBUFFER, 0);
-        return c;
+        return trelvo::test::ReadLayers(*manager, kW, kH)
+            .Color(static_cast<int>(at.x), static_cast<int>(at.y));
     }
 
     // Pointer input in window pixels (y up), turned into the host's y-down pixels.
@@ -321,7 +308,6 @@ TEST_F(GizmoTest, RingDragsTurnBySnappedStepsWithTheTurningSense) {
     ManipulatorControl gizmo(camera);
     Add(gizmo);
     gizmo.setRotatationIncrementOn(true);
-    const tgeom::quat start = gizmo.getFrame().getOrientation();
 
     // The camera looks down on the x-z plane, so turning the pointer anticlockwise on screen about
     // the centre turns anticlockwise seen from +y: a positive turn about y.
@@ -349,7 +335,6 @@ TEST_F(GizmoTest, RingDragsTurnBySnappedStepsWithTheTurningSense) {
         EXPECT_GT(angle, 20.f * kDegree);
         grab = HandlePoint(gizmo, 5);
     }
-    (void)start;
 }
 
 TEST_F(GizmoTest, ARingClickTurnsAQuarterAboutTheFramesOwnAxisButAQuickRingDragDoesNot) {
@@ -469,13 +454,11 @@ TEST_F(GizmoTest, PlaneOutlineFollowsTheFrameAndHidesWithIt) {
 
     // White outline pixels of the layer: a rectangle twice as wide as it is high, around the centre.
     auto outlineBox = [&] {
-        glBindFramebuffer(GL_READ_FRAMEBUFFER, manager->GetLayerFramebuffer());
-        std::vector<uint8_t> c = ReadColorRegion(0, 0, kW, kH);
-        glBindFramebuffer(GL_READ_FRAMEBUFFER, 0);
+        const trelvo::test::LayerPixels layers = trelvo::test::ReadLayers(*manager, kW, kH);
         glm::ivec4 box(kW, -1, kH, -1);
         for (int y = 0; y < kH; ++y)
             for (int x = 0; x < kW; ++x) {
-                const uint8_t* p = &c[(static_cast<size_t>(y) * kW + x) * 4];
+                auto p = layers.Color(x, y);
                 if (p[0] > 240 && p[1] > 240 && p[2] > 240)
                     box = {std::min(box[0], x), std::max(box[1], x), std::min(box[2], y),
                            std::max(box[3], y)};

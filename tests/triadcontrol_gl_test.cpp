@@ -37,8 +37,6 @@ protected:
     }
 
     void View(int w, int h) {
-        width = w;
-        height = h;
         manager->Resize(w, h);
         camera->SetViewport(w, h);
         camera->CalcMatrices();
@@ -63,13 +61,7 @@ protected:
         return {static_cast<int>(std::lround(p.x)), static_cast<int>(std::lround(p.y))};
     }
     bool Visible(int face) const { return (glm::mat3(camera->ViewMatrix()) * kNormals[face]).z > 0.3f; }
-    DrawFlags Click(glm::ivec2 overlay) {
-        Press(overlay.x, height - overlay.y);
-        return Release(overlay.x, height - overlay.y);
-    }
 
-    int width = 256;
-    int height = 256;
     std::shared_ptr<Camera> camera;
     std::shared_ptr<DirectionalLight> light;
     std::unique_ptr<TriadControl> triad;
@@ -152,7 +144,8 @@ TEST_F(TriadTest, ClickingAFacePlacesTheCameraOnThatSide) {
         manager->UpdateLayers();
         ASSERT_TRUE(Visible(face));
         now += 1000;
-        DrawFlags result = Click(FaceCentre(face));
+        const glm::ivec2 at = FaceCentre(face);
+        DrawFlags result = Click(at.x, at.y);
         EXPECT_EQ(result & DrawFlags(17), DrawFlags(17)) << "the face click's 17 reaches the host";
         EXPECT_NEAR(glm::distance(camera->Position(), target + 7.f * kNormals[face]), 0.f, 1e-4f);
         EXPECT_EQ(camera->UpVector(), ups[face]);

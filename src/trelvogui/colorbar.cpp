@@ -116,7 +116,8 @@ void ColorBar::DrawCustom() {
     GB_CHECK_GL(kFile);
     GUI::Renderer::detail::SetTargetSamplers(program);
 
-    GUI::Renderer::detail::TargetBarrier();
+    // The ramp covers exactly the rectangle: a barrier only if something drawn since overlaps it.
+    GUI::Renderer::detail::TargetBarrierFor(r);
     vertexBuffer_->draw(GLVertexBuffer::TriangleFan);
     program_->end();
 }

@@ -226,9 +226,7 @@ DrawFlags ManipulatorControl::OnMouseDown(GUI::Event* e) {
     case 6:
         dragAxis_ = frame.zvector();
         break;
-    default:
-        if (IsScaleBox(activeHandle_))
-            scale_ = 1.0;
+    default: // scale boxes and the centre keep the axis of the last press; scale_ is 1 already
         break;
     }
     planeDirection(pressMouse_, dragAxis_, pressDirection_);

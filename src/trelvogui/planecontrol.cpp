@@ -9,7 +9,8 @@ PlaneControl::PlaneControl(std::shared_ptr<Camera> camera) : ManipulatorControl(
 PlaneControl::~PlaneControl() = default;
 
 bool PlaneControl::Initialize() {
-    initialized_ = false;
+    // Only a complete widget keeps an outline: DrawCustom draws nothing without one.
+    planarRenderer_.reset();
     if (!ManipulatorControl::Initialize())
         return false;
     // The outline holds the gizmo's own frame; the aliasing pointer keeps the gizmo renderer alive
@@ -24,12 +25,11 @@ bool PlaneControl::Initialize() {
     planar->SetVisible(Visible());
     planar->SetShape(pendingShape_);
     planarRenderer_ = std::move(planar);
-    initialized_ = true;
     return true;
 }
 
 void PlaneControl::DrawCustom() {
-    if (!initialized_ || !GetCamera())
+    if (!planarRenderer_ || !GetCamera())
         return;
     ManipulatorControl::DrawCustom();
     GetCamera()->SetMatrixParams(planarRenderer_.get());

@@ -27,5 +27,4 @@ public:
 private:
     std::unique_ptr<PlanarShapeRenderer> planarRenderer_;
     PlanarShape pendingShape_ = Square;
-    bool initialized_ = false;
 };

@@ -17,6 +17,12 @@ uint32_t LayerPixels::Pid(int x, int y) const {
     return ids[(static_cast<std::size_t>(y) * width + x) * 4];
 }
 
+uint32_t LayerPixels::Sid(int x, int y) const {
+    if (x < 0 || y < 0 || x >= width || y >= height)
+        return 0;
+    return ids[(static_cast<std::size_t>(y) * width + x) * 4 + 1];
+}
+
 LayerPixels ReadLayers(GUI::GUIManager& manager, int width, int height) {
     LayerPixels out;
     out.width = width;

@@ -17,7 +17,9 @@ struct LayerPixels {
     std::vector<uint32_t> ids;  ///< RGBA32UI, rows bottom-up
 
     std::array<uint8_t, 4> Color(int x, int y) const;
+    /// The ids at (x, y); 0 outside the layers.
     uint32_t Pid(int x, int y) const;
+    uint32_t Sid(int x, int y) const;
 };
 
 /// Reads the layers the last UpdateLayers left; restores the default framebuffer afterwards.

@@ -44,6 +44,12 @@ DrawFlags OverlayTest::Release(int x, int y) {
     return manager->mouseReleaseEvent(&e);
 }
 
+DrawFlags OverlayTest::Click(int x, int y) {
+    const int hostY = manager->GetHeight() - y;
+    Press(x, hostY);
+    return Release(x, hostY);
+}
+
 unsigned OverlayTest::PidAt(int x, int y) {
     unsigned pid = 99, sid = 99;
     EXPECT_TRUE(manager->HitDetect(x, y, &pid, &sid));

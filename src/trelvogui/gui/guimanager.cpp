@@ -326,33 +326,50 @@ void GUIManager::UpdateLayers() {
     bool whole = strict || layersWhole_ || animating;
     GUI::Geometry::Rectangle damage{0, 0, 0, 0};
     bool damaged = false;
-    auto addDamage = [&](const GUI::Geometry::Rectangle& r) {
-        if (!damaged)
-            damage = r;
-        damage.Include(r);
-        damaged = true;
+    auto include = [](GUI::Geometry::Rectangle& into, bool& any, const GUI::Geometry::Rectangle& r) {
+        if (!any)
+            into = r;
+        into.Include(r);
+        any = true;
     };
+    // The same pass keeps each cached root's footprint (computed again only when the root changed,
+    // or moves under an animation) and the composite's bounds: their union, or the whole view as
+    // soon as a visible root draws without a cached layer.
+    compositeWhole_ = false;
+    bool bounded = false;
     for (GUI::Controls::Base* control : Controls()) {
         if (control->HasParent())
             continue;
         const bool stale = control->NeedsRedraw();
-        if (stale && !whole) {
-            auto previous = footprints_.find(control->GetId());
-            if (!control->Animatable() || previous == footprints_.end())
+        control->DrawToTexture(atlas_);
+        if (!control->Animatable()) {
+            compositeWhole_ = compositeWhole_ || control->Visible();
+            whole = whole || stale;
+            continue;
+        }
+        auto known = footprints_.find(control->GetId());
+        if (stale) {
+            if (known == footprints_.end())
                 whole = true;
             else
-                addDamage(previous->second);
+                include(damage, damaged, known->second);
         }
-        control->DrawToTexture(atlas_);
-        if (stale && !whole && control->Visible())
-            addDamage(GUI::Renderer::OpenglRenderer::CachedLayerFootprint(
-                *control->GetLocalFrameAnimation(), control->GetRenderRectangle(), control->Center()));
-    }
-    footprints_.clear();
-    for (GUI::Controls::Base* control : Controls())
-        if (!control->HasParent() && control->Animatable() && control->Visible())
-            footprints_[control->GetId()] = GUI::Renderer::OpenglRenderer::CachedLayerFootprint(
+        if (!control->Visible()) {
+            if (known != footprints_.end())
+                footprints_.erase(known);
+            continue;
+        }
+        if (stale || animating || known == footprints_.end()) {
+            GUI::Geometry::Rectangle now = GUI::Renderer::OpenglRenderer::CachedLayerFootprint(
                 *control->GetLocalFrameAnimation(), control->GetRenderRectangle(), control->Center());
+            if (stale)
+                include(damage, damaged, now);
+            known = footprints_.insert_or_assign(control->GetId(), now).first;
+        }
+        include(compositeBounds_, bounded, known->second);
+    }
+    if (!bounded)
+        compositeBounds_ = {0, 0, 0, 0};
     layersWhole_ = false;
     GUI::Geometry::Rectangle region{0, width_, 0, height_};
     if (!whole) {
@@ -361,7 +378,6 @@ void GUIManager::UpdateLayers() {
         if (!damaged || region.Width() <= 0 || region.Height() <= 0) {
             // Only off-screen or invisible changes: the layers stay as they are.
             updating_ = false;
-            updateCompositeBounds();
             needsRedraw_ = false;
             return;
         }
@@ -437,33 +453,9 @@ void GUIManager::UpdateLayers() {
         GB_CHECK_GL(kFile);
     }
     updating_ = false;
-    updateCompositeBounds();
     needsRedraw_ = !animations_.empty();
     layerUpdateTime_ += static_cast<int32_t>(GUI::Clock::Ticks() - t0);
     ++layerUpdateCount_;
-}
-
-void GUIManager::updateCompositeBounds() {
-    // Cached layers tell exactly where they land; anything else a root draws (a label, a 3D widget)
-    // may cover the whole view.
-    compositeBounds_ = {0, 0, 0, 0};
-    compositeWhole_ = false;
-    bool any = false;
-    for (GUI::Controls::Base* control : Controls()) {
-        if (control->HasParent() || !control->Visible())
-            continue;
-        if (!control->Animatable()) {
-            compositeWhole_ = true;
-            return;
-        }
-        GUI::Geometry::Rectangle footprint = GUI::Renderer::OpenglRenderer::CachedLayerFootprint(
-            *control->GetLocalFrameAnimation(), control->GetRenderRectangle(), control->Center());
-        if (!any)
-            compositeBounds_ = footprint;
-        else
-            compositeBounds_.Include(footprint);
-        any = true;
-    }
 }
 
 void GUIManager::Draw() {
@@ -746,6 +738,7 @@ bool GUIManager::RemoveControl(GUI::Controls::Base* control) {
     }
     ClearAnimationOnControl(control);
     layersWhole_ = true;
+    footprints_.erase(control->GetId());
     control->SetManagerRedrawFlag(nullptr);
     SetNeedsRedraw(true);
     return Factory::RemoveControl(control);

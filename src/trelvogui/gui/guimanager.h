@@ -126,8 +126,6 @@ public:
 private:
     void deleteLayers();
     void deleteLayersFence();
-    /// Where the composite can show anything, from the roots drawn by the last update.
-    void updateCompositeBounds();
     /// Blocks until the last fast layer update has landed (before reading the id layer back).
     void waitForLayers();
     void deleteCompositeQuad();
