@@ -2,21 +2,34 @@
 // Skin piece: atlas colour masked by the stencil's coverage, composed over the target; stamps the
 // ids where the piece covers the pixel.
 
+#ifdef TARGET_FETCH
+// The fast path's build where the context offers coherent framebuffer fetch: the outputs start out
+// holding the target's pixel, the very values the samplers below return, and no draw needs a barrier.
+#extension GL_EXT_shader_framebuffer_fetch : require
+layout(location = 0) inout vec4 fragColor;
+layout(location = 1) inout uvec4 fragIds;
+#define TARGET_COLOR fragColor
+#define TARGET_IDS fragIds
+#else
+uniform sampler2D targetColorSampler;
+uniform usampler2D targetIDSampler;
+layout(location = 0) out vec4 fragColor;
+layout(location = 1) out uvec4 fragIds;
+#define TARGET_COLOR texelFetch(targetColorSampler, ivec2(gl_FragCoord.xy), 0)
+#define TARGET_IDS texelFetch(targetIDSampler, ivec2(gl_FragCoord.xy), 0)
+#endif
+
 in vec2 uv;
 
 uniform uint pid;
 uniform uint sid;
 uniform sampler2D textureSampler;
 uniform sampler2D stencilSampler;
-uniform sampler2D targetColorSampler;
-uniform usampler2D targetIDSampler;
 // Set when the atlas textures are sRGB: sampling returns linear values, while the target holds
 // display-encoded colour like every other input of the overlay.
 uniform bool textureIsSrgb;
 uniform bool stencilIsSrgb;
 
-layout(location = 0) out vec4 fragColor;
-layout(location = 1) out uvec4 fragIds;
 
 vec3 Encode(vec3 linear) {
     vec3 low = linear * 12.92;
@@ -33,9 +46,8 @@ void main() {
         coverage = Encode(vec3(coverage)).r;
     float a = source.a * coverage;
 
-    ivec2 pixel = ivec2(gl_FragCoord.xy);
-    vec4 target = texelFetch(targetColorSampler, pixel, 0);
-    uvec4 targetIds = texelFetch(targetIDSampler, pixel, 0);
+    vec4 target = TARGET_COLOR;
+    uvec4 targetIds = TARGET_IDS;
 
     fragColor = vec4(source.rgb * a + target.rgb * (1.0 - a), a + target.a * (1.0 - a));
     fragIds = a > 0.5 ? uvec4(pid, sid, 0u, 0u) : targetIds;

@@ -4,6 +4,7 @@
 
 #include <GL/glew.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -126,14 +127,14 @@ bool GLSLProgram::LoadSource(const std::string& fileName, std::string& source) {
     return true;
 }
 
-bool GLSLProgram::addShader(const std::string& fileName) {
-    bool added = compileAndAttach(fileName);
+bool GLSLProgram::addShader(const std::string& fileName, const std::string& defines) {
+    bool added = compileAndAttach(fileName, defines);
     if (!added && failedShader_.empty())
         failedShader_ = fileName;
     return added;
 }
 
-bool GLSLProgram::compileAndAttach(const std::string& fileName) {
+bool GLSLProgram::compileAndAttach(const std::string& fileName, const std::string& defines) {
     GLenum stage = StageFor(fileName);
     if (stage == 0) {
         std::printf("GLSLProgram: %s: unknown shader stage (expected .vert, .vs, .frag or .fs)\n",
@@ -144,6 +145,15 @@ bool GLSLProgram::compileAndAttach(const std::string& fileName) {
     if (!LoadSource(fileName, source)) {
         std::printf("GLSLProgram: %s: shader file not found\n", fileName.c_str());
         return false;
+    }
+    if (!defines.empty()) {
+        // After the #version line, which must stay first; #line keeps the driver's messages pointing
+        // at the file's own line numbers.
+        size_t at = source.compare(0, 8, "#version") == 0 ? source.find('\n') : std::string::npos;
+        at = at == std::string::npos ? 0 : at + 1;
+        size_t lineOfRest =
+            static_cast<size_t>(std::count(source.begin(), source.begin() + static_cast<long>(at), '\n')) + 1;
+        source.insert(at, defines + "#line " + std::to_string(lineOfRest) + "\n");
     }
 
     GLuint shader = glCreateShader(stage);

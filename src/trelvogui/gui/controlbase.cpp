@@ -93,15 +93,20 @@ void Base::DrawToTexture(GUI::Texture::Atlas* atlas) {
     bool any = false;
     const bool partial = drawn_ && !damaged_ && previous == renderRectangle_ &&
                          renderer->SupportsPartialRedraw() && collectDamage(damage, any);
+    redrewPartially_ = partial;
+    redrawnRegion_ = {0, 0, 0, 0};
     if (partial) {
         GUI::Geometry::Rectangle region{
             std::max(damage.xMin, renderRectangle_.xMin), std::min(damage.xMax, renderRectangle_.xMax),
             std::max(damage.yMin, renderRectangle_.yMin), std::min(damage.yMax, renderRectangle_.yMax)};
         if (any && region.Width() > 0 && region.Height() > 0) {
+            redrawnRegion_ = region;
             renderer->SetRenderTargetToTextureRegion(colorTexture_, idTexture_, renderRectangle_, region);
             if (renderer->RenderTargetReady()) {
                 drawWithChildrenIn(atlas, region);
                 renderer->ClearRenderTargetToTexture();
+            } else {
+                redrewPartially_ = false;
             }
         }
     } else {

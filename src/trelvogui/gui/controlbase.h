@@ -44,6 +44,12 @@ public:
 
     /// Renders the subtree into the cached layer when animatable and stale.
     virtual void DrawToTexture(GUI::Texture::Atlas* atlas);
+    /// Whether the last DrawToTexture redrew only part of the cached layer, which part (in the
+    /// layer's own untransformed coordinates; empty when nothing inside had changed).
+    bool RedrewOnlyRegion(GUI::Geometry::Rectangle& region) const {
+        region = redrawnRegion_;
+        return redrewPartially_;
+    }
     /// If visible: DrawControl, DrawCustom, then every child's DrawWithChildren.
     virtual void DrawWithChildren(GUI::Texture::Atlas* atlas);
     /// Top-level drawing: roots only; animatable roots composite their cached layer.
@@ -81,6 +87,10 @@ public:
     virtual bool Sizeable();
     virtual bool Animatable();
     virtual bool NeedsRedraw();
+    /// Clears this control's stale flag and nothing else (SetNeedsRedraw(false) still marks the
+    /// manager): for the manager once it has drawn a root that has no cached layer, so that the root
+    /// counts as changed again only when something marks it.
+    void ClearNeedsRedraw() { needsRedraw_ = false; }
     virtual bool UsesCamera();
     virtual bool UsesLight();
     virtual void SetEnabled(bool v);
@@ -238,7 +248,9 @@ private:
     bool damaged_ = true;
     bool drawn_ = false;
     bool drawsOutside_ = false;
+    bool redrewPartially_ = false;
     GUI::Geometry::Rectangle drawnRectangle_{0, 0, 0, 0};
+    GUI::Geometry::Rectangle redrawnRegion_{0, 0, 0, 0};
 };
 
 } // namespace GUI::Controls

@@ -316,6 +316,7 @@ void GUIManager::UpdateLayers() {
     // defined; with one, barriers are issued where draws overlap and nothing waits.
     const bool strict = strictSynchronisation_ || !GUI::Renderer::detail::TextureBarrierAvailable();
     GUI::Renderer::detail::SetStrictBarriers(strict);
+    GUI::Renderer::detail::AllowTargetFetch(framebufferFetch_);
     // A host's scissor would clip the layers; the bindings above put it back.
     glDisable(GL_SCISSOR_TEST);
     GB_CHECK_GL(kFile);
@@ -345,10 +346,17 @@ void GUIManager::UpdateLayers() {
         if (!control->Animatable()) {
             compositeWhole_ = compositeWhole_ || control->Visible();
             whole = whole || stale;
+            // Drawn below, straight into the layers.
+            control->ClearNeedsRedraw();
             continue;
         }
         auto known = footprints_.find(control->GetId());
-        if (stale) {
+        // A root that stays where it was and redrew part of its layer changes only what that part
+        // covers in the composite, not its whole footprint.
+        GUI::Geometry::Rectangle part{0, 0, 0, 0};
+        const bool inPlace =
+            stale && known != footprints_.end() && control->Visible() && control->RedrewOnlyRegion(part);
+        if (stale && !inPlace) {
             if (known == footprints_.end())
                 whole = true;
             else
@@ -360,10 +368,20 @@ void GUIManager::UpdateLayers() {
             continue;
         }
         if (stale || animating || known == footprints_.end()) {
-            GUI::Geometry::Rectangle now = GUI::Renderer::OpenglRenderer::CachedLayerFootprint(
-                *control->GetLocalFrameAnimation(), control->GetRenderRectangle(), control->Center());
-            if (stale)
+            using GUI::Renderer::OpenglRenderer;
+            GUI::Animation::Frame& frame = *control->GetLocalFrameAnimation();
+            GUI::Geometry::Rectangle now =
+                OpenglRenderer::CachedLayerFootprint(frame, control->GetRenderRectangle(), control->Center());
+            if (inPlace && now == known->second) {
+                if (part.Width() > 0 && part.Height() > 0)
+                    include(damage, damaged,
+                            OpenglRenderer::CachedLayerFootprint(frame, control->GetRenderRectangle(),
+                                                                 control->Center(), &part));
+            } else if (stale) {
                 include(damage, damaged, now);
+                if (inPlace)
+                    include(damage, damaged, known->second);
+            }
             known = footprints_.insert_or_assign(control->GetId(), now).first;
         }
         include(compositeBounds_, bounded, known->second);
@@ -429,6 +447,7 @@ void GUIManager::UpdateLayers() {
     GB_CHECK_GL(kFile);
 
     GUI::Renderer::detail::TargetChanged();
+    GUI::Renderer::detail::SetDrawRegion(whole ? nullptr : &region);
     {
         std::unique_ptr<GL::GLScopedSetter> state = renderer_->SetRenderAttributes();
         for (GUI::Controls::Base* control : Controls()) {

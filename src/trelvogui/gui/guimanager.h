@@ -113,6 +113,13 @@ public:
     /// bit for bit), and contexts without a texture barrier always use the strict way.
     void SetStrictSynchronisation(bool on) { strictSynchronisation_ = on; }
     bool GetStrictSynchronisation() const { return strictSynchronisation_; }
+    /// Where the context offers coherent framebuffer fetch, the default update reads the target
+    /// through it instead of sampling it: no barriers at all, and changes of program or texture
+    /// between draws stay cheap (with the target among the samplers, a software rasteriser flushes on
+    /// each). The layers are the same either way (tested); switch it off for a driver that
+    /// misbehaves. Strict synchronisation never uses it.
+    void SetFramebufferFetch(bool allowed) { framebufferFetch_ = allowed; }
+    bool GetFramebufferFetch() const { return framebufferFetch_; }
     void SetExplicitGammaCorrection(bool on) { explicitGammaCorrection_ = on; }
     bool GetExplicitGammaCorrection() const { return explicitGammaCorrection_; }
     /// Milliseconds spent in layer updates that re-rendered, and how many updates there were.
@@ -158,6 +165,7 @@ private:
     int32_t layerUpdateCount_ = 0;
     bool explicitGammaCorrection_ = false;
     bool strictSynchronisation_ = false;
+    bool framebufferFetch_ = true;
     // A GLsync, kept opaque here so that the header needs no sync types.
     void* layersFence_ = nullptr;
     GUI::Geometry::Rectangle compositeBounds_;

@@ -84,24 +84,31 @@ OpenglRenderer::~OpenglRenderer() {
     texturedProgram_.reset();
     lineProgram_.reset();
     cachedProgram_.reset();
+    texturedFetchProgram_.reset();
+    lineFetchProgram_.reset();
+    cachedFetchProgram_.reset();
     textRenderer_.reset();
 }
 
-bool OpenglRenderer::BuildProgram(std::unique_ptr<GLSLProgram>& program, const char* vertex,
-                                  const char* fragment) {
-    program = std::make_unique<GLSLProgram>();
-    return program->addShader(vertex) && program->addShader(fragment) && program->linkProgram();
+std::vector<GLSLProgram*> OpenglRenderer::programs() const {
+    std::vector<GLSLProgram*> all;
+    for (const auto* program : {&texturedProgram_, &lineProgram_, &cachedProgram_, &texturedFetchProgram_,
+                                &lineFetchProgram_, &cachedFetchProgram_})
+        if (*program != nullptr)
+            all.push_back(program->get());
+    return all;
 }
 
 bool OpenglRenderer::Initialize() {
     initialized_ = false;
     if (!InitializeFBO())
         return false;
-    if (!BuildProgram(texturedProgram_, "UITexturedShader.vert", "UITexturedShader.frag"))
-        return false;
-    if (!BuildProgram(lineProgram_, "UILineShader.vert", "UILineShader.frag"))
-        return false;
-    if (!BuildProgram(cachedProgram_, "UITexturedCachedShader.vert", "UITexturedCachedShader.frag"))
+    using detail::BuildTargetPrograms;
+    if (!BuildTargetPrograms(texturedProgram_, texturedFetchProgram_, "UITexturedShader.vert",
+                             "UITexturedShader.frag") ||
+        !BuildTargetPrograms(lineProgram_, lineFetchProgram_, "UILineShader.vert", "UILineShader.frag") ||
+        !BuildTargetPrograms(cachedProgram_, cachedFetchProgram_, "UITexturedCachedShader.vert",
+                             "UITexturedCachedShader.frag"))
         return false;
     if (!BuildCircleBuffer() || !BuildQuadBuffer() || !BuildCenteredQuadBuffer() || !BuildOutlineBuffer() ||
         !BuildLineBuffer())
@@ -124,7 +131,7 @@ void OpenglRenderer::SetSamplerDefaults() {
         {"sourceColorSampler", kSourceColorUnit}, {"sourceIDSampler", kSourceIdUnit},
         {"textureSampler", kAtlasColorUnit},      {"stencilSampler", kAtlasStencilUnit},
     };
-    for (GLSLProgram* program : {texturedProgram_.get(), lineProgram_.get(), cachedProgram_.get()}) {
+    for (GLSLProgram* program : programs()) {
         program->begin();
         for (const Sampler& s : kSamplers) {
             // Each program uses only some of the samplers; the others are simply absent.
@@ -166,9 +173,8 @@ bool OpenglRenderer::SetScreen(unsigned int width, unsigned int height) {
     projection[3][0] = -1.f;
     projection[3][1] = -1.f;
     projection[3][2] = -0.f;
-    UploadProjection(*texturedProgram_, glm::value_ptr(projection));
-    UploadProjection(*cachedProgram_, glm::value_ptr(projection));
-    UploadProjection(*lineProgram_, glm::value_ptr(projection));
+    for (GLSLProgram* program : programs())
+        UploadProjection(*program, glm::value_ptr(projection));
 
     glm::mat4 textProjection = projection;
     textProjection[2][2] = -1.f;
@@ -210,17 +216,21 @@ void OpenglRenderer::DrawCircle(GUI::Geometry::Circle const&) {}
 void OpenglRenderer::DrawFilledCircle(GUI::Geometry::Circle const&) {}
 
 void OpenglRenderer::DrawRectangle(GUI::Geometry::Rectangle const& rectangle) {
-    if (!initialized_)
+    if (!initialized_ || !detail::InDrawRegion(rectangle))
         return;
-    GLuint program = lineProgram_->getProgram();
-    lineProgram_->begin();
+    GLSLProgram& line = detail::ProgramFor(*lineProgram_, lineFetchProgram_.get());
+    const bool samples = &line == lineProgram_.get();
+    GLuint program = line.getProgram();
+    line.begin();
     SetIdUniforms(program);
     SetPlacement(program, rectangle);
-    glUniform1i(UniformLocation(program, "targetColorSampler"), kTargetColorUnit);
-    GB_CHECK_GL(kTag);
-    detail::TargetBarrierFor(rectangle);
+    if (samples) {
+        glUniform1i(UniformLocation(program, "targetColorSampler"), kTargetColorUnit);
+        GB_CHECK_GL(kTag);
+    }
+    detail::TargetBarrierFor(rectangle, samples);
     quadBuffer_->draw(GLVertexBuffer::TriangleFan);
-    lineProgram_->end();
+    detail::EndDraw(line);
     // Strict synchronisation finishes every fill before the next draw; otherwise the barriers order
     // the draws and the pick read waits for the id layer by itself.
     if (detail::StrictBarriers()) {
@@ -230,10 +240,11 @@ void OpenglRenderer::DrawRectangle(GUI::Geometry::Rectangle const& rectangle) {
 }
 
 void OpenglRenderer::DrawFilledRectangle(GUI::Geometry::Rectangle const& rectangle) {
-    if (!initialized_)
+    if (!initialized_ || !detail::InDrawRegion(rectangle))
         return;
-    GLuint program = lineProgram_->getProgram();
-    lineProgram_->begin();
+    GLSLProgram& line = detail::ProgramFor(*lineProgram_, lineFetchProgram_.get());
+    GLuint program = line.getProgram();
+    line.begin();
     SetPlacement(program, rectangle);
     // An outline is decoration, not a hit area: keep the id attachment as it was.
     GLboolean idMask[4] = {GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE};
@@ -241,45 +252,49 @@ void OpenglRenderer::DrawFilledRectangle(GUI::Geometry::Rectangle const& rectang
     GB_CHECK_GL(kTag);
     glColorMaski(1, GL_FALSE, GL_FALSE, GL_FALSE, GL_FALSE);
     GB_CHECK_GL(kTag);
-    detail::TargetBarrierFor(rectangle);
+    detail::TargetBarrierFor(rectangle, &line == lineProgram_.get());
     outlineBuffer_->draw(GLVertexBuffer::LineLoop);
     glColorMaski(1, idMask[0], idMask[1], idMask[2], idMask[3]);
     GB_CHECK_GL(kTag);
-    lineProgram_->end();
+    detail::EndDraw(line);
 }
 
-void OpenglRenderer::DrawTexturedRectangle(GUI::Geometry::TexturedRectangle const& textured) {
-    if (!initialized_)
+void OpenglRenderer::DrawTexturedRectangle(GUI::Geometry::TexturedRectangle const& piece) {
+    const GUI::Geometry::Rectangle& r = piece.rectangle;
+    if (!initialized_ || !detail::InDrawRegion(r))
         return;
-    const GUI::Geometry::Rectangle& r = textured.rectangle;
     glDisable(GL_BLEND);
     GB_CHECK_GL(kTag);
     bool textureIsSrgb = IsSrgbOnUnit(kAtlasColorUnit);
     bool stencilIsSrgb = IsSrgbOnUnit(kAtlasStencilUnit);
 
-    GLuint program = texturedProgram_->getProgram();
-    texturedProgram_->begin();
+    GLSLProgram& textured = detail::ProgramFor(*texturedProgram_, texturedFetchProgram_.get());
+    const bool samples = &textured == texturedProgram_.get();
+    GLuint program = textured.getProgram();
+    textured.begin();
     SetIdUniforms(program);
     SetPlacement(program, r);
-    glUniform2f(UniformLocation(program, "uvMin"), textured.s0, textured.t0);
+    glUniform2f(UniformLocation(program, "uvMin"), piece.s0, piece.t0);
     GB_CHECK_GL(kTag);
-    glUniform2f(UniformLocation(program, "uvDim"), textured.s1 - textured.s0, textured.t1 - textured.t0);
+    glUniform2f(UniformLocation(program, "uvDim"), piece.s1 - piece.s0, piece.t1 - piece.t0);
     GB_CHECK_GL(kTag);
     glUniform1i(UniformLocation(program, "textureSampler"), kAtlasColorUnit);
     GB_CHECK_GL(kTag);
     glUniform1i(UniformLocation(program, "stencilSampler"), kAtlasStencilUnit);
     GB_CHECK_GL(kTag);
-    glUniform1i(UniformLocation(program, "targetColorSampler"), kTargetColorUnit);
-    GB_CHECK_GL(kTag);
-    glUniform1i(UniformLocation(program, "targetIDSampler"), kTargetIdUnit);
-    GB_CHECK_GL(kTag);
+    if (samples) {
+        glUniform1i(UniformLocation(program, "targetColorSampler"), kTargetColorUnit);
+        GB_CHECK_GL(kTag);
+        glUniform1i(UniformLocation(program, "targetIDSampler"), kTargetIdUnit);
+        GB_CHECK_GL(kTag);
+    }
     glUniform1i(UniformLocationQuiet(program, "textureIsSrgb"), textureIsSrgb ? 1 : 0);
     GB_CHECK_GL(kTag);
     glUniform1i(UniformLocationQuiet(program, "stencilIsSrgb"), stencilIsSrgb ? 1 : 0);
     GB_CHECK_GL(kTag);
-    detail::TargetBarrierFor(r);
+    detail::TargetBarrierFor(r, samples);
     quadBuffer_->draw(GLVertexBuffer::TriangleFan);
-    texturedProgram_->end();
+    detail::EndDraw(textured);
     if (detail::StrictBarriers()) {
         glFlush();
         GB_CHECK_GL(kTag);
@@ -312,23 +327,27 @@ void OpenglRenderer::GetTextSize(GUI::Text* text, int* width, int* height) {
 
 void OpenglRenderer::SetLineThickness(float thickness) {
     lineThickness_ = thickness;
-    if (lineProgram_ == nullptr)
-        return;
-    lineProgram_->begin();
-    glUniform1f(UniformLocation(lineProgram_->getProgram(), "thickness"), thickness);
-    GB_CHECK_GL(kTag);
-    lineProgram_->end();
+    for (GLSLProgram* line : {lineProgram_.get(), lineFetchProgram_.get()}) {
+        if (line == nullptr)
+            continue;
+        line->begin();
+        glUniform1f(UniformLocation(line->getProgram(), "thickness"), thickness);
+        GB_CHECK_GL(kTag);
+        line->end();
+    }
 }
 
 void OpenglRenderer::SetLineColor(GUI::Color color) {
     lineColor_ = color;
-    if (lineProgram_ == nullptr)
-        return;
-    lineProgram_->begin();
-    glUniform4f(UniformLocation(lineProgram_->getProgram(), "color"), color.r / 255.f, color.g / 255.f,
-                color.b / 255.f, color.a / 255.f);
-    GB_CHECK_GL(kTag);
-    lineProgram_->end();
+    for (GLSLProgram* line : {lineProgram_.get(), lineFetchProgram_.get()}) {
+        if (line == nullptr)
+            continue;
+        line->begin();
+        glUniform4f(UniformLocation(line->getProgram(), "color"), color.r / 255.f, color.g / 255.f,
+                    color.b / 255.f, color.a / 255.f);
+        GB_CHECK_GL(kTag);
+        line->end();
+    }
 }
 
 // Text takes its colour from the text renderer's own path.
@@ -436,6 +455,7 @@ void OpenglRenderer::bindTarget(GUI::Texture::Base* color, GUI::Texture::Base* i
     glDrawBuffers(2, kBoth);
     GB_CHECK_GL(kTag);
     detail::TargetChanged();
+    detail::SetDrawRegion(region);
     targetReady_ = true;
 }
 
@@ -480,12 +500,26 @@ glm::mat4 OpenglRenderer::CachedLayerTransform(const GUI::Animation::Frame& fram
 
 GUI::Geometry::Rectangle OpenglRenderer::CachedLayerFootprint(const GUI::Animation::Frame& frame,
                                                               const GUI::Geometry::Rectangle& rectangle,
-                                                              const GUI::Geometry::Point& pivot) {
+                                                              const GUI::Geometry::Point& pivot,
+                                                              const GUI::Geometry::Rectangle* part) {
     const glm::mat4 m = CachedLayerTransform(frame, rectangle, pivot);
     float x0 = 1e30f, x1 = -1e30f, y0 = 1e30f, y1 = -1e30f;
-    // The quad spans -0.5..0.5 before the transform.
-    for (glm::vec2 corner :
-         {glm::vec2(-0.5f, -0.5f), glm::vec2(0.5f, -0.5f), glm::vec2(0.5f, 0.5f), glm::vec2(-0.5f, 0.5f)}) {
+    // The quad spans -0.5..0.5 before the transform. A part is grown by a texel, which a filtered
+    // sample next to it still reads.
+    glm::vec2 low(-0.5f), high(0.5f);
+    if (part != nullptr && rectangle.Width() > 0 && rectangle.Height() > 0) {
+        const glm::vec2 origin(static_cast<float>(rectangle.xMin), static_cast<float>(rectangle.yMin));
+        const glm::vec2 size(static_cast<float>(rectangle.Width()), static_cast<float>(rectangle.Height()));
+        low = glm::max(
+            low, (glm::vec2(static_cast<float>(part->xMin), static_cast<float>(part->yMin)) - 1.f - origin) /
+                         size -
+                     0.5f);
+        high = glm::min(
+            high, (glm::vec2(static_cast<float>(part->xMax), static_cast<float>(part->yMax)) + 1.f - origin) /
+                          size -
+                      0.5f);
+    }
+    for (glm::vec2 corner : {low, glm::vec2(high.x, low.y), high, glm::vec2(low.x, high.y)}) {
         glm::vec4 q = m * glm::vec4(corner, 0.f, 1.f);
         x0 = std::min(x0, q.x);
         x1 = std::max(x1, q.x);
@@ -507,20 +541,27 @@ void OpenglRenderer::RenderTexture(GUI::Texture::Base* color, GUI::Texture::Base
     if (cachedProgram_ == nullptr || centeredQuadBuffer_ == nullptr || !color || !ids || NameOf(color) == 0 ||
         NameOf(ids) == 0)
         return;
+    const GUI::Geometry::Rectangle footprint = CachedLayerFootprint(*frame, *rectangle, *pivot);
+    if (!detail::InDrawRegion(footprint))
+        return;
     const glm::mat4 modelView = CachedLayerTransform(*frame, *rectangle, *pivot);
 
     glDisable(GL_BLEND);
     GB_CHECK_GL(kTag);
-    GLuint program = cachedProgram_->getProgram();
-    cachedProgram_->begin();
+    GLSLProgram& cached = detail::ProgramFor(*cachedProgram_, cachedFetchProgram_.get());
+    const bool samples = &cached == cachedProgram_.get();
+    GLuint program = cached.getProgram();
+    cached.begin();
     glUniformMatrix4fv(UniformLocation(program, "ModelViewMatrix"), 1, GL_FALSE, glm::value_ptr(modelView));
     GB_CHECK_GL(kTag);
     glUniform1f(UniformLocation(program, "alpha"), frame->getAlpha());
     GB_CHECK_GL(kTag);
-    glUniform1i(UniformLocation(program, "targetColorSampler"), kTargetColorUnit);
-    GB_CHECK_GL(kTag);
-    glUniform1i(UniformLocation(program, "targetIDSampler"), kTargetIdUnit);
-    GB_CHECK_GL(kTag);
+    if (samples) {
+        glUniform1i(UniformLocation(program, "targetColorSampler"), kTargetColorUnit);
+        GB_CHECK_GL(kTag);
+        glUniform1i(UniformLocation(program, "targetIDSampler"), kTargetIdUnit);
+        GB_CHECK_GL(kTag);
+    }
     glUniform1i(UniformLocation(program, "sourceColorSampler"), kSourceColorUnit);
     GB_CHECK_GL(kTag);
     glUniform1i(UniformLocation(program, "sourceIDSampler"), kSourceIdUnit);
@@ -534,9 +575,9 @@ void OpenglRenderer::RenderTexture(GUI::Texture::Base* color, GUI::Texture::Base
     if (ids->Bind())
         UseNearestFilter();
 
-    detail::TargetBarrierFor(CachedLayerFootprint(*frame, *rectangle, *pivot));
+    detail::TargetBarrierFor(footprint, samples);
     centeredQuadBuffer_->draw(GLVertexBuffer::TriangleFan);
-    cachedProgram_->end();
+    detail::EndDraw(cached);
 }
 
 bool OpenglRenderer::InitializeFBO() {

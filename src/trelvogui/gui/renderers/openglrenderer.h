@@ -8,6 +8,7 @@
 #include <glm/glm.hpp>
 
 #include <memory>
+#include <vector>
 
 class GLSLProgram;
 class GLVertexBuffer;
@@ -75,16 +76,19 @@ public:
                                   GUI::Geometry::Rectangle& rectangle) override;
     /// Back to the host's framebuffer with a full-screen viewport.
     void ClearRenderTargetToTexture() override;
-    /// Composites a layer pair onto the current target: the layer covers `rectangle`, transformed
-    /// by the frame about `pivot`, faded by the frame's alpha.
     /// The transform that places a cached layer's unit quad (-0.5..0.5) when it is composited.
     static glm::mat4 CachedLayerTransform(const GUI::Animation::Frame& frame,
                                           const GUI::Geometry::Rectangle& rectangle,
                                           const GUI::Geometry::Point& pivot);
-    /// The pixels a composited cached layer can cover (with a pixel of margin).
+    /// The pixels a composited cached layer can cover (with a pixel of margin). With `part` (in the
+    /// layer's untransformed coordinates), only the pixels that this part of it can reach, filtering
+    /// included: what a partial redraw of the layer changes in the composite.
     static GUI::Geometry::Rectangle CachedLayerFootprint(const GUI::Animation::Frame& frame,
                                                          const GUI::Geometry::Rectangle& rectangle,
-                                                         const GUI::Geometry::Point& pivot);
+                                                         const GUI::Geometry::Point& pivot,
+                                                         const GUI::Geometry::Rectangle* part = nullptr);
+    /// Composites a layer pair onto the current target: the layer covers `rectangle`, transformed
+    /// by the frame about `pivot`, faded by the frame's alpha.
     void RenderTexture(GUI::Texture::Base* color, GUI::Texture::Base* ids, GUI::Animation::Frame* frame,
                        GUI::Geometry::Rectangle* rectangle, GUI::Geometry::Point* pivot) override;
 
@@ -117,7 +121,8 @@ private:
     /// `region` only that part cleared and drawable.
     void bindTarget(GUI::Texture::Base* color, GUI::Texture::Base* ids, GUI::Geometry::Rectangle& rectangle,
                     const GUI::Geometry::Rectangle* region);
-    bool BuildProgram(std::unique_ptr<GLSLProgram>& program, const char* vertex, const char* fragment);
+    /// Every program built, both builds of each, for state that is set on all of them.
+    std::vector<GLSLProgram*> programs() const;
     /// Points every sampler at its fixed unit once, so draws that set no sampler still read the
     /// right textures.
     void SetSamplerDefaults();
@@ -142,9 +147,14 @@ private:
     std::unique_ptr<GLVertexBuffer> centeredQuadBuffer_;
     std::unique_ptr<GLVertexBuffer> outlineBuffer_;
     std::unique_ptr<GLVertexBuffer> lineBuffer_;
+    // Each program in its literal build and, where the context offers framebuffer fetch, the build
+    // the fast path draws with.
     std::unique_ptr<GLSLProgram> texturedProgram_;
     std::unique_ptr<GLSLProgram> lineProgram_;
     std::unique_ptr<GLSLProgram> cachedProgram_;
+    std::unique_ptr<GLSLProgram> texturedFetchProgram_;
+    std::unique_ptr<GLSLProgram> lineFetchProgram_;
+    std::unique_ptr<GLSLProgram> cachedFetchProgram_;
     std::unique_ptr<TextRendererFreeType> textRenderer_;
 };
 

@@ -197,6 +197,7 @@ struct TextRendererFreeType::Impl {
 
     FontSettings settings;
     std::unique_ptr<GLSLProgram> program;
+    std::unique_ptr<GLSLProgram> fetchProgram; // the fast path's build, where the context offers fetch
     std::unique_ptr<GLVertexBuffer> quad;
 
     FT_Library library = nullptr;
@@ -485,9 +486,8 @@ bool TextRendererFreeType::Initialize() {
     if (!impl_->quad->addAttribute(2) || !impl_->quad->finishLayout() || !impl_->quad->upload(quad, 4))
         return false;
 
-    impl_->program = std::make_unique<GLSLProgram>();
-    return impl_->program->addShader("UITextShader.vert") && impl_->program->addShader("UITextShader.frag") &&
-           impl_->program->linkProgram();
+    return detail::BuildTargetPrograms(impl_->program, impl_->fetchProgram, "UITextShader.vert",
+                                       "UITextShader.frag");
 }
 
 void TextRendererFreeType::Draw(GUI::Texture::Base* target, GUI::Text* text, GUI::Geometry::Rectangle area,
@@ -515,14 +515,17 @@ void TextRendererFreeType::Draw(GUI::Texture::Base* target, GUI::Text* text, GUI
     int x = alignedStart(area.xMin, area.xMax, width, horizontalAlignment);
     int y = alignedStart(area.yMin, area.yMax, height, verticalAlignment);
 
-    if (!impl_->program || !impl_->program->isLinked())
+    const GUI::Geometry::Rectangle footprint{x, x + std::max(width, 0), y, y + std::max(height, 0)};
+    if (!impl_->program || !impl_->program->isLinked() || !detail::InDrawRegion(footprint))
         return;
     GL::GLScopedSetter state(GL::Disable{GL_BLEND});
     glActiveTexture(GL_TEXTURE1);
     GB_CHECK_GL(kTag);
     target->Bind();
-    impl_->program->begin();
-    GLuint program = impl_->program->getProgram();
+    GLSLProgram& textProgram = detail::ProgramFor(*impl_->program, impl_->fetchProgram.get());
+    const bool samples = &textProgram == impl_->program.get();
+    textProgram.begin();
+    GLuint program = textProgram.getProgram();
     // A default label colour is all zero; draw it as opaque black rather than not at all.
     float alpha = text->color.a == 0 ? 1.f : text->color.a / 255.f;
     glUniform4f(detail::UniformLocationQuiet(program, "fontColor"), text->color.r / 255.f,
@@ -530,10 +533,12 @@ void TextRendererFreeType::Draw(GUI::Texture::Base* target, GUI::Text* text, GUI
     GB_CHECK_GL(kTag);
     glUniform1i(detail::UniformLocationQuiet(program, "textureSampler"), 1);
     GB_CHECK_GL(kTag);
-    glUniform1i(detail::UniformLocation(program, "targetColorSampler"), 9);
-    GB_CHECK_GL(kTag);
-    glUniform1i(detail::UniformLocationQuiet(program, "targetIDSampler"), 10);
-    GB_CHECK_GL(kTag);
+    if (samples) {
+        glUniform1i(detail::UniformLocation(program, "targetColorSampler"), 9);
+        GB_CHECK_GL(kTag);
+        glUniform1i(detail::UniformLocationQuiet(program, "targetIDSampler"), 10);
+        GB_CHECK_GL(kTag);
+    }
     glUniform1ui(detail::UniformLocationQuiet(program, "sid"), subId_);
     GB_CHECK_GL(kTag);
     glUniform1ui(detail::UniformLocationQuiet(program, "pid"), primaryId_);
@@ -543,11 +548,15 @@ void TextRendererFreeType::Draw(GUI::Texture::Base* target, GUI::Text* text, GUI
     glUniform2ui(detail::UniformLocationQuiet(program, "rect"), static_cast<GLuint>(std::max(width, 0)),
                  static_cast<GLuint>(std::max(height, 0)));
     GB_CHECK_GL(kTag);
-    detail::TargetBarrierFor({x, x + std::max(width, 0), y, y + std::max(height, 0)});
+    detail::TargetBarrierFor(footprint, samples);
     impl_->quad->draw(GLVertexBuffer::TriangleFan);
-    impl_->program->end();
-    glBindTexture(GL_TEXTURE_2D, 0);
-    GB_CHECK_GL(kTag);
+    detail::EndDraw(textProgram);
+    // Unbinding is a texture change as well, with the same cost as a program change on the fast path;
+    // the next label's texture simply replaces this one.
+    if (detail::StrictBarriers()) {
+        glBindTexture(GL_TEXTURE_2D, 0);
+        GB_CHECK_GL(kTag);
+    }
 }
 
 void TextRendererFreeType::Measure(GUI::Text* text, int* width, int* height) {
@@ -567,13 +576,15 @@ void TextRendererFreeType::Measure(GUI::Text* text, int* width, int* height) {
 void TextRendererFreeType::SetScreen(unsigned int width, unsigned int height, const glm::mat4& projection) {
     screenWidth_ = width;
     screenHeight_ = height;
-    if (!impl_->program || !impl_->program->isLinked())
-        return;
-    impl_->program->begin();
-    glUniformMatrix4fv(detail::UniformLocationQuiet(impl_->program->getProgram(), "ProjectionMatrix"), 1,
-                       GL_FALSE, glm::value_ptr(projection));
-    GB_CHECK_GL(kTag);
-    impl_->program->end();
+    for (GLSLProgram* program : {impl_->program.get(), impl_->fetchProgram.get()}) {
+        if (program == nullptr || !program->isLinked())
+            continue;
+        program->begin();
+        glUniformMatrix4fv(detail::UniformLocationQuiet(program->getProgram(), "ProjectionMatrix"), 1,
+                           GL_FALSE, glm::value_ptr(projection));
+        GB_CHECK_GL(kTag);
+        program->end();
+    }
 }
 
 } // namespace GUI::Renderer

@@ -1,6 +1,7 @@
 #include "targetbarrier.h"
 
 #include <graphicsbase/glerror.h>
+#include <graphicsbase/glslprogram.h>
 
 #include <GL/glew.h>
 
@@ -18,6 +19,9 @@ struct Pending {
     std::size_t count = 0;
     bool whole = true; // the target changed: treat all of it as written
     bool strict = false;
+    bool fetchAllowed = true;
+    bool clipped = false; // draws land only inside `region`
+    GUI::Geometry::Rectangle region{0, 0, 0, 0};
 } pending;
 
 bool Overlap(const GUI::Geometry::Rectangle& a, const GUI::Geometry::Rectangle& b) {
@@ -46,7 +50,15 @@ void TargetBarrier() {
     pending.whole = true;
 }
 
-void TargetBarrierFor(const GUI::Geometry::Rectangle& area) {
+void TargetBarrierFor(const GUI::Geometry::Rectangle& area, bool samplesTarget) {
+    if (!samplesTarget) {
+        // Nothing to order for this draw; a later sampling draw must still see its writes.
+        if (pending.count == kSlots)
+            pending.whole = true;
+        else
+            pending.areas[pending.count++] = area;
+        return;
+    }
     bool needed = pending.strict || pending.whole || pending.count == kSlots;
     for (std::size_t i = 0; i < pending.count && !needed; ++i)
         needed = Overlap(pending.areas[i], area);
@@ -58,6 +70,23 @@ void TargetBarrierFor(const GUI::Geometry::Rectangle& area) {
 void TargetChanged() {
     pending.count = 0;
     pending.whole = true;
+    pending.clipped = false;
+}
+
+void SetDrawRegion(const GUI::Geometry::Rectangle* region) {
+    pending.clipped = region != nullptr;
+    if (region)
+        pending.region = *region;
+}
+
+bool InDrawRegion(const GUI::Geometry::Rectangle& area) {
+    using GUI::Geometry::AddSaturated;
+    using GUI::Geometry::SubSaturated;
+    if (!pending.clipped)
+        return true;
+    const GUI::Geometry::Rectangle grown{SubSaturated(area.xMin, 1), AddSaturated(area.xMax, 1),
+                                         SubSaturated(area.yMin, 1), AddSaturated(area.yMax, 1)};
+    return Overlap(grown, pending.region);
 }
 
 void SetStrictBarriers(bool strict) {
@@ -66,6 +95,42 @@ void SetStrictBarriers(bool strict) {
 
 bool StrictBarriers() {
     return pending.strict;
+}
+
+void EndDraw(GLSLProgram& program) {
+    if (pending.strict)
+        program.end();
+}
+
+void AllowTargetFetch(bool allowed) {
+    pending.fetchAllowed = allowed;
+}
+
+bool TargetFetchAvailable() {
+    return GLEW_EXT_shader_framebuffer_fetch;
+}
+
+bool TargetFetch() {
+    return pending.fetchAllowed && !pending.strict && TargetFetchAvailable();
+}
+
+bool BuildTargetPrograms(std::unique_ptr<GLSLProgram>& literal, std::unique_ptr<GLSLProgram>& fetch,
+                         const char* vertex, const char* fragment) {
+    literal = std::make_unique<GLSLProgram>();
+    fetch.reset();
+    if (!literal->addShader(vertex) || !literal->addShader(fragment) || !literal->linkProgram())
+        return false;
+    if (TargetFetchAvailable()) {
+        fetch = std::make_unique<GLSLProgram>();
+        if (!fetch->addShader(vertex) || !fetch->addShader(fragment, "#define TARGET_FETCH 1\n") ||
+            !fetch->linkProgram())
+            fetch.reset();
+    }
+    return true;
+}
+
+GLSLProgram& ProgramFor(GLSLProgram& literal, GLSLProgram* fetch) {
+    return fetch != nullptr && TargetFetch() ? *fetch : literal;
 }
 
 bool TextureBarrierAvailable() {

@@ -3,6 +3,10 @@
 
 #include <trelvogui/gui/geometry.h>
 
+#include <memory>
+
+class GLSLProgram;
+
 namespace GUI::Renderer::detail {
 
 /// The UI shaders compose against the target they draw into by reading it back with texelFetch at
@@ -15,8 +19,10 @@ void TargetBarrier();
 
 /// Before a draw that covers `area` (target pixels): a barrier only when `area` overlaps something
 /// drawn since the last barrier, or when the target changed since. A barrier orders every earlier
-/// write, so draws side by side (the pieces of a skin, a row of buttons) share none.
-void TargetBarrierFor(const GUI::Geometry::Rectangle& area);
+/// write, so draws side by side (the pieces of a skin, a row of buttons) share none. A draw that
+/// reads the target through framebuffer fetch (`samplesTarget` false) needs none; its area is only
+/// recorded for a later draw that samples.
+void TargetBarrierFor(const GUI::Geometry::Rectangle& area, bool samplesTarget = true);
 
 /// The target was switched or cleared: the next draw that reads it needs a barrier.
 void TargetChanged();
@@ -25,6 +31,39 @@ void TargetChanged();
 /// synchronisation setting, so that its output is the reference the fast path is compared with.
 void SetStrictBarriers(bool strict);
 bool StrictBarriers();
+
+/// The part of the current target that draws can change (the scissored region of a partial redraw),
+/// or nullptr for all of it. Set with the target; a switch of target (TargetChanged) resets it.
+void SetDrawRegion(const GUI::Geometry::Rectangle* region);
+
+/// Whether a draw covering `area` can change any pixel of the draw region. A draw wholly outside it
+/// writes nothing, so it is skipped before any state is touched: on the fast path a skipped label
+/// saves a texture and program change, which is what costs, not its clipped pixels. The test allows
+/// a pixel of margin for lines drawn along the area's edges.
+bool InDrawRegion(const GUI::Geometry::Rectangle& area);
+
+/// After a draw: the literal sequence unbinds the program; the fast path leaves it bound. Rebinding a
+/// program (or any texture) makes the driver revalidate every sampler, the target's own among them,
+/// and a software rasteriser answers that by flushing and waiting for the draws that write the
+/// target. The manager's scoped bindings give the host its program back at the end of an update.
+void EndDraw(GLSLProgram& program);
+
+/// Framebuffer fetch on the fast path: reading the target through the shader's own outputs gives the
+/// same values as sampling it, with no barrier and without the target among the bound samplers, so
+/// program and texture changes between draws stay cheap. Used when the manager allows it, the
+/// context offers coherent fetch (EXT_shader_framebuffer_fetch) and the update is not strict.
+void AllowTargetFetch(bool allowed);
+bool TargetFetchAvailable();
+bool TargetFetch();
+
+/// Builds `literal` from the two shader files and, where the context offers framebuffer fetch,
+/// `fetch` from the same files with TARGET_FETCH defined. A fetch build that fails is dropped (the
+/// literal one serves every path); false only when the literal build fails.
+bool BuildTargetPrograms(std::unique_ptr<GLSLProgram>& literal, std::unique_ptr<GLSLProgram>& fetch,
+                         const char* vertex, const char* fragment);
+
+/// The build of a pair that the next draw uses.
+GLSLProgram& ProgramFor(GLSLProgram& literal, GLSLProgram* fetch);
 
 /// Whether the current context offers a texture barrier at all.
 bool TextureBarrierAvailable();
