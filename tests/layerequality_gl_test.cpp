@@ -17,10 +17,18 @@
 #include <trelvogui/gui/panel.h>
 #include <trelvogui/gui/scalesequence.h>
 #include <trelvogui/gui/switchbutton.h>
+#include <trelvogui/lightcontrol.h>
+#include <trelvogui/manipulatorcontrol.h>
+#include <trelvogui/triadcontrol.h>
+
+#include <graphicsbase/camera.h>
+#include <graphicsbase/directionallight.h>
+#include <graphicsbase/localframe.h>
 
 #include <GL/glew.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <memory>
 #include <random>
@@ -39,9 +47,13 @@ struct World {
     std::vector<Base*> all;
     std::vector<Label*> labels;
     std::vector<Panel*> sizeable;
+    std::vector<std::shared_ptr<LocalFrame>> frames;
     int lastX = 0, lastY = 0, buttons = 0;
 
-    explicit World(bool strict, bool fetch = true) : manager(std::make_shared<GUI::GUIManager>()) {
+    /// The host's camera and light, shared by the worlds like any host state.
+    World(bool strict, bool fetch, const std::shared_ptr<Camera>& camera,
+          const std::shared_ptr<DirectionalLight>& light)
+        : manager(std::make_shared<GUI::GUIManager>()) {
         manager->SetStrictSynchronisation(strict);
         manager->SetFramebufferFetch(fetch);
         manager->Initialize();
@@ -80,6 +92,21 @@ struct World {
         bar->SetRectangle({30, 290, 95, 115});
         bar->Register(manager);
         roots.push_back(bar);
+        // The scene widgets, drawn straight into the layers where they say they draw.
+        auto* gizmo = own(new ManipulatorControl(camera));
+        auto frame = std::make_shared<LocalFrame>();
+        frame->setPosition({0.8f, 0.3f, -0.5f});
+        frames.push_back(frame);
+        if (gizmo->Initialize())
+            gizmo->attachFrame(frame);
+        gizmo->transformationSignal.connect([] { return DRAW_SCENE; });
+        gizmo->Register(manager);
+        auto* cube = own(new TriadControl(camera, light));
+        cube->Initialize();
+        cube->Register(manager);
+        auto* lamp = own(new LightControl(light));
+        lamp->Initialize();
+        lamp->Register(manager);
         for (auto& c : owned)
             all.push_back(c.get());
     }
@@ -128,7 +155,16 @@ protected:
 } // namespace
 
 TEST_F(LayerEqualityTest, FastAndStrictUpdatesProduceIdenticalLayers) {
-    World strict(true), barriers(false, false), fetch(false, true);
+    auto camera = std::make_shared<Camera>();
+    auto light = std::make_shared<DirectionalLight>();
+    auto orbit = [&](int w, int h, float angle) {
+        camera->SetViewport(w, h);
+        camera->SetPosition({5.f * std::sin(angle), 1.5f, 5.f * std::cos(angle)});
+        camera->CalcMatrices();
+    };
+    orbit(320, 240, 0.3f);
+    World strict(true, false, camera, light), barriers(false, false, camera, light),
+        fetch(false, true, camera, light);
     std::mt19937 rng(4242u);
     auto pick = [&](int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng); };
     auto both = [&](auto&& apply) {
@@ -141,7 +177,7 @@ TEST_F(LayerEqualityTest, FastAndStrictUpdatesProduceIdenticalLayers) {
     int drawnFrames = 0;
     for (int frame = 0; frame < kFrames; ++frame) {
         // Hovers and clicks most of the time (they take the partial paths); the rest now and then.
-        const int draw = pick(0, 23);
+        const int draw = pick(0, 25);
         const int op = draw < 10 ? draw % 2 : draw < 14 ? 2 : draw - 11;
         const int x = pick(0, width), y = pick(0, height);
         const int which = pick(0, 1000);
@@ -243,7 +279,21 @@ TEST_F(LayerEqualityTest, FastAndStrictUpdatesProduceIdenticalLayers) {
         case 10: // view resize
             width = pick(160, 360);
             height = pick(120, 260);
-            both([&](World& w) { w.manager->Resize(width, height); });
+            orbit(width, height, 0.3f);
+            both([&](World& w) {
+                w.manager->Resize(width, height);
+                w.manager->SetCameraUpdated(true);
+            });
+            break;
+        case 13: // the host orbits its camera, or turns its light
+            if (which % 2 == 0) {
+                orbit(width, height, static_cast<float>(which) * 0.006f);
+                both([&](World& w) { w.manager->SetCameraUpdated(true); });
+            } else {
+                light->position = {std::cos(static_cast<float>(which)), 1.f,
+                                   std::sin(static_cast<float>(which))};
+                both([&](World& w) { w.manager->SetLightUpdated(true); });
+            }
             break;
         default: // time passes: animations advance
             break;
@@ -278,7 +328,10 @@ TEST_F(LayerEqualityTest, TheCompositeLimitedToTheOverlayShowsTheSamePicture) {
     // The same panels composited twice over a patterned host frame: once limited to what they cover,
     // once over the whole view (an empty root without a cached layer forces that).
     auto picture = [&](bool whole, bool upsideDown) {
-        World w(false);
+        auto camera = std::make_shared<Camera>();
+        camera->SetViewport(320, 240);
+        camera->CalcMatrices();
+        World w(false, true, camera, std::make_shared<DirectionalLight>());
         w.manager->SetUpsideDown(upsideDown);
         Base empty;
         if (whole)

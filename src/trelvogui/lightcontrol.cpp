@@ -62,6 +62,12 @@ bool LightControl::Initialize() {
     return true;
 }
 
+bool LightControl::LayerFootprint(int layerWidth, int, GUI::Geometry::Rectangle& area) {
+    const int side = program_ && quadBuffer_ && light_ ? widgetWidth_ : 0;
+    area = {layerWidth - side - 10, layerWidth - 10, 10, 10 + side};
+    return true;
+}
+
 void LightControl::DrawCustom() {
     if (!program_ || !quadBuffer_ || !light_)
         return;

@@ -28,6 +28,8 @@ public:
     /// Draws the widget; nothing before a successful Initialize. Leaves the viewport at (0, 0, w, h)
     /// of the viewport it found.
     void DrawCustom() override;
+    /// The widget's square, 10 pixels in from the lower-right corner.
+    bool LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) override;
     /// Turns the light by the drag; returns 33.
     DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy) override;
     /// With the GL context current: builds "LightWidget.vs" + "LightWidget.fs" and the quad. False

@@ -134,6 +134,13 @@ void ManipulatorControl::DrawCustom() {
     renderer_->Render();
 }
 
+bool ManipulatorControl::LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) {
+    if (!camera_ || !renderer_)
+        return false;
+    area = renderer_->LayerFootprint(layerWidth, layerHeight);
+    return true;
+}
+
 glm::vec2 ManipulatorControl::toWindow(int x, int y) const {
     return {static_cast<float>(x), static_cast<float>(camera_->Height()) - static_cast<float>(y)};
 }

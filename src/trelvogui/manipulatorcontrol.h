@@ -38,6 +38,8 @@ public:
     ~ManipulatorControl() override;
 
     void DrawCustom() override;
+    /// Where the gizmo can draw: a square around its projected centre.
+    bool LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) override;
     DrawFlags OnMouseDown(GUI::Event* e) override;
     DrawFlags OnDoubleClick(GUI::Event* e) override;
     DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy) override;

@@ -15,7 +15,9 @@
 
 #include <GL/glew.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <vector>
 
 namespace {
@@ -287,6 +289,31 @@ void ManipulatorRenderer::DrawCircle() {
     float radius = centreSize_ * kRingRadius;
     drawMesh(polyCircle_ ? *hexRing_ : *roundRing_, PlaceInPlane(o, 0.f, radius, radius), handleColor(-1, 10),
              10, glm::vec2(1.f, 1.f));
+}
+
+GUI::Geometry::Rectangle ManipulatorRenderer::LayerFootprint(int layerWidth, int layerHeight) const {
+    const Camera* camera = GetCamera().get();
+    const tgeom::vec& p = frame_.getPosition();
+    float sx = 0.f, sy = 0.f, sz = 0.f;
+    // What Draw skips draws nothing.
+    if (!program_ || !Visible() || !camera || camera->Width() <= 0 || camera->Height() <= 0 ||
+        !camera->ProjectPoint(p.x, p.y, p.z, &sx, &sy, &sz) || !(sz >= 0.f && sz <= 1.f) ||
+        !std::isfinite(sx) || !std::isfinite(sy))
+        return {0, 0, 0, 0};
+    // Every handle lies within this reach of the centre, in the camera's pixels: a ring is the unit
+    // circle mapped onto two projected axes of at most kRingRadius each, a scale box sits at
+    // kBoxDistance with a half-diagonal under 15, and the centre ring's radius is centreSize times
+    // half of kRingRadius. Two pixels more for rasterisation at the edges.
+    const float reach = std::max({2.f * kRingRadius, kBoxDistance + 15.f, centreSize_ * kRingRadius}) + 2.f;
+    // The pixel projection spans the camera's size; the layer's viewport may be another size.
+    const float fx = static_cast<float>(layerWidth) / static_cast<float>(camera->Width());
+    const float fy = static_cast<float>(layerHeight) / static_cast<float>(camera->Height());
+    auto at = [](float v, bool up) {
+        v = std::clamp(v, -3e7f, 3e7f);
+        return GUI::Geometry::ClampCoordinate(static_cast<int64_t>(up ? std::ceil(v) : std::floor(v)));
+    };
+    return {at((sx - reach) * fx, false), at((sx + reach) * fx, true), at((sy - reach) * fy, false),
+            at((sy + reach) * fy, true)};
 }
 
 void ManipulatorRenderer::Draw() {

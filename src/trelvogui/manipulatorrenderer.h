@@ -3,6 +3,8 @@
 
 #include <trelvogui/trelvogui_export.h>
 
+#include <trelvogui/gui/geometry.h>
+
 #include <graphicsbase/glrendererbase.h>
 #include <graphicsbase/localframe.h>
 #include <graphicsbase/tgeom.h>
@@ -48,6 +50,10 @@ public:
 
     /// Draws the gizmo when initialised and visible.
     void Draw() override;
+
+    /// The pixels Draw can touch in a layer of the given size: a square around the projected centre
+    /// that holds every handle (empty when nothing would be drawn).
+    GUI::Geometry::Rectangle LayerFootprint(int layerWidth, int layerHeight) const;
 
     LocalFrame& getFrame() { return frame_; }
 

@@ -61,6 +61,12 @@ void TriadControl::SetMinimumSize(int pixels) {
     SetNeedsRedraw(true);
 }
 
+bool TriadControl::LayerFootprint(int, int, GUI::Geometry::Rectangle& area) {
+    const int side = ready_ ? Side() : 0;
+    area = {10, 10 + side, 10, 10 + side};
+    return true;
+}
+
 int TriadControl::Side() const {
     const int shorter = camera_ ? std::min(camera_->Width(), camera_->Height()) : 0;
     return std::max(minimumSize_, static_cast<int>(std::floor(shorter / 15.0)));

@@ -30,6 +30,8 @@ public:
     /// the viewport it found; texture unit 8's binding, the active unit, face culling, the front-face
     /// winding and the polygon mode as they were.
     void DrawCustom() override;
+    /// The cube's square, 10 pixels in from the lower-left corner.
+    bool LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) override;
     /// Places the camera on the clicked face's side; 17 for faces 0-5, 0 (nothing done) otherwise.
     DrawFlags OnClick(GUI::Event* e) override;
     /// With the GL context current: builds "Triad.vs" + "Triad.fs", the cube from the embedded model

@@ -171,6 +171,10 @@ void Base::drawWithChildrenIn(GUI::Texture::Atlas* atlas, const GUI::Geometry::R
             child->drawWithChildrenIn(atlas, region);
 }
 
+bool Base::LayerFootprint(int, int, GUI::Geometry::Rectangle&) {
+    return false;
+}
+
 void Base::markDrawn() {
     damaged_ = false;
     drawn_ = true;

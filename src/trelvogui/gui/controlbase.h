@@ -91,6 +91,11 @@ public:
     /// manager): for the manager once it has drawn a root that has no cached layer, so that the root
     /// counts as changed again only when something marks it.
     void ClearNeedsRedraw() { needsRedraw_ = false; }
+    /// For a root drawn straight into the manager's layers (no cached layer): the layer pixels its
+    /// drawing can touch in a layer of the given size, when the control knows them. The manager then
+    /// redraws only there when the control changes; the default knows nothing, so a change of such a
+    /// root redraws the layers whole.
+    virtual bool LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area);
     virtual bool UsesCamera();
     virtual bool UsesLight();
     virtual void SetEnabled(bool v);

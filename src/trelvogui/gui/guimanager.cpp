@@ -328,6 +328,8 @@ void GUIManager::UpdateLayers() {
     GUI::Geometry::Rectangle damage{0, 0, 0, 0};
     bool damaged = false;
     auto include = [](GUI::Geometry::Rectangle& into, bool& any, const GUI::Geometry::Rectangle& r) {
+        if (r.Width() <= 0 || r.Height() <= 0)
+            return; // covers no pixel
         if (!any)
             into = r;
         into.Include(r);
@@ -335,7 +337,7 @@ void GUIManager::UpdateLayers() {
     };
     // The same pass keeps each cached root's footprint (computed again only when the root changed,
     // or moves under an animation) and the composite's bounds: their union, or the whole view as
-    // soon as a visible root draws without a cached layer.
+    // soon as a visible root draws without a cached layer and without saying where.
     compositeWhole_ = false;
     bool bounded = false;
     for (GUI::Controls::Base* control : Controls()) {
@@ -344,9 +346,27 @@ void GUIManager::UpdateLayers() {
         const bool stale = control->NeedsRedraw();
         control->DrawToTexture(atlas_);
         if (!control->Animatable()) {
-            compositeWhole_ = compositeWhole_ || control->Visible();
-            whole = whole || stale;
-            // Drawn below, straight into the layers.
+            // Drawn below, straight into the layers. A root that says where it draws is redrawn only
+            // there; an invisible one draws nothing (an empty footprint); any other redraws all.
+            GUI::Geometry::Rectangle now{0, 0, 0, 0};
+            const bool knows = !control->Visible() || control->LayerFootprint(width_, height_, now);
+            auto known = footprints_.find(control->GetId());
+            if (stale) {
+                if (known == footprints_.end() || !knows) {
+                    whole = true;
+                } else {
+                    include(damage, damaged, known->second);
+                    include(damage, damaged, now);
+                }
+            }
+            if (knows) {
+                footprints_.insert_or_assign(control->GetId(), now);
+                include(compositeBounds_, bounded, now);
+            } else {
+                if (known != footprints_.end())
+                    footprints_.erase(known);
+                compositeWhole_ = true;
+            }
             control->ClearNeedsRedraw();
             continue;
         }
