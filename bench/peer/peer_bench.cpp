@@ -337,16 +337,17 @@ int main(int argc, char** argv) {
         int hoverIndex = 0;
         const Case cases[] = {
             {"idle frame", [&](int) { Clear(), trelvo->Frame(); }, [&](int) { Clear(), imgui->Frame(); }},
+            // The pointer event arrives between frames, before the host starts drawing.
             {"hover frame (pointer onto the next button)",
              [&](int) {
                  hoverIndex = (hoverIndex + 1) % n;
-                 Clear();
                  trelvo->Move(l.centreX(hoverIndex), l.centreY(hoverIndex));
+                 Clear();
                  trelvo->Frame();
              },
              [&](int) {
-                 Clear();
                  imgui->Move(l.centreX(hoverIndex), l.centreY(hoverIndex));
+                 Clear();
                  imgui->Frame();
              }},
             // TrelvoGUI answers such a move with DrawFlags 0: the host draws no frame, so the event is
@@ -354,8 +355,8 @@ int main(int argc, char** argv) {
             {"pointer move that changes nothing (TrelvoGUI: the event alone)",
              [&](int k) { trelvo->Move(l.centreX(0) + (k & 1), l.centreY(0)); },
              [&](int k) {
-                 Clear();
                  imgui->Move(l.centreX(0) + (k & 1), l.centreY(0));
+                 Clear();
                  imgui->Frame();
              }},
             {"full re-render",
