@@ -115,12 +115,14 @@ bool ManipulatorRenderer::loadShaders() {
     if (!program_->addShader("PolygonManipulator.vs") || !program_->addShader("PolygonManipulator.fs"))
         return false;
     program_->linkProgram();
+    GUI::Renderer::detail::BuildFetchProgram(fetchProgram_, "PolygonManipulator.vs", "PolygonManipulator.fs");
     return true;
 }
 
 bool ManipulatorRenderer::Initialize() {
     if (!loadShaders() || !program_->isLinked()) {
         program_.reset();
+        fetchProgram_.reset();
         return false;
     }
     arrowHead_ = MakeMesh({-1.f, 0.f, 1.f, 0.f, 0.f, 1.f}, {0, 1, 2});
@@ -131,6 +133,7 @@ bool ManipulatorRenderer::Initialize() {
     hexRing_ = MakeMesh(Band(7, 0.f, 6.2831855f, 0.5f, 0.5f), {});
     if (!arrowHead_ || !scaleBox_ || !rotationArc_ || !roundRing_ || !hexRing_) {
         program_.reset();
+        fetchProgram_.reset();
         return false;
     }
     return true;
@@ -175,7 +178,11 @@ glm::vec4 ManipulatorRenderer::handleColor(int axis, unsigned int id) const {
 
 void ManipulatorRenderer::drawMesh(const GLVertexBuffer& mesh, const glm::mat4& model, const glm::vec4& color,
                                    unsigned int id, const glm::vec2& colorpos) {
-    GLuint program = program_->getProgram();
+    // The handles are drawn from Draw, which picks the build; called on their own they use the literal one.
+    GLSLProgram* drawing = active_ != nullptr ? active_ : program_.get();
+    if (drawing == nullptr)
+        return;
+    GLuint program = drawing->getProgram();
     glUniform4fv(UniformLocationQuiet(program, "color"), 1, glm::value_ptr(color));
     GB_CHECK_GL(kFile);
     glUniform1ui(LoggedLocation(program, "secondaryId", "secondaryId"), id);
@@ -188,7 +195,7 @@ void ManipulatorRenderer::drawMesh(const GLVertexBuffer& mesh, const glm::mat4& 
     GB_CHECK_GL(kFile);
     // Strips of inner/outer pairs for the bands, plain triangle lists for the head and the box.
     int mode = mesh.indexCount() > 0 ? GLVertexBuffer::Triangles : GLVertexBuffer::TriangleStrip;
-    GUI::Renderer::detail::TargetBarrier();
+    GUI::Renderer::detail::TargetBarrier(drawing == program_.get());
     mesh.draw(mode);
 }
 
@@ -328,8 +335,9 @@ void ManipulatorRenderer::Draw() {
     translation_ = p;
 
     GL::GLScopedSetter state(GL::Disable{GL_CULL_FACE}, GL::Disable{GL_DEPTH_TEST});
-    program_->begin();
-    GLuint program = program_->getProgram();
+    active_ = &GUI::Renderer::detail::ProgramFor(*program_, fetchProgram_.get());
+    active_->begin();
+    GLuint program = active_->getProgram();
     glUniform1ui(UniformLocationQuiet(program, "pid"), pid_);
     GB_CHECK_GL(kFile);
     glm::mat4 local;
@@ -351,7 +359,8 @@ void ManipulatorRenderer::Draw() {
     glUniformMatrix4fv(LoggedLocation(program, "ModelViewMatrix", "ModelViewMatrix"), 1, GL_FALSE,
                        glm::value_ptr(glm::mat4(1.f)));
     GB_CHECK_GL(kFile);
-    GUI::Renderer::detail::SetTargetSamplers(program);
+    if (active_ == program_.get())
+        GUI::Renderer::detail::SetTargetSamplers(program);
 
     // Painter's order: the axis pointing furthest away from the viewer is drawn first and its ring
     // last, so the handles nearer the viewer mostly end up on top. Exact ties run more than one branch;
@@ -408,5 +417,6 @@ void ManipulatorRenderer::Draw() {
         }
         drawRingZ();
     }
-    program_->end();
+    active_->end();
+    active_ = nullptr;
 }

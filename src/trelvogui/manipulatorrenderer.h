@@ -95,6 +95,10 @@ private:
     std::unique_ptr<GLVertexBuffer> roundRing_;
     std::unique_ptr<GLVertexBuffer> hexRing_;
     std::unique_ptr<GLSLProgram> program_;
+    // The build the fast path draws with where the context offers framebuffer fetch, and the one
+    // drawing now.
+    std::unique_ptr<GLSLProgram> fetchProgram_;
+    GLSLProgram* active_ = nullptr;
     float fadeStart_ = 0.85f;
     float fadeSlope_ = 30.f;
     // Translate X, Y, Z, rotate X, Y, Z, scale X, Y, Z.

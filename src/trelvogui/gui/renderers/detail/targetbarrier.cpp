@@ -44,8 +44,9 @@ void Issue() {
 
 } // namespace
 
-void TargetBarrier() {
-    Issue();
+void TargetBarrier(bool samplesTarget) {
+    if (samplesTarget)
+        Issue();
     // The draw that follows may cover anything.
     pending.whole = true;
 }
@@ -120,13 +121,18 @@ bool BuildTargetPrograms(std::unique_ptr<GLSLProgram>& literal, std::unique_ptr<
     fetch.reset();
     if (!literal->addShader(vertex) || !literal->addShader(fragment) || !literal->linkProgram())
         return false;
-    if (TargetFetchAvailable()) {
-        fetch = std::make_unique<GLSLProgram>();
-        if (!fetch->addShader(vertex) || !fetch->addShader(fragment, "#define TARGET_FETCH 1\n") ||
-            !fetch->linkProgram())
-            fetch.reset();
-    }
+    BuildFetchProgram(fetch, vertex, fragment);
     return true;
+}
+
+void BuildFetchProgram(std::unique_ptr<GLSLProgram>& fetch, const char* vertex, const char* fragment) {
+    fetch.reset();
+    if (!TargetFetchAvailable())
+        return;
+    fetch = std::make_unique<GLSLProgram>();
+    if (!fetch->addShader(vertex) || !fetch->addShader(fragment, "#define TARGET_FETCH 1\n") ||
+        !fetch->linkProgram())
+        fetch.reset();
 }
 
 GLSLProgram& ProgramFor(GLSLProgram& literal, GLSLProgram* fetch) {

@@ -14,8 +14,9 @@ namespace GUI::Renderer::detail {
 /// texture barrier. TargetBarrier issues one unconditionally, for draws whose footprint is not known
 /// (the 3D widgets); it uses glTextureBarrier (GL 4.5 or ARB_texture_barrier) or glTextureBarrierNV,
 /// and does nothing where neither exists (plain 3.3 contexts, where the manager falls back to
-/// finishing every draw instead).
-void TargetBarrier();
+/// finishing every draw instead). A draw that reads the target through framebuffer fetch
+/// (`samplesTarget` false) needs none; it only counts as having written anywhere.
+void TargetBarrier(bool samplesTarget = true);
 
 /// Before a draw that covers `area` (target pixels): a barrier only when `area` overlaps something
 /// drawn since the last barrier, or when the target changed since. A barrier orders every earlier
@@ -61,6 +62,10 @@ bool TargetFetch();
 /// literal one serves every path); false only when the literal build fails.
 bool BuildTargetPrograms(std::unique_ptr<GLSLProgram>& literal, std::unique_ptr<GLSLProgram>& fetch,
                          const char* vertex, const char* fragment);
+
+/// Builds `fetch` from the two files with TARGET_FETCH defined where the context offers framebuffer
+/// fetch; leaves it empty otherwise or when the build fails.
+void BuildFetchProgram(std::unique_ptr<GLSLProgram>& fetch, const char* vertex, const char* fragment);
 
 /// The build of a pair that the next draw uses.
 GLSLProgram& ProgramFor(GLSLProgram& literal, GLSLProgram* fetch);
