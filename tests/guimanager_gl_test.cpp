@@ -42,6 +42,8 @@ public:
         return log("drag " + std::to_string(dx) + "," + std::to_string(dy), Base::OnMouseDrag(e, dx, dy));
     }
     void MakeAnimatable() { SetAnimatable(true); }
+    /// Changes what the next draw paints without marking anything, as host state the control reads.
+    void SetColorQuietly(uint32_t color) { color_ = color; }
 
     int draws = 0;
     unsigned lastSid = 0;
@@ -87,6 +89,21 @@ TEST_F(GUIManagerTest, EmptyOverlayClearsLayersAndHitsNothing) {
     auto c = ReadColor(100, 100);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     EXPECT_EQ(c[3], 0) << "the cleared colour layer must be transparent";
+}
+
+TEST_F(GUIManagerTest, TheHostMarkingTheManagerRedrawsRootsThatMarkedNothing) {
+    // The host changed something its controls read without telling them; marking the manager is how
+    // it asks for the layers anew. Partial updates must not take "no root is stale" for "nothing to do".
+    Probe* a = AddRoot("a", {20, 60, 30, 70}, 0xFF0000FF);
+    manager->UpdateLayers();
+    a->SetColorQuietly(0xFF00FF00);
+    manager->SetNeedsRedraw(true);
+    manager->UpdateLayers();
+    glBindFramebuffer(GL_FRAMEBUFFER, manager->GetLayerFramebuffer());
+    auto c = ReadColor(40, 50);
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    EXPECT_EQ(c[0], 0);
+    EXPECT_EQ(c[1], 255) << "the root is drawn again in its new colour";
 }
 
 TEST_F(GUIManagerTest, IdLayerCarriesIdsOfWhatIsDrawnAndCompositeBlendsOverHostFrame) {

@@ -340,10 +340,12 @@ void GUIManager::UpdateLayers() {
     // soon as a visible root draws without a cached layer and without saying where.
     compositeWhole_ = false;
     bool bounded = false;
+    bool anyStale = false;
     for (GUI::Controls::Base* control : Controls()) {
         if (control->HasParent())
             continue;
         const bool stale = control->NeedsRedraw();
+        anyStale = anyStale || stale;
         control->DrawToTexture(atlas_);
         if (!control->Animatable()) {
             // Drawn below, straight into the layers. A root that says where it draws is redrawn only
@@ -408,6 +410,9 @@ void GUIManager::UpdateLayers() {
     }
     if (!bounded)
         compositeBounds_ = {0, 0, 0, 0};
+    // Marked with no root stale: the host asks for the layers anew (after changing something the
+    // controls cannot see), which the plain update answers by redrawing everything.
+    whole = whole || !anyStale;
     layersWhole_ = false;
     GUI::Geometry::Rectangle region{0, width_, 0, height_};
     if (!whole) {
