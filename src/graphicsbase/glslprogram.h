@@ -23,7 +23,7 @@ public:
     /// Loads and compiles one stage; the stage comes from the name's ending (".vert"/".vs" vertex,
     /// ".frag"/".fs" fragment). False when the file is unknown, the ending is not recognised or the
     /// source does not compile.
-    /// `defines` (lines such as "#define NAME 1\n") go in right after the source's #version line.
+    /// `defines` (lines such as `#define NAME 1`) go in right after the source's `#version` line.
     bool addShader(const std::string& fileName, const std::string& defines = {});
     /// Links the stages added so far; false (with the log printed) on failure, and without trying
     /// when an earlier addShader failed (a program missing a stage is not a usable program).
