@@ -18,7 +18,7 @@
 #include <trelvogui/gui/scalesequence.h>
 #include <trelvogui/gui/switchbutton.h>
 #include <trelvogui/lightcontrol.h>
-#include <trelvogui/manipulatorcontrol.h>
+#include <trelvogui/planecontrol.h>
 #include <trelvogui/triadcontrol.h>
 
 #include <graphicsbase/camera.h>
@@ -41,6 +41,9 @@ namespace {
 
 /// One copy of the UI on one manager. Both copies are built and driven identically.
 struct World {
+    // Each world is a host of its own: the cube and the light widget change the camera and the light.
+    std::shared_ptr<Camera> camera = std::make_shared<Camera>();
+    std::shared_ptr<DirectionalLight> light = std::make_shared<DirectionalLight>();
     std::shared_ptr<GUI::GUIManager> manager;
     std::vector<std::unique_ptr<Base>> owned;
     std::vector<Base*> roots;
@@ -50,10 +53,8 @@ struct World {
     std::vector<std::shared_ptr<LocalFrame>> frames;
     int lastX = 0, lastY = 0, buttons = 0;
 
-    /// The host's camera and light, shared by the worlds like any host state.
-    World(bool strict, bool fetch, const std::shared_ptr<Camera>& camera,
-          const std::shared_ptr<DirectionalLight>& light)
-        : manager(std::make_shared<GUI::GUIManager>()) {
+    World(bool strict, bool fetch) : manager(std::make_shared<GUI::GUIManager>()) {
+        Orbit(320, 240, 0.3f);
         manager->SetStrictSynchronisation(strict);
         manager->SetFramebufferFetch(fetch);
         manager->Initialize();
@@ -93,12 +94,15 @@ struct World {
         bar->Register(manager);
         roots.push_back(bar);
         // The scene widgets, drawn straight into the layers where they say they draw.
-        auto* gizmo = own(new ManipulatorControl(camera));
+        // A plane widget whose outline reaches far beyond its gizmo, which mostly sits off the view.
+        auto* gizmo = own(new PlaneControl(camera));
         auto frame = std::make_shared<LocalFrame>();
-        frame->setPosition({0.8f, 0.3f, -0.5f});
+        frame->setPosition({2.2f, 0.3f, -0.5f});
         frames.push_back(frame);
-        if (gizmo->Initialize())
+        if (gizmo->Initialize()) {
             gizmo->attachFrame(frame);
+            gizmo->getFrame().setScale({8.f, 8.f, 8.f});
+        }
         gizmo->transformationSignal.connect([] { return DRAW_SCENE; });
         gizmo->Register(manager);
         auto* cube = own(new TriadControl(camera, light));
@@ -113,6 +117,12 @@ struct World {
     ~World() {
         owned.clear();
         manager.reset();
+    }
+    /// The host's camera on a circle round the scene, looking at its centre.
+    void Orbit(int w, int h, float angle) {
+        camera->SetViewport(w, h);
+        camera->SetPosition({5.f * std::sin(angle), 1.5f, 5.f * std::cos(angle)});
+        camera->CalcMatrices();
     }
     template <class T> T* own(T* c) {
         owned.emplace_back(c);
@@ -155,16 +165,7 @@ protected:
 } // namespace
 
 TEST_F(LayerEqualityTest, FastAndStrictUpdatesProduceIdenticalLayers) {
-    auto camera = std::make_shared<Camera>();
-    auto light = std::make_shared<DirectionalLight>();
-    auto orbit = [&](int w, int h, float angle) {
-        camera->SetViewport(w, h);
-        camera->SetPosition({5.f * std::sin(angle), 1.5f, 5.f * std::cos(angle)});
-        camera->CalcMatrices();
-    };
-    orbit(320, 240, 0.3f);
-    World strict(true, false, camera, light), barriers(false, false, camera, light),
-        fetch(false, true, camera, light);
+    World strict(true, false), barriers(false, false), fetch(false, true);
     std::mt19937 rng(4242u);
     auto pick = [&](int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng); };
     auto both = [&](auto&& apply) {
@@ -176,9 +177,10 @@ TEST_F(LayerEqualityTest, FastAndStrictUpdatesProduceIdenticalLayers) {
     const int kFrames = 240;
     int drawnFrames = 0;
     for (int frame = 0; frame < kFrames; ++frame) {
-        // Hovers and clicks most of the time (they take the partial paths); the rest now and then.
-        const int draw = pick(0, 25);
-        const int op = draw < 10 ? draw % 2 : draw < 14 ? 2 : draw - 11;
+        // Hovers and clicks most of the time (they take the partial paths), camera and light changes
+        // often (the scene widgets redraw where they say they draw); the rest now and then.
+        const int draw = pick(0, 26);
+        const int op = draw < 10 ? draw % 2 : draw < 14 ? 2 : draw < 17 ? 13 : draw - 14;
         const int x = pick(0, width), y = pick(0, height);
         const int which = pick(0, 1000);
         switch (op) {
@@ -279,21 +281,23 @@ TEST_F(LayerEqualityTest, FastAndStrictUpdatesProduceIdenticalLayers) {
         case 10: // view resize
             width = pick(160, 360);
             height = pick(120, 260);
-            orbit(width, height, 0.3f);
             both([&](World& w) {
+                w.Orbit(width, height, 0.3f);
                 w.manager->Resize(width, height);
                 w.manager->SetCameraUpdated(true);
             });
             break;
         case 13: // the host orbits its camera, or turns its light
-            if (which % 2 == 0) {
-                orbit(width, height, static_cast<float>(which) * 0.006f);
-                both([&](World& w) { w.manager->SetCameraUpdated(true); });
-            } else {
-                light->position = {std::cos(static_cast<float>(which)), 1.f,
-                                   std::sin(static_cast<float>(which))};
-                both([&](World& w) { w.manager->SetLightUpdated(true); });
-            }
+            both([&](World& w) {
+                if (which % 2 == 0) {
+                    w.Orbit(width, height, static_cast<float>(which) * 0.006f);
+                    w.manager->SetCameraUpdated(true);
+                } else {
+                    w.light->position = {std::cos(static_cast<float>(which)), 1.f,
+                                         std::sin(static_cast<float>(which))};
+                    w.manager->SetLightUpdated(true);
+                }
+            });
             break;
         default: // time passes: animations advance
             break;
@@ -328,10 +332,7 @@ TEST_F(LayerEqualityTest, TheCompositeLimitedToTheOverlayShowsTheSamePicture) {
     // The same panels composited twice over a patterned host frame: once limited to what they cover,
     // once over the whole view (an empty root without a cached layer forces that).
     auto picture = [&](bool whole, bool upsideDown) {
-        auto camera = std::make_shared<Camera>();
-        camera->SetViewport(320, 240);
-        camera->CalcMatrices();
-        World w(false, true, camera, std::make_shared<DirectionalLight>());
+        World w(false, true);
         w.manager->SetUpsideDown(upsideDown);
         Base empty;
         if (whole)
@@ -371,5 +372,55 @@ TEST_F(LayerEqualityTest, TheCompositeLimitedToTheOverlayShowsTheSamePicture) {
             }
         EXPECT_EQ(differing, 0) << (upsideDown ? "upside down" : "upright") << "; first at " << fx << ", "
                                 << fy;
+    }
+}
+
+TEST_F(LayerEqualityTest, SceneWidgetsRedrawnWhereTheySayTheyDrawMatchThePlainUpdate) {
+    // A view larger than the gizmo's square, with a plane outline reaching well beyond it, over a
+    // panel: as the camera orbits and the widget is dragged, the fast update redraws only the
+    // widget's old and new footprints, and the layers must still be the plain update's.
+    constexpr int kW = 800, kH = 600;
+    struct Scene {
+        std::shared_ptr<Camera> camera = std::make_shared<Camera>();
+        std::shared_ptr<GUI::GUIManager> manager = std::make_shared<GUI::GUIManager>();
+        Panel panel;
+        std::unique_ptr<PlaneControl> plane;
+        explicit Scene(bool strict) {
+            manager->SetStrictSynchronisation(strict);
+            manager->Initialize();
+            manager->Resize(kW, kH);
+            Orbit(0.f);
+            panel.SetRectangle({40, 760, 40, 560});
+            panel.Register(manager);
+            plane = std::make_unique<PlaneControl>(camera);
+            if (plane->Initialize())
+                plane->getFrame().setScale({5.f, 5.f, 5.f});
+            plane->transformationSignal.connect([] { return DRAW_SCENE; });
+            plane->Register(manager);
+        }
+        ~Scene() {
+            plane.reset();
+            manager.reset();
+        }
+        void Orbit(float angle) {
+            camera->SetViewport(kW, kH);
+            camera->SetPosition({6.f * std::sin(angle), 1.f, 6.f * std::cos(angle)});
+            camera->CalcMatrices();
+            if (manager)
+                manager->SetCameraUpdated(true);
+        }
+    };
+    Scene strict(true), fast(false);
+    for (int step = 0; step < 24; ++step) {
+        for (Scene* s : {&strict, &fast}) {
+            s->Orbit(0.13f * static_cast<float>(step));
+            if (step % 6 == 5) // the widget moves without the camera
+                s->plane->getFrame().setPosition({0.1f * static_cast<float>(step % 4), 0.f, 0.f});
+            s->plane->SetNeedsRedraw(true);
+            s->manager->UpdateLayers();
+        }
+        auto a = trelvo::test::ReadLayers(*strict.manager, kW, kH);
+        auto b = trelvo::test::ReadLayers(*fast.manager, kW, kH);
+        ASSERT_TRUE(a.color == b.color && a.ids == b.ids) << "step " << step;
     }
 }

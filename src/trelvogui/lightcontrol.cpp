@@ -1,5 +1,7 @@
 #include <trelvogui/lightcontrol.h>
 
+#include <trelvogui/gui/guimanager.h>
+
 #include "gui/renderers/detail/targetbarrier.h"
 #include "gui/renderers/detail/uniforms.h"
 
@@ -108,5 +110,8 @@ DrawFlags LightControl::OnMouseDrag(GUI::Event*, int dx, int dy) {
     if (light_)
         light_->position = tgeom::vec(m * tgeom::vec4(light_->position, 1.f));
     SetNeedsRedraw(true);
+    // Every lit widget (the cube) is stale now, not only this one.
+    if (GUI::GUIManager* manager = Manager())
+        manager->SetLightUpdated(true);
     return DRAW_LIGHT | DRAW_OVERLAY;
 }

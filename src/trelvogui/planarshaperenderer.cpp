@@ -3,6 +3,7 @@
 #include <trelvogui/gui/renderers/detail/targetbarrier.h>
 #include <trelvogui/gui/renderers/detail/uniforms.h>
 
+#include <graphicsbase/camera.h>
 #include <graphicsbase/glerror.h>
 #include <graphicsbase/glslprogram.h>
 #include <graphicsbase/glvertexbuffer.h>
@@ -13,7 +14,9 @@
 
 #include <GL/glew.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <vector>
 
@@ -82,15 +85,52 @@ bool PlanarShapeRenderer::Initialize() {
     return true;
 }
 
+glm::mat4 PlanarShapeRenderer::modelMatrix() const {
+    return glm::translate(glm::mat4(1.f), frame_->getPosition()) * glm::mat4_cast(frame_->getOrientation()) *
+           glm::scale(glm::mat4(1.f), frame_->getScale());
+}
+
+bool PlanarShapeRenderer::LayerFootprint(const Camera& camera, int layerWidth, int layerHeight,
+                                         GUI::Geometry::Rectangle& area) const {
+    area = {0, 0, 0, 0};
+    const bool outlined = (shape_ == Square && _vbSquare) || (shape_ == Disc && _vbDisc);
+    if (!program_ || !visible_ || !frame_ || !outlined)
+        return true;
+    // The disc lies inside the square, and with every corner in front of the camera the projection
+    // of the square holds the projection of anything inside it.
+    const glm::mat4 m = camera.ProjectionMatrix() * camera.ViewMatrix() * modelMatrix();
+    float x0 = 3e7f, x1 = -3e7f, y0 = 3e7f, y1 = -3e7f;
+    for (glm::vec2 corner :
+         {glm::vec2(-0.5f, -0.5f), glm::vec2(0.5f, -0.5f), glm::vec2(0.5f, 0.5f), glm::vec2(-0.5f, 0.5f)}) {
+        const glm::vec4 clip = m * glm::vec4(corner, 0.f, 1.f);
+        if (!(clip.w > 1e-6f))
+            return false;
+        const float x = (clip.x / clip.w * 0.5f + 0.5f) * static_cast<float>(layerWidth);
+        const float y = (clip.y / clip.w * 0.5f + 0.5f) * static_cast<float>(layerHeight);
+        if (!std::isfinite(x) || !std::isfinite(y))
+            return false;
+        x0 = std::min(x0, x);
+        x1 = std::max(x1, x);
+        y0 = std::min(y0, y);
+        y1 = std::max(y1, y);
+    }
+    // Two pixels more for the one-pixel lines along the edges; clamped so that no bound overflows.
+    auto at = [](float v, bool up) {
+        v = std::clamp(v, -3e7f, 3e7f);
+        return GUI::Geometry::ClampCoordinate(
+            static_cast<int64_t>(up ? std::ceil(v) + 2 : std::floor(v) - 2));
+    };
+    area = {at(x0, false), at(x1, true), at(y0, false), at(y1, true)};
+    return true;
+}
+
 void PlanarShapeRenderer::Draw() {
     if (!program_ || !visible_ || !frame_)
         return;
     const GLVertexBuffer* outline = shape_ == Square ? _vbSquare.get()
                                     : shape_ == Disc ? _vbDisc.get()
                                                      : nullptr;
-    glm::mat4 model = glm::translate(glm::mat4(1.f), frame_->getPosition()) *
-                      glm::mat4_cast(frame_->getOrientation()) *
-                      glm::scale(glm::mat4(1.f), frame_->getScale());
+    glm::mat4 model = modelMatrix();
     program_->begin();
     GLuint program = program_->getProgram();
     GLint location = UniformLocationQuiet(program, "ModelMatrix");

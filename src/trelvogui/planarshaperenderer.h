@@ -3,10 +3,13 @@
 
 #include <trelvogui/trelvogui_export.h>
 
+#include <trelvogui/gui/geometry.h>
+
 #include <graphicsbase/glrendererbase.h>
 
 #include <memory>
 
+class Camera;
 class GLSLProgram;
 class GLVertexBuffer;
 class LocalFrame;
@@ -30,6 +33,11 @@ public:
     bool Initialize();
     /// Draws the current shape when initialised and visible.
     void Draw() override;
+    /// The pixels Draw can touch in a layer of the given size with the camera's matrices: the
+    /// projected bounds of the outline (empty when nothing would be drawn). False when some of the
+    /// outline lies behind the camera, where its projection bounds nothing.
+    bool LayerFootprint(const Camera& camera, int layerWidth, int layerHeight,
+                        GUI::Geometry::Rectangle& area) const;
 
     void SetVisible(bool v) { visible_ = v; }
     bool IsVisible() const { return visible_; }
@@ -37,6 +45,8 @@ public:
     void SetShape(PlanarShape shape) { shape_ = shape; }
 
 private:
+    /// Places the unit outline on the frame.
+    glm::mat4 modelMatrix() const;
     std::unique_ptr<GLVertexBuffer> _vbSquare;
     std::unique_ptr<GLVertexBuffer> _vbDisc;
     PlanarShape shape_ = Square;

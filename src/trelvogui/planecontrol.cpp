@@ -36,6 +36,23 @@ void PlaneControl::DrawCustom() {
     planarRenderer_->Draw();
 }
 
+bool PlaneControl::LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) {
+    area = {0, 0, 0, 0};
+    if (!planarRenderer_ || !GetCamera())
+        return true; // DrawCustom draws nothing
+    GUI::Geometry::Rectangle outline;
+    if (!ManipulatorControl::LayerFootprint(layerWidth, layerHeight, area) ||
+        !planarRenderer_->LayerFootprint(*GetCamera(), layerWidth, layerHeight, outline))
+        return false;
+    if (outline.Width() > 0 && outline.Height() > 0) {
+        if (area.Width() > 0 && area.Height() > 0)
+            area.Include(outline);
+        else
+            area = outline;
+    }
+    return true;
+}
+
 void PlaneControl::SetVisible(bool v) {
     ManipulatorControl::SetVisible(v);
     if (planarRenderer_)

@@ -15,6 +15,9 @@ public:
     ~PlaneControl() override;
 
     void DrawCustom() override;
+    /// The gizmo's square and the outline's projected bounds; unknown (false) while part of the
+    /// outline lies behind the camera.
+    bool LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) override;
     void SetVisible(bool v) override;
     /// The gizmo, then the outline on its frame. False if either fails; the control is then not drawn.
     bool Initialize() override;

@@ -1,5 +1,7 @@
 #include <trelvogui/triadcontrol.h>
 
+#include <trelvogui/gui/guimanager.h>
+
 #include "gui/renderers/detail/targetbarrier.h"
 #include "gui/renderers/detail/uniforms.h"
 
@@ -269,5 +271,9 @@ DrawFlags TriadControl::OnClick(GUI::Event* e) {
     camera_->SetUpVector(view.up);
     camera_->CalcMatrices();
     SetNeedsRedraw(true);
+    // Every widget that follows the camera is stale now, not only the cube; the manager hears it here
+    // rather than only when the host passes the news on.
+    if (GUI::GUIManager* manager = Manager())
+        manager->SetCameraUpdated(true);
     return DRAW_TRIAD_FACE | DRAW_OVERLAY;
 }
