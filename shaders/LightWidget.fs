@@ -3,6 +3,23 @@
 // turns the light and the highlight follows. The whole tile carries the control's id, so a drag may
 // start anywhere on it.
 
+#ifdef TARGET_FETCH
+// The fast path's build where the context offers coherent framebuffer fetch: the outputs start out
+// holding the target's pixel, the very values the samplers below return, and no draw needs a barrier.
+#extension GL_EXT_shader_framebuffer_fetch : require
+layout(location = 0) inout vec4 fragColor;
+layout(location = 1) inout uvec4 fragIds;
+#define TARGET_COLOR fragColor
+#define TARGET_IDS fragIds
+#else
+uniform sampler2D targetColorSampler;
+uniform usampler2D targetIDSampler;
+layout(location = 0) out vec4 fragColor;
+layout(location = 1) out uvec4 fragIds;
+#define TARGET_COLOR texelFetch(targetColorSampler, ivec2(gl_FragCoord.xy), 0)
+#define TARGET_IDS texelFetch(targetIDSampler, ivec2(gl_FragCoord.xy), 0)
+#endif
+
 struct Light {
     vec4 position;
     vec4 ambient;
@@ -21,11 +38,6 @@ in vec2 local;
 uniform Light light;
 uniform Material material;
 uniform uint primaryid;
-uniform sampler2D targetColorSampler;
-uniform usampler2D targetIDSampler;
-
-layout(location = 0) out vec4 fragColor;
-layout(location = 1) out uvec4 fragIds;
 
 const float kBallRadius = 0.74;
 const float kCorner = 0.28;
@@ -63,9 +75,8 @@ void main() {
         source = vec4(mix(source.rgb, shaded, ball), source.a + (1.0 - source.a) * ball);
     }
 
-    ivec2 texel = ivec2(gl_FragCoord.xy);
-    vec4 target = texelFetch(targetColorSampler, texel, 0);
+    vec4 target = TARGET_COLOR;
     float a = source.a;
     fragColor = vec4(source.rgb * a + target.rgb * (1.0 - a), a + target.a * (1.0 - a));
-    fragIds = tile > 0.5 ? uvec4(primaryid, 0u, 0u, 0u) : texelFetch(targetIDSampler, texel, 0);
+    fragIds = tile > 0.5 ? uvec4(primaryid, 0u, 0u, 0u) : TARGET_IDS;
 }

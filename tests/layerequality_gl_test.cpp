@@ -5,6 +5,7 @@
 #include "support/glfixture.h"
 #include "support/layerpixels.h"
 
+#include <trelvogui/axiscontrol.h>
 #include <trelvogui/colorbar.h>
 #include <trelvogui/gui/button.h>
 #include <trelvogui/gui/fadeinoutsequence.h>
@@ -93,6 +94,13 @@ struct World {
         bar->SetRectangle({30, 290, 95, 115});
         bar->Register(manager);
         roots.push_back(bar);
+        // An axis whose tick band crosses panels and the bar.
+        auto* axis = own(new AxisControl());
+        axis->SetOrientation(AxisControl::AlongYMin);
+        if (axis->Initialize())
+            axis->SetRectangle({20, 300, 60, 100});
+        axis->Register(manager);
+        roots.push_back(axis);
         // The scene widgets, drawn straight into the layers where they say they draw.
         // A plane widget whose outline reaches far beyond its gizmo, which mostly sits off the view.
         auto* gizmo = own(new PlaneControl(camera));

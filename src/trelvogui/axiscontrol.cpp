@@ -85,6 +85,7 @@ bool AxisControl::Initialize() {
     if (!program_->addShader("BackgroundMV.vs") || !program_->addShader("Background.fs") ||
         !program_->linkProgram())
         return false;
+    GUI::Renderer::detail::BuildFetchProgram(fetchProgram_, "BackgroundMV.vs", "Background.fs");
     return BuildGeometry();
 }
 
@@ -408,8 +409,8 @@ void AxisControl::DrawCustom() {
     glGetIntegerv(GL_VIEWPORT, viewport);
     GB_CHECK_GL(kFile);
 
-    program_->begin();
-    const GLuint program = program_->getProgram();
+    GLSLProgram& drawing = GUI::Renderer::detail::BeginTargetDraw(*program_, fetchProgram_.get());
+    const GLuint program = drawing.getProgram();
     const glm::mat4 projection =
         glm::ortho(0.f, static_cast<float>(viewport[2]), 0.f, static_cast<float>(viewport[3]), -1.f, 1.f);
     glUniformMatrix4fv(GUI::Renderer::detail::UniformLocation(program, "ProjectionMatrix"), 1, GL_FALSE,
@@ -444,7 +445,7 @@ void AxisControl::DrawCustom() {
         break;
     default:
         // No edge to draw along.
-        program_->end();
+        drawing.end();
         return;
     }
     glm::mat4 modelView = glm::translate(glm::mat4(1.f), corner);
@@ -457,14 +458,13 @@ void AxisControl::DrawCustom() {
         GB_CHECK_GL(kFile);
     }
 
-    // Ids and the target to compose against, like every overlay draw.
+    // Ids, like every overlay draw.
     glUniform1ui(GUI::Renderer::detail::UniformLocationQuiet(program, "pid"), GetId());
     GB_CHECK_GL(kFile);
     glUniform1ui(GUI::Renderer::detail::UniformLocationQuiet(program, "sid"), 0u);
     GB_CHECK_GL(kFile);
-    GUI::Renderer::detail::SetTargetSamplers(program);
 
-    GUI::Renderer::detail::TargetBarrier();
+    GUI::Renderer::detail::TargetBarrier(&drawing == program_);
     vertexBuffer_->draw(GLVertexBuffer::Triangles);
-    program_->end();
+    drawing.end();
 }

@@ -3,6 +3,7 @@
 
 #include <trelvogui/gui/controlbase.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -118,6 +119,7 @@ private:
     GUI::Controls::Label* titleLabel_ = nullptr;
     std::vector<GUI::Controls::Label*> numberLabels_;
     GLSLProgram* program_ = nullptr;
+    std::unique_ptr<GLSLProgram> fetchProgram_; // the fast path's build, where the context offers fetch
     GLVertexBuffer* vertexBuffer_ = nullptr;
     // Scratch for the band's vertices, kept so that a re-layout does not allocate again.
     std::vector<float> bandVertices_;

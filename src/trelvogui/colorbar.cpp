@@ -36,6 +36,7 @@ bool ColorBar::Initialize() {
     program_ = new GLSLProgram();
     if (!program_->addShader("Legend.vs") || !program_->addShader("Legend.fs") || !program_->linkProgram())
         return false;
+    GUI::Renderer::detail::BuildFetchProgram(fetchProgram_, "Legend.vs", "Legend.fs");
     vertexBuffer_ = new GLVertexBuffer();
     const float quad[] = {0.f, 0.f, 1.f, 0.f, 1.f, 1.f, 0.f, 1.f};
     if (!vertexBuffer_->addAttribute(2, GL_FLOAT) || !vertexBuffer_->finishLayout() ||
@@ -85,8 +86,8 @@ void ColorBar::UpdateColorMap(const std::vector<GUI::Color>& colors, bool smooth
 void ColorBar::DrawCustom() {
     if (!initialized_)
         return;
-    program_->begin();
-    const GLuint program = program_->getProgram();
+    GLSLProgram& drawing = GUI::Renderer::detail::BeginTargetDraw(*program_, fetchProgram_.get());
+    const GLuint program = drawing.getProgram();
     GLint viewport[4] = {0, 0, 0, 0};
     glGetIntegerv(GL_VIEWPORT, viewport);
     GB_CHECK_GL(kFile);
@@ -111,15 +112,14 @@ void ColorBar::DrawCustom() {
     glUniform1ui(GUI::Renderer::detail::UniformLocation(program, "pid"), GetId());
     GB_CHECK_GL(kFile);
 
-    // The part id and the target to compose against, like every overlay draw.
+    // The part id, like every overlay draw.
     glUniform1ui(GUI::Renderer::detail::UniformLocationQuiet(program, "sid"), 0u);
     GB_CHECK_GL(kFile);
-    GUI::Renderer::detail::SetTargetSamplers(program);
 
     // The ramp covers exactly the rectangle: a barrier only if something drawn since overlaps it.
-    GUI::Renderer::detail::TargetBarrierFor(r);
+    GUI::Renderer::detail::TargetBarrierFor(r, &drawing == program_);
     vertexBuffer_->draw(GLVertexBuffer::TriangleFan);
-    program_->end();
+    drawing.end();
 }
 
 } // namespace GUI::Controls

@@ -3,6 +3,7 @@
 
 #include <trelvogui/gui/controlbase.h>
 
+#include <memory>
 #include <vector>
 
 class GLSLProgram;
@@ -46,6 +47,7 @@ private:
     bool initialized_ = false;
     unsigned int colorTexture_ = 0;
     GLSLProgram* program_ = nullptr;
+    std::unique_ptr<GLSLProgram> fetchProgram_; // the fast path's build, where the context offers fetch
     GLVertexBuffer* vertexBuffer_ = nullptr;
 };
 

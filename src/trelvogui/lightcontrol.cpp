@@ -55,11 +55,18 @@ bool LightControl::Initialize() {
     if (!quad->addAttribute(4, GL_FLOAT) || !quad->finishLayout() || !quad->upload(vertices, 6))
         return false;
 
-    program->begin();
-    const GLuint name = program->getProgram();
-    GUI::Renderer::detail::SetMaterialUniforms(name, tgeom::vec4(0.5f, 0.5f, 0.5f, 1.f), 40.f);
-    program->end();
+    std::unique_ptr<GLSLProgram> fetch;
+    GUI::Renderer::detail::BuildFetchProgram(fetch, "LightWidget.vs", "LightWidget.fs");
+    for (GLSLProgram* build : {program.get(), fetch.get()}) {
+        if (build == nullptr)
+            continue;
+        build->begin();
+        GUI::Renderer::detail::SetMaterialUniforms(build->getProgram(), tgeom::vec4(0.5f, 0.5f, 0.5f, 1.f),
+                                                   40.f);
+        build->end();
+    }
     program_ = std::move(program);
+    fetchProgram_ = std::move(fetch);
     quadBuffer_ = std::move(quad);
     return true;
 }
@@ -81,8 +88,8 @@ void LightControl::DrawCustom() {
     glViewport(viewport[2] - widgetWidth_ - 10, 10, widgetWidth_, widgetWidth_);
     GB_CHECK_GL(kFile);
 
-    program_->begin();
-    const GLuint program = program_->getProgram();
+    GLSLProgram& drawing = GUI::Renderer::detail::BeginTargetDraw(*program_, fetchProgram_.get());
+    const GLuint program = drawing.getProgram();
     SetUniformQuiet(program, "light.position", tgeom::vec4(light_->position, 1.f));
     SetUniformQuiet(program, "light.ambient", light_->ambient);
     SetUniformQuiet(program, "light.diffuse", light_->diffuse);
@@ -93,10 +100,9 @@ void LightControl::DrawCustom() {
         GB_CHECK_GL(kFile);
     }
     // The tile is translucent and composes over what the overlay drew before it, like every UI draw.
-    GUI::Renderer::detail::SetTargetSamplers(program);
-    GUI::Renderer::detail::TargetBarrier();
+    GUI::Renderer::detail::TargetBarrier(&drawing == program_.get());
     quadBuffer_->draw(GLVertexBuffer::Triangles);
-    program_->end();
+    drawing.end();
 
     glViewport(0, 0, viewport[2], viewport[3]);
     GB_CHECK_GL(kFile);

@@ -47,6 +47,7 @@ public:
 
 private:
     std::shared_ptr<GLSLProgram> program_;
+    std::unique_ptr<GLSLProgram> fetchProgram_; // the fast path's build, where the context offers fetch
     std::shared_ptr<GLVertexBuffer> quadBuffer_;
     std::shared_ptr<DirectionalLight> light_;
     int widgetWidth_ = 75;

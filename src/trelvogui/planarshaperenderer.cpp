@@ -131,6 +131,8 @@ void PlanarShapeRenderer::Draw() {
                                     : shape_ == Disc ? _vbDisc.get()
                                                      : nullptr;
     glm::mat4 model = modelMatrix();
+    // The outline keeps to sampling its target: it passes the ids beneath it through, and on
+    // llvmpipe framebuffer fetch reads integer attachments wrongly for line primitives.
     program_->begin();
     GLuint program = program_->getProgram();
     GLint location = UniformLocationQuiet(program, "ModelMatrix");

@@ -1,5 +1,7 @@
 #include "targetbarrier.h"
 
+#include "uniforms.h"
+
 #include <graphicsbase/glerror.h>
 #include <graphicsbase/glslprogram.h>
 
@@ -137,6 +139,14 @@ void BuildFetchProgram(std::unique_ptr<GLSLProgram>& fetch, const char* vertex, 
 
 GLSLProgram& ProgramFor(GLSLProgram& literal, GLSLProgram* fetch) {
     return fetch != nullptr && TargetFetch() ? *fetch : literal;
+}
+
+GLSLProgram& BeginTargetDraw(GLSLProgram& literal, GLSLProgram* fetch) {
+    GLSLProgram& drawing = ProgramFor(literal, fetch);
+    drawing.begin();
+    if (&drawing == &literal)
+        SetTargetSamplers(drawing.getProgram());
+    return drawing;
 }
 
 bool TextureBarrierAvailable() {

@@ -70,6 +70,11 @@ void BuildFetchProgram(std::unique_ptr<GLSLProgram>& fetch, const char* vertex, 
 /// The build of a pair that the next draw uses.
 GLSLProgram& ProgramFor(GLSLProgram& literal, GLSLProgram* fetch);
 
+/// Binds the build the next draw uses and, when that is the literal one, points its target samplers
+/// at the target (SetTargetSamplers). The draw samples its target exactly when the result is
+/// `literal`.
+GLSLProgram& BeginTargetDraw(GLSLProgram& literal, GLSLProgram* fetch);
+
 /// Whether the current context offers a texture barrier at all.
 bool TextureBarrierAvailable();
 
