@@ -1,22 +1,7 @@
 #version 330 core
 // Solid colour composed over the target it draws into; stamps the current ids.
 
-#ifdef TARGET_FETCH
-// The fast path's build where the context offers coherent framebuffer fetch: the outputs start out
-// holding the target's pixel, the very values the samplers below return, and no draw needs a barrier.
-#extension GL_EXT_shader_framebuffer_fetch : require
-layout(location = 0) inout vec4 fragColor;
-layout(location = 1) inout uvec4 fragIds;
-#define TARGET_COLOR fragColor
-#define TARGET_IDS fragIds
-#else
-uniform sampler2D targetColorSampler;
-uniform usampler2D targetIDSampler;
-layout(location = 0) out vec4 fragColor;
-layout(location = 1) out uvec4 fragIds;
-#define TARGET_COLOR texelFetch(targetColorSampler, ivec2(gl_FragCoord.xy), 0)
-#define TARGET_IDS texelFetch(targetIDSampler, ivec2(gl_FragCoord.xy), 0)
-#endif
+#include "TargetAccess.glsl"
 
 uniform vec4 color;
 uniform uint pid;

@@ -67,6 +67,7 @@ TEST_F(GLTest, ProgramFailuresNameTheFileAndLeaveItUnlinked) {
     ShaderDir dir;
     dir.Write("Broken.frag", "#version 330 core\nvoid main() { this is not glsl; }\n");
     dir.Write("Pass.vert", kPassVertex);
+    dir.Write("IncludesMissing.frag", "#version 330 core\n#include \"Missing.glsl\"\nvoid main() {}\n");
     // Compiles, but the declared function is defined nowhere: only the link can find that out.
     dir.Write("NeedsHelper.frag", R"(#version 330 core
 vec4 Helper();
@@ -85,6 +86,7 @@ void main() { fragColor = Helper(); }
         {"unknown name", "NoSuchShader.vert", nullptr, false, "NoSuchShader.vert"},
         {"unknown stage", "UILineShader.glsl", nullptr, false, "UILineShader.glsl"},
         {"compile error", "Pass.vert", "Broken.frag", false, "Broken.frag"},
+        {"missing include", "Pass.vert", "IncludesMissing.frag", false, "Missing.glsl"},
         {"missing stage", "NoSuchShader.vert", "Broken.frag", false, "NoSuchShader.vert"},
         {"link error", "Pass.vert", "NeedsHelper.frag", true, "NeedsHelper.frag"},
         {"nothing added", nullptr, nullptr, true, "no shaders"},
@@ -119,6 +121,29 @@ TEST_F(GLTest, ProgramCompileFailurePrintsTheDriverLog) {
     EXPECT_FALSE(program.addShader("Broken.frag"));
     std::string output = testing::internal::GetCapturedStdout();
     EXPECT_NE(output.find("undeclaredThing"), std::string::npos) << output;
+}
+
+TEST_F(GLTest, ProgramIncludesSharedTextAndKeepsTheIncludingFilesLineNumbers) {
+    ShaderDir dir;
+    dir.Write("Pass.vert", kPassVertex);
+    dir.Write("Shared.glsl", "// shared declarations\nuniform vec4 sharedMarker;\n");
+    const std::string head =
+        "#version 330 core\n#include \"Shared.glsl\"\nlayout(location = 0) out vec4 fragColor;\n";
+    dir.Write("User.frag", head + "void main() { fragColor = sharedMarker; }\n");
+    dir.Write("UserBroken.frag", head + "void main() { fragColor = undeclaredThing; }\n");
+
+    GLSLProgram program;
+    ASSERT_TRUE(program.addShader("Pass.vert"));
+    ASSERT_TRUE(program.addShader("User.frag"));
+    ASSERT_TRUE(program.linkProgram());
+    EXPECT_NE(Location(program, "sharedMarker"), -1);
+
+    GLSLProgram broken;
+    testing::internal::CaptureStdout();
+    EXPECT_FALSE(broken.addShader("UserBroken.frag"));
+    std::string output = testing::internal::GetCapturedStdout();
+    // The error is on line 4 of the file as written, whatever the included text's length.
+    EXPECT_NE(output.find(":4("), std::string::npos) << output;
 }
 
 TEST_F(GLTest, ProgramIsMoveOnlyAndDeletesItsObjects) {

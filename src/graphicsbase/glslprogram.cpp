@@ -60,6 +60,41 @@ std::string ProgramLog(GLuint program) {
     return text.c_str();
 }
 
+/// Replaces each line `#include "name"` with the named file's text, found like any shader: GLSL has
+/// no include of its own, and the overlay shaders share how they read their target. One level deep;
+/// a #line after each inclusion keeps the driver's messages on the including file's numbering.
+bool ExpandIncludes(const std::string& fileName, std::string& source) {
+    static const std::string kDirective = "#include \"";
+    std::string out;
+    size_t start = 0;
+    int line = 1;
+    while (start < source.size()) {
+        size_t end = source.find('\n', start);
+        end = end == std::string::npos ? source.size() : end + 1;
+        const std::string text = source.substr(start, end - start);
+        if (text.compare(0, kDirective.size(), kDirective) == 0) {
+            const size_t close = text.find('"', kDirective.size());
+            const std::string name =
+                text.substr(kDirective.size(), close == std::string::npos ? 0 : close - kDirective.size());
+            std::string included;
+            if (close == std::string::npos || !GLSLProgram::LoadSource(name, included)) {
+                std::printf("GLSLProgram: %s: included file %s not found\n", fileName.c_str(), name.c_str());
+                return false;
+            }
+            out += included;
+            if (!included.empty() && included.back() != '\n')
+                out += '\n';
+            out += "#line " + std::to_string(line + 1) + "\n";
+        } else {
+            out += text;
+        }
+        start = end;
+        ++line;
+    }
+    source.swap(out);
+    return true;
+}
+
 } // namespace
 
 GLSLProgram::~GLSLProgram() {
@@ -146,6 +181,8 @@ bool GLSLProgram::compileAndAttach(const std::string& fileName, const std::strin
         std::printf("GLSLProgram: %s: shader file not found\n", fileName.c_str());
         return false;
     }
+    if (!ExpandIncludes(fileName, source))
+        return false;
     if (!defines.empty()) {
         // After the #version line, which must stay first; #line keeps the driver's messages pointing
         // at the file's own line numbers.
