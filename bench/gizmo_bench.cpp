@@ -4,7 +4,8 @@
 #include <trelvogui/planecontrol.h>
 
 #include <graphicsbase/camera.h>
-#include <graphicsbase/headlesscontext.h>
+
+#include "benchcontext.h"
 
 #include <benchmark/benchmark.h>
 
@@ -16,11 +17,6 @@ namespace {
 constexpr int kWidth = 1280;
 constexpr int kHeight = 720;
 
-HeadlessGLContext& context() {
-    static HeadlessGLContext c(kWidth, kHeight);
-    return c;
-}
-
 std::shared_ptr<Camera> MakeCamera() {
     auto camera = std::make_shared<Camera>();
     camera->SetPosition({3.f, 2.5f, 4.f});
@@ -31,7 +27,7 @@ std::shared_ptr<Camera> MakeCamera() {
 
 /// One layer update in which only the 3D widgets are stale: the host reported a camera change.
 void BM_LayerUpdateGizmoAndPlaneStale(benchmark::State& state) {
-    if (!context().Valid())
+    if (!BenchContext().Valid())
         return state.SkipWithError("no GL context");
     auto camera = MakeCamera();
     auto manager = std::make_shared<GUI::GUIManager>();

@@ -6,7 +6,7 @@
 #include <trelvogui/gui/renderers/renderer.h>
 #include <trelvogui/gui/textureatlas.h>
 
-#include <graphicsbase/headlesscontext.h>
+#include "benchcontext.h"
 
 #include <benchmark/benchmark.h>
 
@@ -18,11 +18,6 @@
 namespace {
 constexpr int kWidth = 1280;
 constexpr int kHeight = 800;
-
-HeadlessGLContext& context() {
-    static HeadlessGLContext c(kWidth, kHeight);
-    return c;
-}
 
 /// A plain filled rectangle with its id: the cheapest control that still draws.
 class Tile : public GUI::Controls::Base {
@@ -37,7 +32,7 @@ public:
 
 struct Overlay {
     explicit Overlay(int tiles) {
-        if (!context().Valid())
+        if (!BenchContext().Valid())
             return;
         manager = std::make_shared<GUI::GUIManager>();
         ok = manager->Initialize();

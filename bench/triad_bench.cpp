@@ -7,9 +7,10 @@
 
 #include <graphicsbase/camera.h>
 #include <graphicsbase/directionallight.h>
-#include <graphicsbase/headlesscontext.h>
 #include <graphicsbase/resources.h>
 #include <graphicsbase/ui3delementreader.h>
+
+#include "benchcontext.h"
 
 #include <benchmark/benchmark.h>
 
@@ -21,11 +22,6 @@
 namespace {
 constexpr int kWidth = 1280;
 constexpr int kHeight = 720;
-
-HeadlessGLContext& context() {
-    static HeadlessGLContext c(kWidth, kHeight);
-    return c;
-}
 
 /// A 1280 x 720 overlay with the cube, the light widget and one panel, drawn once.
 struct Scene {
@@ -55,7 +51,7 @@ struct Scene {
 
 /// The host moved its camera: only the cube is restaled, and the layers are redrawn.
 void BM_LayerUpdateTriadStale(benchmark::State& state) {
-    if (!context().Valid())
+    if (!BenchContext().Valid())
         return state.SkipWithError("no GL context");
     Scene scene;
     if (!scene.Build())
@@ -70,7 +66,7 @@ BENCHMARK(BM_LayerUpdateTriadStale)->Unit(benchmark::kMicrosecond);
 
 /// One drag step on the light widget (the widget alone is stale), then the layer update.
 void BM_LayerUpdateLightWidgetStale(benchmark::State& state) {
-    if (!context().Valid())
+    if (!BenchContext().Valid())
         return state.SkipWithError("no GL context");
     Scene scene;
     if (!scene.Build())

@@ -248,11 +248,14 @@ int main(int argc, char** argv) {
 
     // The orientation cube in the lower-left corner: a click on a face looks at the scene from that
     // side at the same distance.
-    glm::ivec2 plusX = s.face(5);
-    s.click(plusX.x, plusX.y);
-    s.flush("click the orientation cube's +X face (host " + std::to_string(plusX.x) + ", " +
-            std::to_string(plusX.y) + "):");
-    s.printCamera();
+    auto clickFace = [&](int face, const std::string& name) {
+        glm::ivec2 at = s.face(face);
+        s.click(at.x, at.y);
+        s.flush("click the orientation cube's " + name + " face (host " + std::to_string(at.x) + ", " +
+                std::to_string(at.y) + "):");
+        s.printCamera();
+    };
+    clickFace(5, "+X");
     s.snapshot("cube-plus-x");
 
     // Seen straight from +x only that face shows; the user turns the camera a little, and the cube
@@ -262,11 +265,7 @@ int main(int argc, char** argv) {
     s.printCamera();
     s.snapshot("camera-orbited");
 
-    glm::ivec2 plusY = s.face(1);
-    s.click(plusY.x, plusY.y);
-    s.flush("click the orientation cube's +Y face (host " + std::to_string(plusY.x) + ", " +
-            std::to_string(plusY.y) + "):");
-    s.printCamera();
+    clickFace(1, "+Y");
     s.snapshot("cube-plus-y");
 
     // The light widget in the lower-right corner: dragging left and down swings the light round to

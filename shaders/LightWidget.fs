@@ -5,18 +5,7 @@
 
 #include "TargetAccess.glsl"
 
-struct Light {
-    vec4 position;
-    vec4 ambient;
-    vec4 diffuse;
-    vec4 specular;
-};
-struct Material {
-    vec4 ambient;
-    vec4 diffuse;
-    vec4 specular;
-    float shininess;
-};
+#include "Lighting.glsl"
 
 in vec2 local;
 
@@ -27,11 +16,7 @@ uniform uint primaryid;
 const float kBallRadius = 0.74;
 const float kCorner = 0.28;
 
-vec3 Encode(vec3 linear) {
-    vec3 low = linear * 12.92;
-    vec3 high = 1.055 * pow(linear, vec3(1.0 / 2.4)) - 0.055;
-    return mix(high, low, vec3(lessThanEqual(linear, vec3(0.0031308))));
-}
+#include "SrgbEncode.glsl"
 
 void main() {
     float pixel = fwidth(local.x);

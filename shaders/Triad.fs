@@ -2,18 +2,7 @@
 // Lights the face label with the scene light (taken into the cube's view space) and writes the
 // control's id and the face number, so a click knows which side was hit.
 
-struct Light {
-    vec4 position;
-    vec4 ambient;
-    vec4 diffuse;
-    vec4 specular;
-};
-struct Material {
-    vec4 ambient;
-    vec4 diffuse;
-    vec4 specular;
-    float shininess;
-};
+#include "Lighting.glsl"
 
 in vec2 uv;
 in vec3 eyeNormal;
@@ -29,11 +18,7 @@ uniform uint pid;
 layout(location = 0) out vec4 fragColor;
 layout(location = 1) out uvec4 fragIds;
 
-vec3 Encode(vec3 linear) {
-    vec3 low = linear * 12.92;
-    vec3 high = 1.055 * pow(linear, vec3(1.0 / 2.4)) - 0.055;
-    return mix(high, low, vec3(lessThanEqual(linear, vec3(0.0031308))));
-}
+#include "SrgbEncode.glsl"
 
 void main() {
     vec3 n = normalize(eyeNormal);

@@ -1,6 +1,7 @@
 // Texture atlas: loading the embedded skin, nine-slice geometry, and which region each control state
 // draws, checked on pixels read back from a texture target against the decoded atlas images.
 #include "support/glfixture.h"
+#include "support/layerpixels.h"
 #include "support/pngencode.h"
 
 #include <trelvogui/gui/button.h>
@@ -125,22 +126,10 @@ protected:
         renderer->DrawRectangle(screen);
     }
 
-    std::vector<uint32_t> ReadPrimaryIds() {
-        std::vector<uint32_t> ids(256 * 256 * 4);
-        glReadBuffer(GL_COLOR_ATTACHMENT1);
-        glFinish(); // the layers are drawn without waiting: let them land before reading
-        glReadPixels(0, 0, 256, 256, GL_RGBA_INTEGER, GL_UNSIGNED_INT, ids.data());
-        glReadBuffer(GL_COLOR_ATTACHMENT0);
-        std::vector<uint32_t> primary(256 * 256);
-        for (std::size_t i = 0; i < primary.size(); ++i)
-            primary[i] = ids[i * 4];
-        return primary;
-    }
-
-    void SaveTarget(std::string name) {
-        std::replace(name.begin(), name.end(), ' ', '_');
-        std::vector<uint8_t> pixels = ReadColorRegion(0, 0, 256, 256);
-        trelvo::test::WritePng(trelvo::test::OutputDir() + "/" + name + ".png", pixels.data(), 256, 256);
+    /// The target as drawn so far (drawing does not wait: let it land first).
+    trelvo::test::LayerPixels Target() {
+        glFinish();
+        return trelvo::test::ReadBoundTarget(256, 256);
     }
 
     /// Compares the drawn pixels of `screen` with the atlas area shown 1:1 (screen rows go up, image
@@ -151,16 +140,15 @@ protected:
         const int w = screen.Width(), h = screen.Height();
         if (w != area.xMax - area.xMin || h != area.yMax - area.yMin)
             return ::testing::AssertionFailure() << "test error: sizes differ";
-        std::vector<uint8_t> pixels = ReadColorRegion(screen.xMin, screen.yMin, w, h);
-        std::vector<uint32_t> ids = ReadPrimaryIds();
+        const trelvo::test::LayerPixels target = Target();
         int bad = 0;
         std::string first;
         for (int j = 0; j < h; ++j) {
             for (int i = 0; i < w; ++i) {
                 const int tx = area.xMin + i, ty = area.yMax - 1 - j;
                 const float coverage = Skin().Coverage(tx, ty);
-                const uint8_t* got = &pixels[(std::size_t(j) * w + i) * 4];
-                const uint32_t gotId = ids[std::size_t(screen.yMin + j) * 256 + screen.xMin + i];
+                const std::array<uint8_t, 4> got = target.Color(screen.xMin + i, screen.yMin + j);
+                const uint32_t gotId = target.Pid(screen.xMin + i, screen.yMin + j);
                 std::array<uint8_t, 4> want{kBackdrop.r, kBackdrop.g, kBackdrop.b, 255};
                 if (coverage >= 1.f)
                     want = Skin().Color(tx, ty);
@@ -180,7 +168,9 @@ protected:
         }
         if (bad == 0)
             return ::testing::AssertionSuccess();
-        SaveTarget("textureatlas_" + name);
+        std::string file = "textureatlas_" + name;
+        std::replace(file.begin(), file.end(), ' ', '_');
+        trelvo::test::SaveLayer(target, file);
         return ::testing::AssertionFailure() << bad << " pixels differ from the atlas area, first " << first;
     }
 
@@ -291,7 +281,7 @@ TEST_F(TextureAtlasTest, NineSliceCoversExactlyTheGrownRectangle) {
         renderer->SetIds(7, 0);
         atlas->DrawExpandableTexture(region, r);
         const Rectangle g = atlas->GetRectangleExpandableTexture(region, r);
-        std::vector<uint32_t> ids = ReadPrimaryIds();
+        const trelvo::test::LayerPixels target = Target();
         int wrong = 0;
         for (int y = 0; y < 256; ++y) {
             for (int x = 0; x < 256; ++x) {
@@ -309,13 +299,13 @@ TEST_F(TextureAtlasTest, NineSliceCoversExactlyTheGrownRectangle) {
                         continue;
                     expected = coverage > 0.5f;
                 }
-                if ((ids[std::size_t(y) * 256 + x] == 7u) != expected)
+                if ((target.Pid(x, y) == 7u) != expected)
                     ++wrong;
             }
         }
         EXPECT_EQ(wrong, 0);
         if (wrong)
-            SaveTarget("textureatlas_nineslice");
+            trelvo::test::SaveLayer(target, "textureatlas_nineslice");
     }
 }
 
@@ -556,16 +546,21 @@ TEST_F(TextureAtlasTest, LabelDrawsOnlyWithText) {
     label.SetColor({0, 0, 0, 255});
     // A fresh label has no text: nothing reaches the target.
     label.DrawControl(atlas.get());
-    std::vector<uint32_t> ids = ReadPrimaryIds();
-    EXPECT_EQ(std::count(ids.begin(), ids.end(), 9u), 0);
+    auto pidCount = [](const trelvo::test::LayerPixels& t, uint32_t id) {
+        int n = 0;
+        for (std::size_t i = 0; i < t.ids.size(); i += 4)
+            n += t.ids[i] == id ? 1 : 0;
+        return n;
+    };
+    EXPECT_EQ(pidCount(Target(), 9u), 0);
 
     label.SetText(L"Apply");
     label.DrawControl(atlas.get());
-    ids = ReadPrimaryIds();
+    const trelvo::test::LayerPixels drawn = Target();
     int inside = 0, outside = 0;
     for (int y = 0; y < 256; ++y)
         for (int x = 0; x < 256; ++x)
-            if (ids[std::size_t(y) * 256 + x] == 9u)
+            if (drawn.Pid(x, y) == 9u)
                 ++(x >= 20 && x < 120 && y >= 20 && y < 60 ? inside : outside);
     EXPECT_GT(inside, 0);
     EXPECT_EQ(outside, 0);

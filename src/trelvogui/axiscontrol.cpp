@@ -405,17 +405,9 @@ bool AxisControl::BuildGeometry() {
 void AxisControl::DrawCustom() {
     if (!program_ || !vertexBuffer_ || !program_->isLinked())
         return;
-    GLint viewport[4] = {0, 0, 0, 0};
-    glGetIntegerv(GL_VIEWPORT, viewport);
-    GB_CHECK_GL(kFile);
-
     GLSLProgram& drawing = GUI::Renderer::detail::BeginTargetDraw(*program_, fetchProgram_.get());
     const GLuint program = drawing.getProgram();
-    const glm::mat4 projection =
-        glm::ortho(0.f, static_cast<float>(viewport[2]), 0.f, static_cast<float>(viewport[3]), -1.f, 1.f);
-    glUniformMatrix4fv(GUI::Renderer::detail::UniformLocation(program, "ProjectionMatrix"), 1, GL_FALSE,
-                       glm::value_ptr(projection));
-    GB_CHECK_GL(kFile);
+    GUI::Renderer::detail::SetViewportProjection(program);
 
     const GUI::Geometry::Rectangle& r = GetRectangle();
     const float w = static_cast<float>(r.Width());

@@ -7,9 +7,6 @@
 #include <graphicsbase/glslprogram.h>
 #include <graphicsbase/glvertexbuffer.h>
 
-#include <glm/gtc/matrix_transform.hpp>
-#include <glm/gtc/type_ptr.hpp>
-
 #include <cstdio>
 
 namespace GUI::Controls {
@@ -88,9 +85,6 @@ void ColorBar::DrawCustom() {
         return;
     GLSLProgram& drawing = GUI::Renderer::detail::BeginTargetDraw(*program_, fetchProgram_.get());
     const GLuint program = drawing.getProgram();
-    GLint viewport[4] = {0, 0, 0, 0};
-    glGetIntegerv(GL_VIEWPORT, viewport);
-    GB_CHECK_GL(kFile);
 
     glActiveTexture(GL_TEXTURE0 + kColorMapUnit);
     GB_CHECK_GL(kFile);
@@ -99,11 +93,7 @@ void ColorBar::DrawCustom() {
     glUniform1i(GUI::Renderer::detail::UniformLocationQuiet(program, "trfunc_texunit"), kColorMapUnit);
     GB_CHECK_GL(kFile);
 
-    const glm::mat4 projection =
-        glm::ortho(0.f, static_cast<float>(viewport[2]), 0.f, static_cast<float>(viewport[3]), -1.f, 1.f);
-    glUniformMatrix4fv(GUI::Renderer::detail::UniformLocation(program, "ProjectionMatrix"), 1, GL_FALSE,
-                       glm::value_ptr(projection));
-    GB_CHECK_GL(kFile);
+    GUI::Renderer::detail::SetViewportProjection(program);
     const GUI::Geometry::Rectangle& r = GetRectangle();
     glUniform2i(GUI::Renderer::detail::UniformLocation(program, "bboxMin"), r.xMin, r.yMin);
     GB_CHECK_GL(kFile);

@@ -23,20 +23,25 @@ uint32_t LayerPixels::Sid(int x, int y) const {
     return ids[(static_cast<std::size_t>(y) * width + x) * 4 + 1];
 }
 
-LayerPixels ReadLayers(GUI::GUIManager& manager, int width, int height) {
+LayerPixels ReadBoundTarget(int width, int height) {
     LayerPixels out;
     out.width = width;
     out.height = height;
     out.color.resize(static_cast<std::size_t>(width) * height * 4);
     out.ids.resize(static_cast<std::size_t>(width) * height * 4);
-    glBindFramebuffer(GL_FRAMEBUFFER, manager.GetLayerFramebuffer());
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glReadBuffer(GL_COLOR_ATTACHMENT0);
-    manager.WaitForLayers();
     glReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, out.color.data());
     glReadBuffer(GL_COLOR_ATTACHMENT1);
     glReadPixels(0, 0, width, height, GL_RGBA_INTEGER, GL_UNSIGNED_INT, out.ids.data());
     glReadBuffer(GL_COLOR_ATTACHMENT0);
+    return out;
+}
+
+LayerPixels ReadLayers(GUI::GUIManager& manager, int width, int height) {
+    glBindFramebuffer(GL_FRAMEBUFFER, manager.GetLayerFramebuffer());
+    manager.WaitForLayers();
+    LayerPixels out = ReadBoundTarget(width, height);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     return out;
 }

@@ -22,6 +22,9 @@ struct LayerPixels {
     uint32_t Sid(int x, int y) const;
 };
 
+/// Reads colour and ids (attachments 0 and 1) of the bound framebuffer, as drawn so far: callers that
+/// drew without waiting finish first.
+LayerPixels ReadBoundTarget(int width, int height);
 /// Reads the layers the last UpdateLayers left; restores the default framebuffer afterwards.
 LayerPixels ReadLayers(GUI::GUIManager& manager, int width, int height);
 /// Writes the colour layer as a PNG under OutputDir() (for failures and for looking at it).

@@ -4,6 +4,7 @@
 
 #include <GL/glew.h>
 
+#include <glm/gtc/matrix_transform.hpp>
 #include <glm/gtc/type_ptr.hpp>
 
 #include <cstdio>
@@ -21,6 +22,16 @@ GLint UniformLocation(GLuint program, const char* name) {
     if (location == -1)
         std::printf("Could not get index for %s\n", name);
     return location;
+}
+
+void SetViewportProjection(GLuint program) {
+    GLint viewport[4] = {0, 0, 0, 0};
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    GB_CHECK_GL("gui/renderers/detail/uniforms");
+    const glm::mat4 projection =
+        glm::ortho(0.f, static_cast<float>(viewport[2]), 0.f, static_cast<float>(viewport[3]), -1.f, 1.f);
+    glUniformMatrix4fv(UniformLocation(program, "ProjectionMatrix"), 1, GL_FALSE, glm::value_ptr(projection));
+    GB_CHECK_GL("gui/renderers/detail/uniforms");
 }
 
 void SetUniformQuiet(GLuint program, const char* name, const glm::vec4& v) {

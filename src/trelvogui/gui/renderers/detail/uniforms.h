@@ -23,6 +23,10 @@ void SetUniformQuiet(GLuint program, const char* name, GLint v);
 /// bound (9 and 10): every shader that composes against its target reads them.
 void SetTargetSamplers(GLuint program);
 
+/// Sets "ProjectionMatrix" to the pixel projection of the current viewport: (0, 0) at its lower-left
+/// corner, one unit a pixel, y up. For the data controls, which draw in overlay pixels.
+void SetViewportProjection(GLuint program);
+
 /// The lit widgets' material block ("material.ambient", ".diffuse", ".specular", ".shininess"),
 /// with one colour for the three terms.
 void SetMaterialUniforms(GLuint program, const glm::vec4& colour, float shininess);
