@@ -6,6 +6,7 @@
 #include <trelvogui/gui/label.h>
 
 #include <graphicsbase/glerror.h>
+#include <graphicsbase/glscopedbindings.h>
 #include <graphicsbase/glslprogram.h>
 #include <graphicsbase/glvertexbuffer.h>
 
@@ -78,6 +79,7 @@ AxisControl::~AxisControl() {
 }
 
 bool AxisControl::Initialize() {
+    GL::GLScopedBindings hostState;
     delete vertexBuffer_;
     vertexBuffer_ = nullptr;
     delete program_;
@@ -363,6 +365,7 @@ bool AxisControl::BuildGeometry() {
     // Geometry lives on the GPU; before a successful Initialize there is nothing to build it for.
     if (!program_ || !program_->isLinked())
         return true;
+    GL::GLScopedBindings hostState;
     if (!vertexBuffer_) {
         vertexBuffer_ = new GLVertexBuffer();
         vertexBuffer_->addAttribute(2, GL_FLOAT);
@@ -405,6 +408,7 @@ bool AxisControl::BuildGeometry() {
 void AxisControl::DrawCustom() {
     if (!program_ || !vertexBuffer_ || !program_->isLinked())
         return;
+    GL::GLScopedBindings hostState;
     GLSLProgram& drawing = GUI::Renderer::detail::BeginTargetDraw(*program_, fetchProgram_.get());
     const GLuint program = drawing.getProgram();
     GUI::Renderer::detail::SetViewportProjection(program);

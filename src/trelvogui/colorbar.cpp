@@ -4,6 +4,7 @@
 #include "gui/renderers/detail/uniforms.h"
 
 #include <graphicsbase/glerror.h>
+#include <graphicsbase/glscopedbindings.h>
 #include <graphicsbase/glslprogram.h>
 #include <graphicsbase/glvertexbuffer.h>
 
@@ -26,6 +27,7 @@ ColorBar::~ColorBar() {
 }
 
 bool ColorBar::Initialize() {
+    GL::GLScopedBindings hostState;
     initialized_ = false;
     delete vertexBuffer_;
     vertexBuffer_ = nullptr;
@@ -52,11 +54,7 @@ void ColorBar::UpdateColorMap(const std::vector<GUI::Color>& colors, bool smooth
                     colors.size(), maxSize);
         return;
     }
-    // The host's own 1D binding on the active unit comes back afterwards.
-    GLint previous = 0;
-    glGetIntegerv(GL_TEXTURE_BINDING_1D, &previous);
-    GB_CHECK_GL(kFile);
-
+    GL::GLScopedBindings hostState;
     if (colorTexture_ != 0) {
         glDeleteTextures(1, &colorTexture_);
         GB_CHECK_GL(kFile);
@@ -76,13 +74,12 @@ void ColorBar::UpdateColorMap(const std::vector<GUI::Color>& colors, bool smooth
     glTexImage1D(GL_TEXTURE_1D, 0, GL_RGBA, static_cast<GLsizei>(colors.size()), 0, GL_RGBA, GL_UNSIGNED_BYTE,
                  colors.empty() ? nullptr : colors.data());
     GB_CHECK_GL(kFile);
-    glBindTexture(GL_TEXTURE_1D, static_cast<GLuint>(previous));
-    GB_CHECK_GL(kFile);
 }
 
 void ColorBar::DrawCustom() {
     if (!initialized_)
         return;
+    GL::GLScopedBindings hostState;
     GLSLProgram& drawing = GUI::Renderer::detail::BeginTargetDraw(*program_, fetchProgram_.get());
     const GLuint program = drawing.getProgram();
 

@@ -7,6 +7,7 @@
 
 #include <graphicsbase/directionallight.h>
 #include <graphicsbase/glerror.h>
+#include <graphicsbase/glscopedbindings.h>
 #include <graphicsbase/glslprogram.h>
 #include <graphicsbase/glvertexbuffer.h>
 
@@ -43,6 +44,7 @@ void LightControl::SetMargins(int x, int y) {
 }
 
 bool LightControl::Initialize() {
+    GL::GLScopedBindings hostState;
     program_.reset();
     quadBuffer_.reset();
     auto program = std::make_shared<GLSLProgram>();
@@ -80,6 +82,8 @@ bool LightControl::LayerFootprint(int layerWidth, int, GUI::Geometry::Rectangle&
 void LightControl::DrawCustom() {
     if (!program_ || !quadBuffer_ || !light_)
         return;
+    // The host's viewport, origin included, comes back with the rest of its state.
+    GL::GLScopedBindings hostState;
     GLint viewport[4] = {0, 0, 0, 0};
     glGetIntegerv(GL_VIEWPORT, viewport);
     GB_CHECK_GL(kFile);
@@ -103,9 +107,6 @@ void LightControl::DrawCustom() {
     GUI::Renderer::detail::TargetBarrier(&drawing == program_.get());
     quadBuffer_->draw(GLVertexBuffer::Triangles);
     drawing.end();
-
-    glViewport(0, 0, viewport[2], viewport[3]);
-    GB_CHECK_GL(kFile);
 }
 
 DrawFlags LightControl::OnMouseDrag(GUI::Event*, int dx, int dy) {

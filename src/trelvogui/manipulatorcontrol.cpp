@@ -3,6 +3,7 @@
 #include <trelvogui/manipulatorrenderer.h>
 
 #include <graphicsbase/camera.h>
+#include <graphicsbase/glscopedbindings.h>
 #include <graphicsbase/logfile.h>
 
 #include <algorithm>
@@ -40,6 +41,7 @@ bool ManipulatorControl::Initialize() {
                                     "ManipulatorControl::Initialize(): No camera was given.\n");
         return false;
     }
+    GL::GLScopedBindings hostState;
     if (!renderer_->Initialize())
         return false;
     MaterialInfo material;
@@ -129,6 +131,7 @@ void ManipulatorControl::SetVisible(bool v) {
 void ManipulatorControl::DrawCustom() {
     if (!camera_)
         return;
+    GL::GLScopedBindings hostState;
     camera_->SetMatrixParams(renderer_.get());
     renderer_->setPid(GetId());
     renderer_->Render();

@@ -3,6 +3,7 @@
 #include <trelvogui/manipulatorrenderer.h>
 
 #include <graphicsbase/camera.h>
+#include <graphicsbase/glscopedbindings.h>
 
 PlaneControl::PlaneControl(std::shared_ptr<Camera> camera) : ManipulatorControl(std::move(camera)) {}
 
@@ -13,6 +14,7 @@ bool PlaneControl::Initialize() {
     planarRenderer_.reset();
     if (!ManipulatorControl::Initialize())
         return false;
+    GL::GLScopedBindings hostState;
     // The outline holds the gizmo's own frame; the aliasing pointer keeps the gizmo renderer alive
     // for as long as the outline may read it.
     std::shared_ptr<LocalFrame> frame(GetRenderer(), &GetRenderer()->getFrame());
@@ -31,6 +33,7 @@ bool PlaneControl::Initialize() {
 void PlaneControl::DrawCustom() {
     if (!planarRenderer_ || !GetCamera())
         return;
+    GL::GLScopedBindings hostState;
     ManipulatorControl::DrawCustom();
     GetCamera()->SetMatrixParams(planarRenderer_.get());
     planarRenderer_->Draw();

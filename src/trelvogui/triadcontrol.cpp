@@ -8,6 +8,7 @@
 #include <graphicsbase/camera.h>
 #include <graphicsbase/directionallight.h>
 #include <graphicsbase/glerror.h>
+#include <graphicsbase/glscopedbindings.h>
 #include <graphicsbase/glslprogram.h>
 #include <graphicsbase/glvertexbuffer.h>
 #include <graphicsbase/pngreader.h>
@@ -78,6 +79,7 @@ bool TriadControl::Initialize() {
     ready_ = false;
     if (!program_ || !camera_ || !light_)
         return false;
+    GL::GLScopedBindings hostState;
     // An error left behind by the host must not be reported as ours.
     glGetError();
     // A repeated Initialize builds from a clean program rather than adding stages to the old one.
@@ -128,18 +130,11 @@ bool TriadControl::Initialize() {
     }
     const std::vector<unsigned char> rgba = reader.rgba();
 
-    // The caller's 2D binding on the active unit comes back afterwards.
-    GLint previousTexture = 0;
-    glGetIntegerv(GL_TEXTURE_BINDING_2D, &previousTexture);
-    GB_CHECK_GL(kFile);
     if (labelTexture_ == 0) {
         glGenTextures(1, &labelTexture_);
         GB_CHECK_GL(kFile);
     }
     glBindTexture(GL_TEXTURE_2D, labelTexture_);
-    GB_CHECK_GL(kFile);
-    GLint previousAlignment = 4;
-    glGetIntegerv(GL_UNPACK_ALIGNMENT, &previousAlignment);
     GB_CHECK_GL(kFile);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     GB_CHECK_GL(kFile);
@@ -147,15 +142,11 @@ bool TriadControl::Initialize() {
     glTexImage2D(GL_TEXTURE_2D, 0, GL_SRGB8_ALPHA8, reader.width(), reader.height(), 0, GL_RGBA,
                  GL_UNSIGNED_BYTE, rgba.data());
     GB_CHECK_GL(kFile);
-    glPixelStorei(GL_UNPACK_ALIGNMENT, previousAlignment);
-    GB_CHECK_GL(kFile);
     glGenerateMipmap(GL_TEXTURE_2D);
     GB_CHECK_GL(kFile);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     GB_CHECK_GL(kFile);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-    GB_CHECK_GL(kFile);
-    glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(previousTexture));
     GB_CHECK_GL(kFile);
 
     // The primary id in the records is whatever the control has now; the shader takes the id from
@@ -174,24 +165,14 @@ bool TriadControl::Initialize() {
 void TriadControl::DrawCustom() {
     if (!ready_)
         return;
-    GLint viewport[4] = {0, 0, 0, 0};
-    glGetIntegerv(GL_VIEWPORT, viewport);
-    GB_CHECK_GL(kFile);
-    GLboolean culling = glIsEnabled(GL_CULL_FACE);
-    GB_CHECK_GL(kFile);
-    GLint frontFace = GL_CCW;
-    glGetIntegerv(GL_FRONT_FACE, &frontFace);
-    GB_CHECK_GL(kFile);
-    GLint polygonMode[2] = {GL_FILL, GL_FILL};
-    glGetIntegerv(GL_POLYGON_MODE, polygonMode);
-    GB_CHECK_GL(kFile);
-    GLint previousUnit = GL_TEXTURE0;
-    glGetIntegerv(GL_ACTIVE_TEXTURE, &previousUnit);
-    GB_CHECK_GL(kFile);
+    // Culling, winding, polygon mode, viewport and the label unit are the host's again afterwards.
+    GL::GLScopedBindings hostState;
 
     // The cube is convex: back-face culling alone hides its far side, no depth buffer needed. The
     // model winds its faces counter-clockwise seen from outside.
     glEnable(GL_CULL_FACE);
+    GB_CHECK_GL(kFile);
+    glCullFace(GL_BACK);
     GB_CHECK_GL(kFile);
     glFrontFace(GL_CCW);
     GB_CHECK_GL(kFile);
@@ -202,9 +183,6 @@ void TriadControl::DrawCustom() {
     GB_CHECK_GL(kFile);
 
     glActiveTexture(GL_TEXTURE0 + kLabelUnit);
-    GB_CHECK_GL(kFile);
-    GLint previousLabelBinding = 0;
-    glGetIntegerv(GL_TEXTURE_BINDING_2D, &previousLabelBinding);
     GB_CHECK_GL(kFile);
     glBindTexture(GL_TEXTURE_2D, labelTexture_);
     GB_CHECK_GL(kFile);
@@ -242,23 +220,6 @@ void TriadControl::DrawCustom() {
     GUI::Renderer::detail::TargetBarrier();
     vertexBuffer_->draw(GLVertexBuffer::Triangles);
     program_->end();
-
-    glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(previousLabelBinding));
-    GB_CHECK_GL(kFile);
-    glActiveTexture(static_cast<GLenum>(previousUnit));
-    GB_CHECK_GL(kFile);
-    glPolygonMode(GL_FRONT_AND_BACK, static_cast<GLenum>(polygonMode[0]));
-    GB_CHECK_GL(kFile);
-    glFrontFace(static_cast<GLenum>(frontFace));
-    GB_CHECK_GL(kFile);
-    if (!culling) {
-        glDisable(GL_CULL_FACE);
-        GB_CHECK_GL(kFile);
-    }
-    // Origin 0, 0 by design: the cube's square is placed from the view's corner, and the view the
-    // overlay draws into always starts there.
-    glViewport(0, 0, viewport[2], viewport[3]);
-    GB_CHECK_GL(kFile);
 }
 
 DrawFlags TriadControl::OnClick(GUI::Event* e) {

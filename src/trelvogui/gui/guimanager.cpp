@@ -59,6 +59,7 @@ bool GUIManager::Initialize() {
         LogFile::Instance().AddLine(LogLevel::Warning, "GUIManager::Initialize(): %s\n", why.c_str());
         return false;
     }
+    GL::GLScopedBindings hostState;
     delete atlas_;
     atlas_ = nullptr;
     delete renderer_;
@@ -93,7 +94,7 @@ void GUIManager::deleteCompositeQuad() {
 }
 
 bool GUIManager::InitializeRenderer() {
-    GL::GLScopedBindings hostBindings;
+    GL::GLScopedBindings hostState;
     compositeProgram_ = std::make_unique<GLSLProgram>();
     compositeProgram_->addShader("UICompositShader.vert");
     compositeProgram_->addShader("UICompositShaderSimple.frag");
@@ -194,6 +195,7 @@ void GUIManager::Resize(int width, int height) {
         deleteLayers();
         return;
     }
+    GL::GLScopedBindings hostState;
     if (renderer_)
         renderer_->SetScreen(static_cast<unsigned>(width), static_cast<unsigned>(height));
     InitLayers();
@@ -224,7 +226,7 @@ void GUIManager::InitLayers() {
     layersWhole_ = true;
     if (width_ <= 0 || height_ <= 0)
         return;
-    GL::GLScopedBindings hostBindings;
+    GL::GLScopedBindings hostState;
     glGenFramebuffers(1, &layerFramebuffer_);
     GB_CHECK_GL(kFile);
     glBindFramebuffer(GL_FRAMEBUFFER, layerFramebuffer_);
@@ -311,7 +313,7 @@ void GUIManager::UpdateLayers() {
     updating_ = true;
 
     // Whatever the host had bound (its own framebuffer, program, vertex array) comes back afterwards.
-    GL::GLScopedBindings hostBindings;
+    GL::GLScopedBindings hostState;
     // Without a texture barrier in the context only finishing every draw keeps the target reads
     // defined; with one, barriers are issued where draws overlap and nothing waits.
     const bool strict = strictSynchronisation_ || !GUI::Renderer::detail::TextureBarrierAvailable();
@@ -518,11 +520,19 @@ void GUIManager::Draw() {
         if (area.Width() <= 0 || area.Height() <= 0)
             return;
     }
-    // The host's bindings, scissor box included, come back afterwards.
-    GL::GLScopedBindings hostBindings;
-    GL::GLScopedSetter state(GL::Disable{GL_DEPTH_TEST}, GL::Enable{GL_BLEND},
-                             GL::BlendFunc{GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA});
+    // The host's state, scissor box and viewport included, comes back afterwards. The overlay lands
+    // where picking believes it is, whatever viewport the host left bound.
+    GL::GLScopedBindings hostState;
+    glEnable(GL_BLEND);
+    GB_CHECK_GL(kFile);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    GB_CHECK_GL(kFile);
+    glViewport(origin_.x, origin_.y, width_, height_);
+    GB_CHECK_GL(kFile);
     if (area != view) {
+        using GUI::Geometry::AddSaturated;
+        area = {AddSaturated(area.xMin, origin_.x), AddSaturated(area.xMax, origin_.x),
+                AddSaturated(area.yMin, origin_.y), AddSaturated(area.yMax, origin_.y)};
         // Within a scissor the host set for its own reasons.
         if (glIsEnabled(GL_SCISSOR_TEST)) {
             GLint box[4] = {0, 0, 0, 0};
@@ -532,7 +542,8 @@ void GUIManager::Draw() {
             if (area.Width() <= 0 || area.Height() <= 0)
                 return;
         }
-        state.Apply(GL::Enable{GL_SCISSOR_TEST});
+        glEnable(GL_SCISSOR_TEST);
+        GB_CHECK_GL(kFile);
         glScissor(area.xMin, area.yMin, area.Width(), area.Height());
         GB_CHECK_GL(kFile);
     }
@@ -610,18 +621,14 @@ bool GUIManager::HitDetect(int x, int y, unsigned int* pid, unsigned int* sid) {
     *sid = 0;
     if (x < 0 || x >= width_ || y < 0 || y >= height_ || !pickFramebuffer_)
         return true;
-    // Read through the pick framebuffer (the id layer is its read buffer) and leave whatever the
-    // host had bound for reading in place.
-    GLint previous = 0;
-    glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &previous);
-    GB_CHECK_GL(kFile);
+    // Read through the pick framebuffer (the id layer is its read buffer); the host's read framebuffer
+    // and pixel-pack state come back afterwards.
+    GL::GLScopedBindings hostState;
     glBindFramebuffer(GL_READ_FRAMEBUFFER, pickFramebuffer_);
     GB_CHECK_GL(kFile);
     GLuint texel[4] = {0, 0, 0, 0};
     WaitForLayers();
     glReadPixels(x, y, 1, 1, GL_RGBA_INTEGER, GL_UNSIGNED_INT, texel);
-    GB_CHECK_GL(kFile);
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(previous));
     GB_CHECK_GL(kFile);
     *pid = texel[0];
     *sid = texel[1];

@@ -73,7 +73,8 @@ public:
     /// Deletes every sequence that animates `control`.
     virtual bool ClearAnimationOnControl(GUI::Controls::Base* control);
 
-    /// Blends the colour layer over the current framebuffer with one quad.
+    /// Blends the colour layer over the current framebuffer with one quad, at the manager's size and
+    /// origin whatever viewport the host left bound, so that the picture lands where picking looks.
     void Draw() override;
     void draw() override { Draw(); }
 
@@ -87,6 +88,11 @@ public:
     /// Mirrors the composite's texture coordinates vertically (rebuilds the quad).
     void SetUpsideDown(bool upsideDown);
     bool GetUpsideDown() const { return upsideDown_; }
+    /// Where the view's lower-left corner lies in the host's framebuffer, in pixels (default 0, 0), for
+    /// a view that does not start at the window's corner. Draw composites there; pointer events stay in
+    /// the view's own pixels.
+    void SetOrigin(int x, int y) { origin_ = {x, y}; }
+    GUI::Geometry::Point GetOrigin() const { return origin_; }
     /// A release at most this many milliseconds after the press is a click (default 200). Hosts
     /// whose users hold presses longer, as on touchpads, raise it.
     void SetClickWindow(uint64_t milliseconds) { clickWindow_ = milliseconds; }
@@ -157,6 +163,7 @@ private:
     int height_ = 100;
     bool needsRedraw_ = false;
     bool upsideDown_ = false;
+    GUI::Geometry::Point origin_;
     std::vector<GUI::Animation::Sequence*> animations_;
     std::vector<GUI::Animation::Sequence*> cancelled_;
     bool updating_ = false;
