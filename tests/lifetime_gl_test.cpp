@@ -2,6 +2,8 @@
 // managers, screen handlers that vanish, extreme geometry, and a long seeded input soak.
 #include "support/overlayfixture.h"
 
+#include <trelvogui/axiscontrol.h>
+#include <trelvogui/colorbar.h>
 #include <trelvogui/gui/animationsequence.h>
 #include <trelvogui/gui/button.h>
 #include <trelvogui/gui/fadeinsequence.h>
@@ -9,10 +11,17 @@
 #include <trelvogui/gui/label.h>
 #include <trelvogui/gui/panel.h>
 #include <trelvogui/gui/switchbutton.h>
+#include <trelvogui/lightcontrol.h>
+#include <trelvogui/probecontrol.h>
+
+#include <graphicsbase/directionallight.h>
 
 #include <graphicsbase/graphicsscene.h>
 
+#include <EGL/egl.h>
 #include <GL/glew.h>
+
+#include <array>
 
 #include <climits>
 #include <functional>
@@ -281,6 +290,21 @@ TEST_F(LifetimeTest, ExtremeGeometryIsClampedAndAMinimisedViewDrawsNothing) {
         EXPECT_LE(panel.GetRectangle().Height(), manager->GetMaxLayerSize());
     }
     EXPECT_TRUE(log->Contains("is clamped"));
+    // Dragged under a pointer far outside the view, or placed past the limits, a panel is stopped by
+    // moving it: it keeps its size and comes back whole.
+    panel.SetDraggable(true);
+    for (int target : {1 << 30, -(1 << 30)}) {
+        panel.SetRectangle({20, 120, 20, 120});
+        manager->UpdateLayers();
+        Drag(60, 60, target, target);
+        EXPECT_EQ(panel.GetRectangle().Width(), 100);
+        EXPECT_EQ(panel.GetRectangle().Height(), 100);
+        EXPECT_EQ(std::abs(panel.GetRectangle().xMin + panel.GetRectangle().xMax), 2 * (1 << 24) - 100);
+    }
+    panel.SetRectangle({(1 << 24) - 10, (1 << 24) + 90, INT_MIN, INT_MIN + 50});
+    EXPECT_EQ(panel.GetRectangle(),
+              (GUI::Geometry::Rectangle{(1 << 24) - 100, 1 << 24, -(1 << 24), -(1 << 24) + 50}));
+    panel.SetDraggable(false);
     panel.SetRectangle({20, 120, 20, 120});
 
     // Minimised: no layers, no drawing, no picking, no GL error; the next real size restores it all.
@@ -306,6 +330,84 @@ TEST_F(LifetimeTest, ExtremeGeometryIsClampedAndAMinimisedViewDrawsNothing) {
     manager->UpdateLayers();
     std::string out = testing::internal::GetCapturedStdout();
     EXPECT_NE(out.find("exceed the texture limit"), std::string::npos) << out;
+}
+
+TEST_F(LifetimeTest, DataControlsRefuseWhatTheyCannotHoldAndSurviveTheirOwnSignals) {
+    testing::internal::CaptureStdout();
+    // The probe box before Initialize: every operation answers, with a message, and touches nothing.
+    {
+        ProbeControl probe(manager);
+        probe.SetName(L"a");
+        probe.SetCollapsedText(L"b");
+        probe.Hide();
+        probe.Show();
+        probe.SetLocation(5, 5);
+        EXPECT_EQ(probe.GetName(), L"");
+        EXPECT_EQ(probe.GetCollapsedText(), L"");
+        EXPECT_FALSE(probe.IsVisible());
+        EXPECT_EQ(probe.GetLocation(), (std::array<int, 2>{0, 0}));
+        EXPECT_EQ(probe.GetSize(), (std::array<int, 2>{0, 0}));
+        ASSERT_TRUE(probe.Initialize());
+        probe.SetName(L"after");
+        EXPECT_EQ(probe.GetName(), L"after");
+    }
+    // An axis laid out after its rectangle changed: a handler may delete it first.
+    auto* axis = new AxisControl();
+    axis->Register(manager);
+    axis->RectangleChangedSignal.connect([&] { delete axis; });
+    axis->SetRectangle({10, 200, 10, 40});
+    EXPECT_TRUE(manager->Controls().empty());
+
+    // Tick counts and spacings that would ask for more labels than the axis can show.
+    AxisControl longAxis;
+    const int intervals = longAxis.GetIntervalCount();
+    longAxis.SetTickCount(INT_MAX);
+    EXPECT_EQ(longAxis.GetIntervalCount(), intervals) << "refused";
+    longAxis.SetTickSpacing(1);
+    longAxis.SetRectangle({0, 1 << 24, 0, 30});
+    EXPECT_EQ(longAxis.GetNumberLabels().size(), 4097u);
+    longAxis.SetRectangle({0, 400, 0, 30});
+    EXPECT_EQ(longAxis.GetIntervalCount(), 100) << "marks 4 pixels apart at the closest";
+
+    // Widget sizes beyond the geometry limits are brought within them.
+    LightControl light(std::make_shared<DirectionalLight>());
+    light.SetWidgetSize(INT_MAX, -5);
+    Panel panel;
+    panel.SetMinSize(-1, INT_MAX);
+    const std::string out = testing::internal::GetCapturedStdout();
+    for (const char* message :
+         {"ProbeControl::SetName(): The box does not exist before Initialize.\n",
+          "ProbeControl::GetSize(): The box does not exist before Initialize.\n",
+          "AxisControl::SetTickCount(): 2147483647 is outside -1 .. 4095.\n",
+          "AxisControl::Update(): 16777216 intervals do not fit on 16777216 pixels; 4096 are shown.\n",
+          "LightControl::SetWidgetSize(): 2147483647 is outside 1 .. 16777216; 16777216 is used.\n",
+          "LightControl::SetWidgetSize(): -5 is outside 1 .. 16777216; 1 is used.\n",
+          "Base::SetMinSize(): -1 is outside 0 .. 16777216; 0 is used.\n"})
+        EXPECT_NE(out.find(message), std::string::npos) << message << out;
+}
+
+TEST_F(LifetimeTest, DestroyingTheOverlayWithoutACurrentContextLeaksWithOneMessage) {
+    auto bar = std::make_unique<GUI::Controls::ColorBar>();
+    ASSERT_TRUE(bar->Initialize());
+    bar->UpdateColorMap({GUI::Color::FromWord(0xFF0000FF)}, false);
+    bar->Register(manager);
+    auto button = std::make_unique<Button>();
+    button->SetRectangle({10, 90, 10, 40});
+    button->Register(manager);
+    manager->UpdateLayers();
+    EGLDisplay display = eglGetCurrentDisplay();
+    ASSERT_TRUE(eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT));
+    bar.reset();
+    button.reset();
+    manager.reset();
+    ASSERT_TRUE(context->MakeCurrent());
+    EXPECT_EQ(log->Count("GraphicsBase: GL objects destroyed while no context is current are leaked; "
+                         "destroy them while their context is current.\n"),
+              1);
+    // With the context back, the next overlay works and releases normally.
+    manager = std::make_shared<GUI::GUIManager>();
+    ASSERT_TRUE(manager->Initialize());
+    manager->Resize(256, 256);
 }
 
 TEST_F(LifetimeTest, SeededInputSoakKeepsEveryInvariant) {

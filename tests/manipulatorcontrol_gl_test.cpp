@@ -406,6 +406,35 @@ TEST_F(GizmoTest, ScaleHandlesStopAtAFloorAndUniformScalingScalesEveryAxis) {
     EXPECT_EQ(attached->getScale(), s);
 }
 
+TEST_F(GizmoTest, ASlotOrAnOverrideMayDeleteTheGizmoInTheMiddleOfADragStep) {
+    struct Deleting : ManipulatorControl {
+        using ManipulatorControl::ManipulatorControl;
+        DrawFlags processMoveEvent() override {
+            if (fromOverride)
+                delete this;
+            return DRAW_NOTHING;
+        }
+        bool fromOverride = false;
+    };
+    for (bool fromOverride : {false, true}) {
+        SCOPED_TRACE(fromOverride ? "processMoveEvent" : "transformationSignal");
+        auto* gizmo = new Deleting(camera);
+        Add(*gizmo);
+        const glm::vec2 grab = HandlePoint(*gizmo, 1);
+        gizmo->fromOverride = fromOverride;
+        if (!fromOverride)
+            gizmo->transformationSignal.connect([gizmo] {
+                delete gizmo;
+                return DRAW_NOTHING;
+            });
+        const int before = steps;
+        Drag(grab, grab + glm::vec2(40.f, 10.f));
+        EXPECT_EQ(steps - before, fromOverride ? 0 : 1) << "no step after the gizmo is gone";
+        EXPECT_TRUE(manager->Controls().empty());
+        EXPECT_EQ(Hit(grab).first, 0u);
+    }
+}
+
 TEST_F(GizmoTest, PressingTheGizmoKeepsItBeneathThePanelsOverTheScene) {
     ManipulatorControl gizmo(camera);
     Add(gizmo);

@@ -1,5 +1,7 @@
 #include <graphicsbase/glloader.h>
 
+#include <graphicsbase/logfile.h>
+
 #include <GL/glew.h>
 
 #include <cstdio>
@@ -24,6 +26,20 @@ int CurrentGLVersion() {
     if (std::sscanf(reinterpret_cast<const char*>(text), "%d.%d", &major, &minor) != 2)
         return 0;
     return major * 10 + minor;
+}
+
+bool CanReleaseGL() {
+    static bool reported = false;
+    if (glGetString(GL_VERSION)) {
+        reported = false;
+        return true;
+    }
+    if (!reported)
+        LogFile::Instance().AddLine(LogLevel::Warning,
+                                    "GraphicsBase: GL objects destroyed while no context is current are "
+                                    "leaked; destroy them while their context is current.\n");
+    reported = true;
+    return false;
 }
 
 bool LoadGL(std::string* error) {

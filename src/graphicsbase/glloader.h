@@ -14,6 +14,12 @@ namespace GraphicsBase {
 /// `error`, when given, says why in one line without a trailing newline.
 GRAPHICSBASE_EXPORT bool LoadGL(std::string* error = nullptr);
 
+/// Whether GL objects can be deleted now: true when a context is current. Otherwise the caller
+/// forgets its names instead (the objects are leaked with the context that owns them, which frees
+/// them when it is destroyed), and the first such call logs one line saying so; the line is logged
+/// again only after a context was current in between.
+GRAPHICSBASE_EXPORT bool CanReleaseGL();
+
 /// The current context's version as major * 10 + minor (33 for 3.3), or 0 when no context is
 /// current. Needs no loaded entry points.
 GRAPHICSBASE_EXPORT int CurrentGLVersion();

@@ -1,4 +1,5 @@
 #include <graphicsbase/glerror.h>
+#include <graphicsbase/glloader.h>
 #include <graphicsbase/glslprogram.h>
 #include <graphicsbase/resources.h>
 
@@ -126,6 +127,10 @@ GLSLProgram& GLSLProgram::operator=(GLSLProgram&& other) noexcept {
 }
 
 void GLSLProgram::release() {
+    if ((program_ != 0 || !shaders_.empty()) && !GraphicsBase::CanReleaseGL()) {
+        shaders_.clear();
+        program_ = 0;
+    }
     for (GLuint shader : shaders_) {
         glDeleteShader(shader);
         GB_CHECK_GL(kTag);

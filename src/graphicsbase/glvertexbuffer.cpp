@@ -1,4 +1,5 @@
 #include <graphicsbase/glerror.h>
+#include <graphicsbase/glloader.h>
 #include <graphicsbase/glvertexbuffer.h>
 
 #include <GL/glew.h>
@@ -89,6 +90,8 @@ GLVertexBuffer& GLVertexBuffer::operator=(GLVertexBuffer&& other) noexcept {
 }
 
 void GLVertexBuffer::release() {
+    if ((ibo_ != 0 || vbo_ != 0 || vao_ != 0) && !GraphicsBase::CanReleaseGL())
+        ibo_ = vbo_ = vao_ = 0;
     if (ibo_ != 0) {
         glDeleteBuffers(1, &ibo_);
         GB_CHECK_GL(kTag);

@@ -18,6 +18,7 @@
 #include <climits>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 
 namespace {
 
@@ -26,6 +27,14 @@ constexpr const char* kFile = "axiscontrol";
 // The band's marks, in pixels: a baseline along the edge and a mark across the band at each tick.
 constexpr float kBaselineDepth = 2.f;
 constexpr float kMarkWidth = 2.f;
+// Marks closer than a mark and a gap merge into a solid band, and every tick owns a label control:
+// no more intervals than that, and never more than a few thousand however long the axis.
+constexpr int kMinTickPitch = 4;
+constexpr int kMaxIntervals = 4096;
+
+int MaxIntervals(int pixels) {
+    return std::clamp(std::abs(pixels) / kMinTickPitch, 1, kMaxIntervals);
+}
 
 // Float to int without undefined behaviour for NaN or out-of-range values.
 int TruncateToInt(double v) {
@@ -92,7 +101,10 @@ bool AxisControl::Initialize() {
 }
 
 void AxisControl::SetRectangle(GUI::Geometry::Rectangle r) {
+    std::weak_ptr<const void> alive = LifeToken();
     Base::SetRectangle(r);
+    if (alive.expired()) // deleted by a RectangleChangedSignal handler
+        return;
     Update();
 }
 
@@ -126,6 +138,10 @@ void AxisControl::SetTickSpacing(int spacing) {
 }
 
 void AxisControl::SetTickCount(int n) {
+    if (n < -1 || n >= kMaxIntervals) {
+        std::printf("AxisControl::SetTickCount(): %d is outside -1 .. %d.\n", n, kMaxIntervals - 1);
+        return;
+    }
     tickCount_ = n;
     intervalCount_ = n + 1;
 }
@@ -190,6 +206,12 @@ void AxisControl::Update() {
     // An explicit request wins over the spacing.
     if (tickCount_ != 0)
         intervalCount_ = tickCount_ + 1;
+    const int length = IsVertical(orientation_) ? r.Height() : r.Width();
+    if (intervalCount_ > MaxIntervals(length)) {
+        std::printf("AxisControl::Update(): %d intervals do not fit on %d pixels; %d are shown.\n",
+                    intervalCount_, std::abs(length), MaxIntervals(length));
+        intervalCount_ = MaxIntervals(length);
+    }
     ComputeTicks();
     LayoutTitle();
     FormatNumbers();
@@ -211,9 +233,8 @@ void AxisControl::ComputeTicks() {
     } else if (axisType_ == IntegerSteps) {
         // The steps are sized from the control's width whatever the orientation, so a vertical axis
         // beside a plot of the same width gets the same integer steps as the plot's horizontal axis.
-        int columns = GetRectangle().Width() / tickSpacing_;
-        if (columns < 1)
-            columns = 1;
+        const int width = GetRectangle().Width();
+        const int columns = std::clamp(width / tickSpacing_, 1, MaxIntervals(width));
         const double range = static_cast<double>(max_) - static_cast<double>(min_);
         double step = std::trunc(std::ceil(range / columns));
         if (!(step >= 1.0))

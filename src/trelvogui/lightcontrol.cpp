@@ -33,8 +33,8 @@ LightControl::LightControl(std::shared_ptr<DirectionalLight> light) : light_(std
 LightControl::~LightControl() = default;
 
 void LightControl::SetWidgetSize(int width, int height) {
-    widgetWidth_ = std::max(width, 1);
-    widgetHeight_ = std::max(height, 1);
+    widgetWidth_ = GUI::Geometry::BoundedSize("LightControl::SetWidgetSize()", width, 1);
+    widgetHeight_ = GUI::Geometry::BoundedSize("LightControl::SetWidgetSize()", height, 1);
     SetNeedsRedraw(true);
 }
 

@@ -261,7 +261,11 @@ DrawFlags ManipulatorControl::OnMouseDrag(GUI::Event* e, int dx, int dy) {
     if (!dragStep(mouse))
         return DRAW_NOTHING;
     std::weak_ptr<const void> alive = LifeToken();
-    DrawFlags r = processMoveEvent() | processTransformation();
+    // One after the other: either may run host code that deletes the gizmo.
+    DrawFlags r = processMoveEvent();
+    if (alive.expired())
+        return r | DRAW_OVERLAY;
+    r |= processTransformation();
     // The gizmo itself moved whatever the host answered, so its picture is stale either way (unless
     // the host's slot deleted it).
     if (!alive.expired())
@@ -395,7 +399,11 @@ DrawFlags ManipulatorControl::OnClick(GUI::Event* e) {
     copyToAttached();
     calculateTransformations();
     std::weak_ptr<const void> alive = LifeToken();
-    DrawFlags r = processMoveEvent() | processTransformation();
+    // One after the other: either may run host code that deletes the gizmo.
+    DrawFlags r = processMoveEvent();
+    if (alive.expired())
+        return r | DRAW_OVERLAY;
+    r |= processTransformation();
     if (!alive.expired())
         SetNeedsRedraw(true);
     return r | DRAW_OVERLAY;

@@ -4,6 +4,8 @@
 #include <trelvogui/gui/label.h>
 #include <trelvogui/gui/panel.h>
 
+#include <cstdio>
+
 ProbeControl::ProbeControl(std::shared_ptr<GUI::GUIManager> manager) : manager_(std::move(manager)) {}
 
 ProbeControl::~ProbeControl() {
@@ -51,39 +53,56 @@ bool ProbeControl::Initialize() {
     return true;
 }
 
+bool ProbeControl::ready(const char* operation) const {
+    if (panel_)
+        return true;
+    std::printf("ProbeControl::%s(): The box does not exist before Initialize.\n", operation);
+    return false;
+}
+
 void ProbeControl::SetName(std::wstring name) {
-    nameLabel_->SetText(std::move(name));
+    if (ready("SetName"))
+        nameLabel_->SetText(std::move(name));
 }
 std::wstring ProbeControl::GetName() {
-    return nameLabel_->GetText();
+    return ready("GetName") ? nameLabel_->GetText() : std::wstring();
 }
 void ProbeControl::SetCollapsedText(std::wstring text) {
-    collapsedLabel_->SetText(std::move(text));
+    if (ready("SetCollapsedText"))
+        collapsedLabel_->SetText(std::move(text));
 }
 std::wstring ProbeControl::GetCollapsedText() {
-    return collapsedLabel_->GetText();
+    return ready("GetCollapsedText") ? collapsedLabel_->GetText() : std::wstring();
 }
 void ProbeControl::Hide() {
-    panel_->SetVisible(false);
+    if (ready("Hide"))
+        panel_->SetVisible(false);
 }
 void ProbeControl::Show() {
-    panel_->SetVisible(true);
+    if (ready("Show"))
+        panel_->SetVisible(true);
 }
 bool ProbeControl::IsVisible() {
-    return panel_->Visible();
+    return ready("IsVisible") && panel_->Visible();
 }
 
 std::array<int, 2> ProbeControl::GetLocation() {
+    if (!ready("GetLocation"))
+        return {0, 0};
     const auto& r = panel_->GetRectangle();
     return {r.xMin, r.yMin};
 }
 
 void ProbeControl::SetLocation(int x, int y) {
+    if (!ready("SetLocation"))
+        return;
     const auto r = panel_->GetRectangle();
-    panel_->SetRectangle({x, x + r.Width(), y, y + r.Height()});
+    panel_->SetRectangle(GUI::Geometry::Rectangle{0, r.Width(), 0, r.Height()}.Bounded(x, y));
 }
 
 std::array<int, 2> ProbeControl::GetSize() {
+    if (!ready("GetSize"))
+        return {0, 0};
     const auto& r = panel_->GetRectangle();
     return {r.Width(), r.Height()};
 }

@@ -16,7 +16,8 @@ class Label;
 } // namespace GUI
 
 /// Owns one panel and two labels and registers the panel with the manager. Every operation but the
-/// constructor and destructor needs Initialize first.
+/// constructor and destructor needs Initialize first; before it they do nothing but say so (getters
+/// answer empty, false or zero).
 class TRELVOGUI_EXPORT ProbeControl {
 public:
     explicit ProbeControl(std::shared_ptr<GUI::GUIManager> manager);
@@ -44,6 +45,9 @@ public:
     GUI::Controls::Panel* GetPanel() { return panel_; }
 
 private:
+    /// Whether the box exists; prints why `operation` does nothing when it does not.
+    bool ready(const char* operation) const;
+
     std::shared_ptr<GUI::GUIManager> manager_;
     GUI::Controls::Panel* panel_ = nullptr;
     GUI::Controls::Label* nameLabel_ = nullptr;

@@ -8,6 +8,7 @@
 #include <graphicsbase/camera.h>
 #include <graphicsbase/directionallight.h>
 #include <graphicsbase/glerror.h>
+#include <graphicsbase/glloader.h>
 #include <graphicsbase/glscopedbindings.h>
 #include <graphicsbase/glslprogram.h>
 #include <graphicsbase/glvertexbuffer.h>
@@ -53,14 +54,14 @@ TriadControl::TriadControl(std::shared_ptr<Camera> camera, std::shared_ptr<Direc
 }
 
 TriadControl::~TriadControl() {
-    if (labelTexture_ != 0) {
+    if (labelTexture_ != 0 && GraphicsBase::CanReleaseGL()) {
         glDeleteTextures(1, &labelTexture_);
         GB_CHECK_GL(kFile);
     }
 }
 
 void TriadControl::SetMinimumSize(int pixels) {
-    minimumSize_ = std::max(pixels, 1);
+    minimumSize_ = GUI::Geometry::BoundedSize("TriadControl::SetMinimumSize()", pixels, 1);
     SetNeedsRedraw(true);
 }
 

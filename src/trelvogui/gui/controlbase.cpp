@@ -501,20 +501,18 @@ void Base::CalcBoundingBox(GUI::Texture::Atlas* atlas) {
 void Base::SetPosition(int x, int y) {
     int w = rectangle_.Width();
     int h = rectangle_.Height();
-    rectangle_ =
-        GUI::Geometry::Rectangle{x, GUI::Geometry::AddSaturated(x, w), y, GUI::Geometry::AddSaturated(y, h)}
-            .Clamped();
+    rectangle_ = GUI::Geometry::Rectangle{0, w, 0, h}.Bounded(x, y);
     CalcGlobalPosition();
     SetNeedsRedraw(true);
 }
 
 void Base::SetMinSize(int w, int h) {
-    minimumSize_.xMax = w;
-    minimumSize_.yMax = h;
+    minimumSize_.xMax = GUI::Geometry::BoundedSize("Base::SetMinSize()", w, 0);
+    minimumSize_.yMax = GUI::Geometry::BoundedSize("Base::SetMinSize()", h, 0);
 }
 
 void Base::SetRectangle(GUI::Geometry::Rectangle r) {
-    rectangle_ = r.Clamped();
+    rectangle_ = r.Bounded();
     CalcGlobalPosition();
     SetNeedsRedraw(true);
     // Last: a handler may delete this control.
@@ -522,8 +520,7 @@ void Base::SetRectangle(GUI::Geometry::Rectangle r) {
 }
 
 void Base::Translate(int dx, int dy) {
-    rectangle_.Shift(dx, dy);
-    rectangle_ = rectangle_.Clamped();
+    rectangle_ = rectangle_.Bounded(dx, dy);
     CalcGlobalPosition();
     SetNeedsRedraw(true);
 }

@@ -2,6 +2,7 @@
 // Integer pixel geometry of the overlay (origin bottom-left, y up).
 
 #include <cstdint>
+#include <cstdio>
 #include <limits>
 
 namespace GUI::Geometry {
@@ -22,6 +23,18 @@ constexpr int32_t ClampCoordinate(int64_t v) {
     return v > kCoordinateLimit    ? kCoordinateLimit
            : v < -kCoordinateLimit ? -kCoordinateLimit
                                    : static_cast<int32_t>(v);
+}
+
+/// A size a caller asked for, kept within lo .. kCoordinateLimit; prints "<operation>: <size> is
+/// outside <lo> .. <limit>; <kept> is used." when it had to move it.
+inline int32_t BoundedSize(const char* operation, int64_t size, int32_t lo) {
+    const int32_t kept = static_cast<int32_t>(size < lo                 ? lo
+                                              : size > kCoordinateLimit ? kCoordinateLimit
+                                                                        : size);
+    if (kept != size)
+        std::printf("%s: %lld is outside %d .. %d; %d is used.\n", operation, static_cast<long long>(size),
+                    lo, kCoordinateLimit, kept);
+    return kept;
 }
 
 /// a + b and a - b, saturated.
@@ -70,6 +83,22 @@ struct Rectangle {
             xMax = o.xMax;
         if (o.yMax > yMax)
             yMax = o.yMax;
+    }
+    /// Moved by (dx, dy), then kept within +-kCoordinateLimit by moving it back, so that its size
+    /// survives: only a rectangle wider or taller than the whole range is cut (Clamped). A control
+    /// pushed against the limit stays the size it was.
+    Rectangle Bounded(int64_t dx = 0, int64_t dy = 0) const {
+        int64_t b[4] = {int64_t{xMin} + dx, int64_t{xMax} + dx, int64_t{yMin} + dy, int64_t{yMax} + dy};
+        for (int axis = 0; axis < 4; axis += 2) {
+            const int64_t low = b[axis] < b[axis + 1] ? b[axis] : b[axis + 1];
+            const int64_t high = b[axis] < b[axis + 1] ? b[axis + 1] : b[axis];
+            const int64_t back = high > kCoordinateLimit   ? kCoordinateLimit - high
+                                 : low < -kCoordinateLimit ? -kCoordinateLimit - low
+                                                           : 0;
+            b[axis] += back;
+            b[axis + 1] += back;
+        }
+        return {ClampCoordinate(b[0]), ClampCoordinate(b[1]), ClampCoordinate(b[2]), ClampCoordinate(b[3])};
     }
     /// Every bound clamped into +-kCoordinateLimit.
     Rectangle Clamped() const {

@@ -33,6 +33,12 @@ GUI::Event controlEvent(const VX_UI::MouseEvent& e) {
 GUIManager::GUIManager(GUI::Renderer::Type type) : rendererType_(type) {}
 
 GUIManager::~GUIManager() {
+    if (!GraphicsBase::CanReleaseGL()) {
+        // Only the names are forgotten; the context frees the objects when it goes.
+        quadVertexArray_ = quadVertexBuffer_ = 0;
+        layerFramebuffer_ = pickFramebuffer_ = colorLayer_ = idLayer_ = depthLayer_ = 0;
+        layersFence_ = nullptr;
+    }
     delete renderer_;
     renderer_ = nullptr;
     delete atlas_;

@@ -1,6 +1,7 @@
 #include <trelvogui/gui/opengltexture.h>
 
 #include <graphicsbase/glerror.h>
+#include <graphicsbase/glloader.h>
 
 #include <GL/glew.h>
 
@@ -91,6 +92,8 @@ bool OpenglTexture::Allocate() {
 }
 
 bool OpenglTexture::Free() {
+    if (name_ != 0 && !GraphicsBase::CanReleaseGL())
+        name_ = 0;
     if (name_ != 0) {
         glDeleteTextures(1, &name_);
         GB_CHECK_GL(kTag);
