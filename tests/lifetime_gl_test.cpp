@@ -12,8 +12,12 @@
 #include <trelvogui/gui/panel.h>
 #include <trelvogui/gui/switchbutton.h>
 #include <trelvogui/lightcontrol.h>
+#include <trelvogui/manipulatorcontrol.h>
+#include <trelvogui/planecontrol.h>
 #include <trelvogui/probecontrol.h>
+#include <trelvogui/triadcontrol.h>
 
+#include <graphicsbase/camera.h>
 #include <graphicsbase/directionallight.h>
 
 #include <graphicsbase/graphicsscene.h>
@@ -24,6 +28,9 @@
 #include <array>
 
 #include <climits>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <random>
@@ -411,11 +418,41 @@ TEST_F(LifetimeTest, DestroyingTheOverlayWithoutACurrentContextLeaksWithOneMessa
 }
 
 TEST_F(LifetimeTest, SeededInputSoakKeepsEveryInvariant) {
-    // Panels of buttons, a switch and a sizeable panel, rebuilt now and then; pointer events with
-    // coordinates up to the integer limits; views resized down to 0 x 0 and up to the context's limit.
+    // Panels of buttons, a switch and a sizeable panel, the 3D widgets over a scene and the data
+    // controls, rebuilt now and then; pointer events with coordinates up to the integer limits; camera
+    // orbits, axis and colour-bar updates; some controls delete themselves in their own handlers; views
+    // resized down to 0 x 0 and up to the context's limit. TRELVO_SOAK_EVENTS asks for a longer run.
     std::mt19937 rng(20261122u);
     auto pick = [&](int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng); };
+    auto camera = std::make_shared<Camera>();
+    camera->SetTarget({0.f, 0.f, 0.f});
+    camera->SetPerspective(45.f, 0.1f, 100.f);
+    camera->SetViewport(256, 256);
+    auto light = std::make_shared<DirectionalLight>();
+    light->position = {0.f, 0.f, 2.f};
+    auto orbit = [&](float angle) {
+        camera->SetPosition({5.f * std::cos(angle), 2.5f, 5.f * std::sin(angle)});
+        camera->CalcMatrices();
+        manager->SetCameraUpdated(true);
+    };
+    orbit(0.7f);
+    struct {
+        int gizmoSteps = 0, triadClicks = 0, lightDrags = 0;
+    } reached;
     std::vector<std::unique_ptr<Base>> owned;
+    auto forget = [&owned](Base* raw) {
+        for (auto& c : owned)
+            if (c.get() == raw)
+                c.reset();
+    };
+    AxisControl* axis = nullptr;
+    GUI::Controls::ColorBar* bar = nullptr;
+    auto keep = [&](std::unique_ptr<Base> control, bool registered = true) {
+        if (registered)
+            control->Register(manager);
+        owned.push_back(std::move(control));
+        return owned.back().get();
+    };
     auto build = [&] {
         owned.clear();
         for (int p = 0; p < 3; ++p) {
@@ -429,22 +466,54 @@ TEST_F(LifetimeTest, SeededInputSoakKeepsEveryInvariant) {
                 Button* raw = button.get();
                 // Some buttons delete themselves when clicked.
                 if (b == 2)
-                    raw->ClickedSignal.connect([&owned, raw] {
-                        for (auto& c : owned)
-                            if (c.get() == raw)
-                                c.reset();
-                    });
+                    raw->ClickedSignal.connect([&forget, raw] { forget(raw); });
                 panel->AddChild(raw);
-                owned.push_back(std::move(button));
+                keep(std::move(button), false);
             }
-            panel->Register(manager);
-            owned.push_back(std::move(panel));
+            keep(std::move(panel));
         }
+        auto gizmo = std::make_unique<ManipulatorControl>(camera);
+        EXPECT_TRUE(gizmo->Initialize());
+        ManipulatorControl* g = gizmo.get();
+        // Now and then the host deletes the gizmo from inside a drag step.
+        g->transformationSignal.connect([&forget, &pick, &reached, g] {
+            ++reached.gizmoSteps;
+            if (pick(0, 30) == 0)
+                forget(g);
+            return DRAW_SCENE;
+        });
+        keep(std::move(gizmo));
+        auto plane = std::make_unique<PlaneControl>(camera);
+        EXPECT_TRUE(plane->Initialize());
+        plane->setPosition(-1.f, 0.f, 0.5f);
+        keep(std::move(plane));
+        auto triad = std::make_unique<TriadControl>(camera, light);
+        EXPECT_TRUE(triad->Initialize());
+        keep(std::move(triad));
+        auto lightWidget = std::make_unique<LightControl>(light);
+        EXPECT_TRUE(lightWidget->Initialize());
+        keep(std::move(lightWidget));
+        auto newBar = std::make_unique<GUI::Controls::ColorBar>();
+        EXPECT_TRUE(newBar->Initialize());
+        newBar->SetRectangle({180, 250, 200, 215});
+        bar = static_cast<GUI::Controls::ColorBar*>(keep(std::move(newBar)));
+        auto newAxis = std::make_unique<AxisControl>();
+        EXPECT_TRUE(newAxis->Initialize());
+        newAxis->SetRectangle({180, 250, 170, 195});
+        axis = static_cast<AxisControl*>(keep(std::move(newAxis)));
+        // A layout may delete the axis from its rectangle signal.
+        axis->RectangleChangedSignal.connect([&, a = axis] {
+            if (pick(0, 20) == 0) {
+                forget(a);
+                axis = nullptr;
+            }
+        });
     };
     build();
     const int extremes[] = {INT_MIN, -1, 0, 1, 255, 256, INT_MAX};
     int x = 0, y = 0, buttons = 0, width = 256, height = 256;
-    const int kEvents = 100000;
+    const char* asked = std::getenv("TRELVO_SOAK_EVENTS");
+    const int kEvents = asked ? std::atoi(asked) : 100000;
     for (int i = 0; i < kEvents; ++i) {
         int px = x, py = y;
         if (pick(0, 50) == 0) {
@@ -456,27 +525,58 @@ TEST_F(LifetimeTest, SeededInputSoakKeepsEveryInvariant) {
             y = static_cast<int>(
                 std::clamp<long long>(y + static_cast<long long>(pick(-20, 20)), -10, height + 10));
         }
+        DrawFlags flags = DRAW_NOTHING;
         switch (pick(0, 9)) {
         case 0:
             buttons = 1;
-            Press(x, y);
+            flags = Press(x, y);
             break;
         case 1:
             buttons = 0;
             now += static_cast<uint64_t>(pick(0, 400));
-            Release(x, y);
+            flags = Release(x, y);
             break;
         default:
-            Move(x, y, px, py, buttons);
+            flags = Move(x, y, px, py, buttons);
             break;
         }
+        reached.triadClicks += (flags & DRAW_TRIAD_FACE) ? 1 : 0;
+        reached.lightDrags += (flags & DRAW_LIGHT) ? 1 : 0;
         now += 3;
+        switch (pick(0, 199)) {
+        case 0:
+            orbit(static_cast<float>(pick(0, 628)) / 100.f);
+            break;
+        case 1:
+            if (axis) {
+                axis->SetRange(static_cast<float>(pick(-1000, 0)), static_cast<float>(pick(-10, 1000)));
+                axis->SetRectangle({pick(100, 200), pick(150, 256), pick(120, 170), pick(170, 256)});
+            }
+            break;
+        case 2:
+            if (bar)
+                bar->UpdateColorMap(
+                    std::vector<GUI::Color>(static_cast<size_t>(pick(1, 64)),
+                                            GUI::Color::FromWord(static_cast<uint32_t>(rng()))),
+                    pick(0, 1) == 0);
+            break;
+        default:
+            break;
+        }
         if (i % 40 == 0) {
             manager->UpdateLayers();
+            manager->Draw();
             unsigned pid = 99, sid = 99;
             manager->HitDetect(x, GUI::Geometry::SubSaturated(height, y), &pid, &sid);
             ASSERT_TRUE(pid == 0 || manager->Contains(pid))
                 << "event " << i << " picked an unknown id " << pid;
+            GLint viewport[4] = {0, 0, 0, 0}, program = -1, unit = 0;
+            glGetIntegerv(GL_VIEWPORT, viewport);
+            glGetIntegerv(GL_CURRENT_PROGRAM, &program);
+            glGetIntegerv(GL_ACTIVE_TEXTURE, &unit);
+            ASSERT_TRUE(viewport[0] == 0 && viewport[1] == 0 && viewport[2] == 256 && viewport[3] == 256 &&
+                        program == 0 && unit == GL_TEXTURE0)
+                << "event " << i << " left host state behind";
         }
         if (i % 5000 == 4999) {
             const int sizes[][2] = {{0, 0}, {256, 256}, {manager->GetMaxLayerSize(), 2}, {97, 311}, {-3, 40}};
@@ -484,6 +584,9 @@ TEST_F(LifetimeTest, SeededInputSoakKeepsEveryInvariant) {
             manager->Resize(s[0], s[1]);
             width = std::max(manager->GetWidth(), 1);
             height = std::max(manager->GetHeight(), 1);
+            camera->SetViewport(width, height);
+            camera->CalcMatrices();
+            manager->SetCameraUpdated(true);
         }
         if (i % 20000 == 19999)
             build(); // delete everything mid-session and start again
@@ -493,4 +596,10 @@ TEST_F(LifetimeTest, SeededInputSoakKeepsEveryInvariant) {
     owned.clear();
     manager->UpdateLayers();
     EXPECT_TRUE(manager->Controls().empty());
+    // The walk reaches the widgets, not only the panels.
+    EXPECT_GT(reached.gizmoSteps, 0);
+    EXPECT_GT(reached.triadClicks, 0);
+    EXPECT_GT(reached.lightDrags, 0);
+    std::printf("soak: %d events, %d gizmo steps, %d cube clicks, %d light drags\n", kEvents,
+                reached.gizmoSteps, reached.triadClicks, reached.lightDrags);
 }
