@@ -364,6 +364,17 @@ TEST_F(LifetimeTest, DataControlsRefuseWhatTheyCannotHoldAndSurviveTheirOwnSigna
     axis->RectangleChangedSignal.connect([&] { delete axis; });
     axis->SetRectangle({10, 200, 10, 40});
     EXPECT_TRUE(manager->Controls().empty());
+    // The same when a resize moves the roots: the others still move.
+    Panel first, last;
+    first.Register(manager);
+    axis = new AxisControl();
+    axis->Register(manager);
+    axis->RectangleChangedSignal.connect([&] { delete axis; });
+    last.Register(manager);
+    manager->Resize(256, 200);
+    EXPECT_EQ(manager->Controls().size(), 2u);
+    EXPECT_EQ(last.GetRectangle().yMin, first.GetRectangle().yMin);
+    manager->Resize(256, 256);
 
     // Tick counts and spacings that would ask for more labels than the axis can show.
     AxisControl longAxis;

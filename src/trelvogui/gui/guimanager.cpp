@@ -186,8 +186,14 @@ void GUIManager::Resize(int width, int height) {
         height = static_cast<int>(kMaxLayerPixels / width);
     }
     int shift = GUI::Geometry::SubSaturated(height, height_);
-    for (GUI::Controls::Base* control : Controls()) {
-        if (control->HasParent())
+    // A RectangleChangedSignal slot may delete any control, which changes the registry: walk a copy
+    // and skip the roots that are gone.
+    std::vector<std::pair<GUI::Controls::Base*, std::weak_ptr<const void>>> roots;
+    for (GUI::Controls::Base* control : Controls())
+        if (!control->HasParent())
+            roots.emplace_back(control, control->LifeToken());
+    for (auto& [control, alive] : roots) {
+        if (alive.expired())
             continue;
         GUI::Geometry::Rectangle r = control->GetRectangle();
         control->SetHorizontalAlignment(GUI::Alignment::Horizontal::Left);
