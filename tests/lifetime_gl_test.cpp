@@ -402,6 +402,26 @@ TEST_F(LifetimeTest, DataControlsRefuseWhatTheyCannotHoldAndSurviveTheirOwnSigna
           "LightControl::SetWidgetSize(): -5 is outside 1 .. 16777216; 1 is used.\n",
           "Base::SetMinSize(): -1 is outside 0 .. 16777216; 0 is used.\n"})
         EXPECT_NE(out.find(message), std::string::npos) << message << out;
+
+    // And when a panel fits itself to its contents while the layers are drawn.
+    GUI::Controls::Label text;
+    text.SetRectangle({0, 120, 0, 20});
+    text.SetText(L"fits");
+    auto* fitted = new Panel();
+    fitted->SetRectangle({20, 60, 20, 60});
+    fitted->SetHorizontalSizingPolicy(GUI::Policy::FitContent);
+    fitted->AddChild(&text);
+    fitted->Register(manager);
+    int changes = 0;
+    fitted->RectangleChangedSignal.connect([&] {
+        ++changes;
+        delete fitted;
+    });
+    manager->UpdateLayers();
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(manager->Controls().size(), 2u);
+    EXPECT_FALSE(text.HasParent());
+    manager->UpdateLayers();
 }
 
 TEST_F(LifetimeTest, DestroyingTheOverlayWithoutACurrentContextLeaksWithOneMessage) {

@@ -515,6 +515,12 @@ void Base::SetRectangle(GUI::Geometry::Rectangle r) {
     rectangle_ = r.Bounded();
     CalcGlobalPosition();
     SetNeedsRedraw(true);
+    // While the manager draws (a panel fitting itself to its contents), a handler that deleted this
+    // control would pull it from under the drawing: the signal waits for the end of the update.
+    if (GUI::GUIManager* manager = Manager(); manager && manager->Updating()) {
+        manager->DeferRectangleSignal(this);
+        return;
+    }
     // Last: a handler may delete this control.
     RectangleChangedSignal();
 }

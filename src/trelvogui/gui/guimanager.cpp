@@ -287,6 +287,29 @@ void GUIManager::InitLayers() {
 }
 
 void GUIManager::UpdateLayers() {
+    updateLayers();
+    fireDeferredSignals();
+}
+
+void GUIManager::DeferRectangleSignal(GUI::Controls::Base* control) {
+    if (!control)
+        return;
+    for (const auto& deferred : deferredSignals_)
+        if (deferred.first == control && !deferred.second.expired())
+            return;
+    deferredSignals_.emplace_back(control, control->LifeToken());
+}
+
+void GUIManager::fireDeferredSignals() {
+    // A slot may delete any control, or change a rectangle again (which then fires at once).
+    auto pending = std::move(deferredSignals_);
+    deferredSignals_.clear();
+    for (auto& [control, alive] : pending)
+        if (!alive.expired())
+            control->RectangleChangedSignal();
+}
+
+void GUIManager::updateLayers() {
     uint64_t t0 = GUI::Clock::Ticks();
     updating_ = true;
     // Animations move and fade roots through their frames without marking them: redraw whole.

@@ -62,6 +62,13 @@ public:
     virtual void InitLayers();
     /// Advances animations and, only when something is stale, re-renders the layers.
     virtual void UpdateLayers();
+    /// True while UpdateLayers runs. A control whose rectangle changes then (a panel fitting itself to
+    /// its contents while it is drawn) fires its RectangleChangedSignal after the update, where a
+    /// slot may delete it without pulling it from under the drawing.
+    bool Updating() const { return updating_; }
+    /// Fires the control's RectangleChangedSignal at the end of the running update (once, however
+    /// often it is asked for, and not at all when the control is gone by then).
+    void DeferRectangleSignal(GUI::Controls::Base* control);
     /// Blocks until the last layer update has landed. HitDetect does this itself; a host that reads
     /// the layers back through its own framebuffer (GetLayerFramebuffer) calls it first, since the
     /// fast update returns before the drawing is done.
@@ -138,6 +145,8 @@ public:
 
 private:
     void deleteLayers();
+    void updateLayers();
+    void fireDeferredSignals();
     void deleteLayersFence();
     /// Blocks until the last fast layer update has landed (before reading the id layer back).
     void waitForLayers();
@@ -167,6 +176,7 @@ private:
     std::vector<GUI::Animation::Sequence*> animations_;
     std::vector<GUI::Animation::Sequence*> cancelled_;
     bool updating_ = false;
+    std::vector<std::pair<GUI::Controls::Base*, std::weak_ptr<const void>>> deferredSignals_;
     int maxLayerSize_ = 16384;
     int32_t layerUpdateTime_ = 0;
     int32_t layerUpdateCount_ = 0;
