@@ -21,7 +21,8 @@ class GUIManager;
 /// result into the framebuffer and viewport that were bound at BeginScene; given a manager, its
 /// overlay is brought up to date and composited over it). The projection of the host's Camera must
 /// be the one the scene was drawn with. Every entry point leaves the host's GL state as it found
-/// it, except that between BeginScene and EndScene the target and its viewport are bound.
+/// it, except that between BeginScene and EndScene the target and its viewport are bound. Destroy
+/// it while its context is current.
 class TRELVOGUI_EXPORT SceneCompositor {
 public:
     explicit SceneCompositor(std::shared_ptr<Camera> camera);
