@@ -11,6 +11,7 @@
 #include <trelvogui/manipulatorcontrol.h>
 #include <trelvogui/planecontrol.h>
 #include <trelvogui/probecontrol.h>
+#include <trelvogui/scenecompositor.h>
 #include <trelvogui/triadcontrol.h>
 
 #include <glm/glm.hpp>
@@ -36,13 +37,16 @@ void main() {
 const char* kCubeFragment = R"(#version 330 core
 in vec3 worldNormal;
 uniform vec3 lightDirection;
-out vec4 color;
+uniform vec3 baseColor;
+layout(location = 0) out vec4 color;
+// For the compositor's normal attachment; ignored where the target has none.
+layout(location = 1) out vec4 normalOut;
 void main() {
     vec3 n = normalize(worldNormal);
     vec3 light = normalize(lightDirection);
     float diffuse = max(dot(n, light), 0.0);
-    vec3 base = vec3(0.85, 0.55, 0.2);
-    color = vec4(base * (0.25 + 0.75 * diffuse), 1.0);
+    color = vec4(baseColor * (0.35 + 0.65 * diffuse), 1.0);
+    normalOut = vec4(n, 0.0);
 })";
 
 GLuint compile(GLenum stage, const char* source) {
@@ -103,6 +107,7 @@ DemoHost::~DemoHost() {
     while (!owned_.empty())
         owned_.pop_back();
     input_.reset();
+    compositor_.reset();
     manager_.reset();
     if (cubeVao_)
         glDeleteVertexArrays(1, &cubeVao_);
@@ -121,6 +126,16 @@ bool DemoHost::Initialize() {
         return false;
     }
     manager_->Resize(width_, height_);
+    // The scene goes through the compositor, which gives it contact shadows when occlusion is on.
+    compositor_ = std::make_unique<SceneCompositor>(camera_);
+    if (!compositor_->Initialize()) {
+        std::fprintf(stderr, "the scene compositor could not be initialised\n");
+        return false;
+    }
+    compositor_->SetNormalAttachment(true);
+    compositor_->SetRadius(0.45f);
+    compositor_->SetOcclusionEnabled(false);
+    compositor_->Resize(width_, height_);
     input_ = std::make_unique<GUI::GUIInputManager>(*this);
     input_->addScreenHandler(manager_.get());
     // The 3D widgets are registered first, so the panels are drawn over them.
@@ -341,6 +356,11 @@ bool DemoHost::buildCube() {
             v.insert(v.end(), {p.x, p.y, p.z, n.x, n.y, n.z});
         }
     }
+    // The floor the cube stands on: a square under its bottom face.
+    const float y = -0.5f, e = 3.f;
+    for (const glm::vec2& c : {glm::vec2(-e, -e), glm::vec2(-e, e), glm::vec2(e, e), glm::vec2(-e, -e),
+                               glm::vec2(e, e), glm::vec2(e, -e)})
+        v.insert(v.end(), {c.x, y, c.y, 0.f, 1.f, 0.f});
     glGenVertexArrays(1, &cubeVao_);
     glBindVertexArray(cubeVao_);
     glGenBuffers(1, &cubeVbo_);
@@ -367,9 +387,14 @@ void DemoHost::drawCube() {
     glm::vec3 toLight = light_->Direction();
     glUseProgram(cubeProgram_);
     glUniform3fv(glGetUniformLocation(cubeProgram_, "lightDirection"), 1, glm::value_ptr(toLight));
-    glUniformMatrix4fv(glGetUniformLocation(cubeProgram_, "model"), 1, GL_FALSE, glm::value_ptr(model));
     glUniformMatrix4fv(glGetUniformLocation(cubeProgram_, "viewProjection"), 1, GL_FALSE, glm::value_ptr(vp));
     glBindVertexArray(cubeVao_);
+    const glm::mat4 identity(1.f);
+    glUniformMatrix4fv(glGetUniformLocation(cubeProgram_, "model"), 1, GL_FALSE, glm::value_ptr(identity));
+    glUniform3f(glGetUniformLocation(cubeProgram_, "baseColor"), 0.55f, 0.6f, 0.66f);
+    glDrawArrays(GL_TRIANGLES, 36, 6);
+    glUniformMatrix4fv(glGetUniformLocation(cubeProgram_, "model"), 1, GL_FALSE, glm::value_ptr(model));
+    glUniform3f(glGetUniformLocation(cubeProgram_, "baseColor"), 0.85f, 0.55f, 0.2f);
     glDrawArrays(GL_TRIANGLES, 0, 36);
     glBindVertexArray(0);
     glUseProgram(0);
@@ -384,9 +409,15 @@ void DemoHost::RenderFrame(float angle) {
         spinAngle_ = angle;
         gizmo_->attachFrame(cubeFrame_);
     }
+    // One call after the scene: the compositor finishes it into the window and puts the overlay on.
+    compositor_->BeginScene();
     drawCube();
-    manager_->UpdateLayers();
-    manager_->Draw();
+    compositor_->EndScene(manager_.get());
+}
+
+void DemoHost::SetSceneOcclusion(bool on, bool showTerm) {
+    compositor_->SetOcclusionEnabled(on);
+    compositor_->SetShowOcclusion(showTerm);
 }
 
 void DemoHost::Resize(int width, int height) {
@@ -395,6 +426,7 @@ void DemoHost::Resize(int width, int height) {
     camera_->SetViewport(width, height);
     CameraChanged();
     manager_->Resize(width, height);
+    compositor_->Resize(width, height);
     legend_->Place(width, height);
 }
 

@@ -27,6 +27,7 @@ class ManipulatorControl;
 class PlaneControl;
 class TriadControl;
 class LightControl;
+class SceneCompositor;
 
 namespace demo {
 class DemoLegend;
@@ -40,8 +41,11 @@ public:
 
     /// With the host's context current. False (with a message) if the overlay cannot start.
     bool Initialize();
-    /// Draws the cube (turned by `angle` degrees) into the current framebuffer, then the overlay.
+    /// Draws the cube (turned by `angle` degrees) on its floor into the current framebuffer through
+    /// the scene compositor, then the overlay.
     void RenderFrame(float angle);
+    /// Ambient occlusion on the scene (off by default); `showTerm` shows the occlusion term alone.
+    void SetSceneOcclusion(bool on, bool showTerm = false);
     void Resize(int width, int height);
 
     /// Host-side input, y growing downward; the previous position is tracked here.
@@ -100,6 +104,7 @@ private:
     std::shared_ptr<LocalFrame> cubeFrame_;
     std::shared_ptr<GUI::GUIManager> manager_;
     std::unique_ptr<GUI::GUIInputManager> input_;
+    std::unique_ptr<SceneCompositor> compositor_;
     std::unique_ptr<ProbeControl> probe_;
     std::unique_ptr<ManipulatorControl> gizmo_;
     std::unique_ptr<PlaneControl> plane_;

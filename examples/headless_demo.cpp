@@ -46,8 +46,9 @@ struct Session {
             std::printf("%s\n", line.c_str());
     }
 
-    void snapshot(const std::string& name) {
-        if (host.Rotating())
+    /// Renders and writes a frame; the cube turns on first unless `still`.
+    void snapshot(const std::string& name, bool still = false) {
+        if (host.Rotating() && !still)
             angle += 25.f;
         host.RenderFrame(angle);
         std::vector<uint8_t> pixels(static_cast<size_t>(kWidth) * kHeight * 4);
@@ -156,6 +157,13 @@ int main(int argc, char** argv) {
     Session s{host, outDir};
 
     s.snapshot("initial");
+    // The same frame with the scene's ambient occlusion on, and the occlusion term by itself.
+    s.host.SetSceneOcclusion(true);
+    s.snapshot("occlusion-on", true);
+    s.host.SetSceneOcclusion(true, true);
+    s.snapshot("occlusion-term", true);
+    s.host.SetSceneOcclusion(false);
+    std::printf("ambient occlusion on, then its term alone, then off again\n");
     std::printf("legend tick texts:\n");
     for (const std::string& line : host.Legend()->TickTexts())
         std::printf("  %s\n", line.c_str());

@@ -56,6 +56,46 @@ void GLScopedSetter::Apply(BlendFuncSeparate b) {
     GB_CHECK_GL("glscopedsetter");
 }
 
+void GLScopedSetter::Apply(ColorMask m) {
+    Record* r = push();
+    if (r) {
+        r->kind = Kind::ColorMask;
+        GLboolean mask[4] = {GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE};
+        glGetBooleanv(GL_COLOR_WRITEMASK, mask);
+        GB_CHECK_GL("glscopedsetter");
+        for (int i = 0; i < 4; ++i)
+            r->blend[i] = mask[i];
+    }
+    glColorMask(m.red, m.green, m.blue, m.alpha);
+    GB_CHECK_GL("glscopedsetter");
+}
+
+namespace {
+void bindOnUnit(GLenum unit, GLuint texture) {
+    GLint active = GL_TEXTURE0;
+    glGetIntegerv(GL_ACTIVE_TEXTURE, &active);
+    glActiveTexture(GL_TEXTURE0 + unit);
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glActiveTexture(static_cast<GLenum>(active));
+    GB_CHECK_GL("glscopedsetter");
+}
+} // namespace
+
+void GLScopedSetter::Apply(BindTexture2D t) {
+    Record* r = push();
+    if (r) {
+        r->kind = Kind::Texture;
+        GLint active = GL_TEXTURE0;
+        glGetIntegerv(GL_ACTIVE_TEXTURE, &active);
+        glActiveTexture(GL_TEXTURE0 + t.unit);
+        r->blend[0] = static_cast<int>(t.unit);
+        glGetIntegerv(GL_TEXTURE_BINDING_2D, &r->blend[1]);
+        glActiveTexture(static_cast<GLenum>(active));
+        GB_CHECK_GL("glscopedsetter");
+    }
+    bindOnUnit(t.unit, t.texture);
+}
+
 GLScopedSetter::~GLScopedSetter() {
     while (count_ > 0) {
         const Record& r = records_[--count_];
@@ -64,6 +104,10 @@ GLScopedSetter::~GLScopedSetter() {
                 glEnable(r.capability);
             else
                 glDisable(r.capability);
+        } else if (r.kind == Kind::ColorMask) {
+            glColorMask(r.blend[0] != 0, r.blend[1] != 0, r.blend[2] != 0, r.blend[3] != 0);
+        } else if (r.kind == Kind::Texture) {
+            bindOnUnit(static_cast<GLenum>(r.blend[0]), static_cast<GLuint>(r.blend[1]));
         } else {
             glBlendFuncSeparate(static_cast<GLenum>(r.blend[0]), static_cast<GLenum>(r.blend[1]),
                                 static_cast<GLenum>(r.blend[2]), static_cast<GLenum>(r.blend[3]));

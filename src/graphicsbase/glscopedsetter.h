@@ -23,6 +23,18 @@ struct BlendFuncSeparate {
     unsigned int sourceAlpha;
     unsigned int destinationAlpha;
 };
+struct ColorMask {
+    bool red;
+    bool green;
+    bool blue;
+    bool alpha;
+};
+/// Binds `texture` as the 2D texture of texture unit `unit` (0 for GL_TEXTURE0); the active unit is
+/// left as it was.
+struct BindTexture2D {
+    unsigned int unit;
+    unsigned int texture;
+};
 
 /// Applies state entries in order and restores them in reverse order on destruction, so a drawing
 /// pass can live inside any host without leaking state. Holds up to kMaxEntries entries without
@@ -42,15 +54,18 @@ public:
     void Apply(Disable d);
     void Apply(BlendFunc b);
     void Apply(BlendFuncSeparate b);
+    void Apply(ColorMask m);
+    void Apply(BindTexture2D t);
 
     std::size_t Size() const { return count_; }
 
 private:
-    enum class Kind { Capability, Blend };
+    enum class Kind { Capability, Blend, ColorMask, Texture };
     struct Record {
         Kind kind;
         unsigned int capability;
         unsigned char wasEnabled;
+        // Blend factors, the colour mask, or the unit and the texture it had.
         int blend[4];
     };
     Record* push();

@@ -1,0 +1,7 @@
+#version 330 core
+// One triangle that covers the viewport; the compositor's passes need no vertex buffer.
+
+void main() {
+    vec2 p = vec2(float((gl_VertexID << 1) & 2), float(gl_VertexID & 2));
+    gl_Position = vec4(p * 2.0 - 1.0, 0.0, 1.0);
+}
