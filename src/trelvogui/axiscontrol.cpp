@@ -375,13 +375,17 @@ void AxisControl::ComputeNiceTicks(int wanted) {
         tickFractions_.push_back(std::isnan(f) ? 0.5f : static_cast<float>(std::clamp(f, 0.0, 1.0)));
         tickValues_.push_back(static_cast<float>(v));
     }
-    // A reversed range runs its ticks from the far end: keep the fractions ascending.
+    KeepFractionsAscending();
+    intervalCount_ = static_cast<int>(tickValues_.size()) - 1;
+}
+
+void AxisControl::KeepFractionsAscending() {
+    // A reversed range runs its ticks from the far end.
     if (min_ > max_) {
         std::reverse(tickFractions_.begin(), tickFractions_.end());
         std::reverse(tickValues_.begin(), tickValues_.end());
         std::reverse(tickTexts_.begin(), tickTexts_.end());
     }
-    intervalCount_ = static_cast<int>(tickValues_.size()) - 1;
 }
 
 void AxisControl::ComputeLogTicks(int wanted) {
@@ -421,11 +425,7 @@ void AxisControl::ComputeLogTicks(int wanted) {
                 if (v >= lo && v <= hi)
                     minorFractions_.push_back(static_cast<float>(FractionOf(v)));
             }
-    if (min_ > max_) {
-        std::reverse(tickFractions_.begin(), tickFractions_.end());
-        std::reverse(tickValues_.begin(), tickValues_.end());
-        std::reverse(tickTexts_.begin(), tickTexts_.end());
-    }
+    KeepFractionsAscending();
     intervalCount_ = static_cast<int>(tickValues_.size()) - 1;
 }
 

@@ -118,6 +118,7 @@ private:
     void ComputeNiceTicks(int wanted);
     void ComputeLogTicks(int wanted);
     int WantedIntervals();
+    void KeepFractionsAscending();
 
     bool showTitle_ = true;
     bool showTicks_ = true;
