@@ -7,6 +7,7 @@
 #include <trelvogui/chartcontrol.h>
 #include <trelvogui/datasetrenderer.h>
 #include <trelvogui/histogramrenderer.h>
+#include <trelvogui/xyplotcontrol.h>
 
 #include <gtest/gtest.h>
 
@@ -252,4 +253,128 @@ TEST_F(ChartGLTest, BadInputGivesASensiblePictureAndNoGLError) {
     for (int py = view.plot.yMin; py < view.plot.yMax; ++py)
         lit += Is(l, static_cast<int>(view.PixelX(5.5)), py, kLine);
     EXPECT_GT(lit, 0);
+}
+
+namespace {
+
+class XYPlotGLTest : public trelvo::test::OverlayTest {
+protected:
+    void SetUp() override {
+        OverlayTest::SetUp();
+        manager->Resize(kW, kH);
+        ASSERT_TRUE(plot.Initialize());
+        ASSERT_TRUE(set.Initialize());
+        plot.SetRectangle({0, kW, 0, kH});
+        plot.Register(manager);
+        plot.RangeChangedSignal.connect([this](double, double, double, double) { ++changes; });
+    }
+    void TearDown() override {
+        plot.RemoveRenderer(&set);
+        plot.Unregister();
+        OverlayTest::TearDown();
+    }
+    /// Pointer events at overlay pixels (y up), as a host sends them.
+    DrawFlags MoveTo(int x, int y, int buttons = 0) {
+        const DrawFlags f = Move(x, kH - y, lastX, kH - lastY, buttons);
+        lastX = x, lastY = y;
+        return f;
+    }
+    DrawFlags Wheel(int delta) {
+        VX_UI::MouseWheelEvent e;
+        e.delta = delta;
+        return manager->mouseWheel(&e);
+    }
+    XYPlotControl plot;
+    DataSetRenderer set;
+    int changes = 0;
+    int lastX = 0, lastY = 0;
+};
+
+} // namespace
+
+TEST_F(XYPlotGLTest, HoverDragWheelAndDoubleClickGoThroughTheManager) {
+    // Unsorted x with gaps: the point index must still find the nearest sample.
+    std::mt19937 rng(21);
+    std::uniform_real_distribution<double> u(0.0, 100.0);
+    std::vector<double> x(20000), y(20000);
+    for (size_t i = 0; i < x.size(); ++i) {
+        x[i] = u(rng);
+        y[i] = i % 97 == 0 ? std::nan("") : std::sin(x[i] * 0.2) * 10.0;
+    }
+    set.SetStyle(DataSetRenderer::Points);
+    ASSERT_TRUE(set.SetData(x.data(), y.data(), x.size()));
+    ASSERT_TRUE(plot.AddDataSet(&set));
+    manager->UpdateLayers();
+    const double fitX0 = plot.XMin(), fitX1 = plot.XMax();
+    EXPECT_LE(fitX0, 0.0);
+    EXPECT_GE(fitX1, 100.0);
+
+    // Hover: the readout names the sample nearest in x to the pointer.
+    ChartView v = plot.View();
+    const int hx = (v.plot.xMin + v.plot.xMax) / 2 + 7, hy = (v.plot.yMin + v.plot.yMax) / 2;
+    MoveTo(hx, hy);
+    MoveTo(hx, hy + 1);
+    ASSERT_NE(plot.HoveredIndex(), DataSetRenderer::npos);
+    const double at = v.DataX(hx + 0.5);
+    double best = 1e300;
+    for (size_t i = 0; i < x.size(); ++i)
+        if (std::isfinite(y[i]))
+            best = std::min(best, std::fabs(x[i] - at));
+    EXPECT_EQ(std::fabs(x[plot.HoveredIndex()] - at), best);
+    EXPECT_NE(plot.ReadoutText().find(L"[" + std::to_wstring(plot.HoveredIndex()) + L"]"),
+              std::wstring::npos);
+
+    // Statistics of what is in view, against brute force.
+    auto expectStatistics = [&] {
+        MinMaxPyramid::Summary s;
+        for (size_t i = 0; i < x.size(); ++i)
+            if (x[i] >= std::min(plot.XMin(), plot.XMax()) && x[i] <= std::max(plot.XMin(), plot.XMax()))
+                s.Add(y[i]);
+        const MinMaxPyramid::Summary shown = plot.VisibleStatistics();
+        EXPECT_EQ(shown.count, s.count);
+        EXPECT_NEAR(shown.mean, s.mean, 1e-9);
+        EXPECT_NE(plot.StatisticsText().find(L"n = " + std::to_wstring(s.count)), std::wstring::npos);
+    };
+    expectStatistics();
+
+    // A drag pans: the data under the pointer follows it.
+    const int before = changes;
+    const double grabbed = v.DataX(hx);
+    Press(hx, kH - (hy + 1));
+    MoveTo(hx + 40, hy + 1, 1);
+    now += 500;
+    Release(hx + 40, kH - (hy + 1));
+    EXPECT_GT(changes, before);
+    v = plot.View();
+    EXPECT_NEAR(v.DataX(hx + 40), grabbed, 1e-9 * (fitX1 - fitX0));
+    expectStatistics();
+
+    // The wheel zooms about the pointer; it reaches the plot through the manager.
+    MoveTo(hx, hy);
+    const double under = v.DataX(hx), width = plot.XMax() - plot.XMin();
+    EXPECT_NE(Wheel(120), DRAW_NOTHING);
+    v = plot.View();
+    EXPECT_NEAR(v.DataX(hx), under, 1e-9 * width);
+    EXPECT_NEAR(plot.XMax() - plot.XMin(), width * 0.8, 1e-9 * width);
+    // Over the x axis's numbers (a child of the plot) the wheel zooms x only.
+    const double yWidth = plot.YMax() - plot.YMin();
+    MoveTo(hx, v.plot.yMin - 20);
+    EXPECT_NE(Wheel(-120), DRAW_NOTHING);
+    EXPECT_NEAR(plot.XMax() - plot.XMin(), width, 1e-9 * width);
+    EXPECT_DOUBLE_EQ(plot.YMax() - plot.YMin(), yWidth);
+    // Outside every control the wheel is not consumed.
+    plot.SetRectangle({0, kW / 2, 0, kH / 2});
+    manager->UpdateLayers();
+    MoveTo(kW - 5, kH - 5);
+    EXPECT_EQ(Wheel(120), DRAW_NOTHING);
+    plot.SetRectangle({0, kW, 0, kH});
+    manager->UpdateLayers();
+
+    // A double click fits the data again.
+    v = plot.View();
+    Click(hx, hy);
+    now += 100;
+    Click(hx, hy);
+    EXPECT_DOUBLE_EQ(plot.XMin(), fitX0);
+    EXPECT_DOUBLE_EQ(plot.XMax(), fitX1);
 }

@@ -228,6 +228,13 @@ void ChartControl::DrawCustom() {
     const GUI::Geometry::Rectangle& p = view.plot;
     if (p.Width() <= 0 || p.Height() <= 0)
         return;
+    // The margins keep the picture behind them but carry the chart's id, so that a wheel over the
+    // axes reaches the chart.
+    const GUI::Geometry::Rectangle& whole = GetRectangle();
+    vertices_.clear();
+    trelvo::detail::ChartMarks::AppendRectangle(vertices_, float(whole.xMin), float(whole.yMin),
+                                                float(whole.xMax), float(whole.yMax));
+    marks_->Draw(vertices_, GLVertexBuffer::Triangles, {0, 0, 0, 0}, GetId(), 0, whole);
     vertices_.clear();
     trelvo::detail::ChartMarks::AppendRectangle(vertices_, float(p.xMin), float(p.yMin), float(p.xMax),
                                                 float(p.yMax));
