@@ -75,6 +75,15 @@ TEST(MinMaxPyramid, RangesMatchBruteForceWhetherBuiltAppendedOrScrolled) {
             ExpectSame(built.Range(a, b), BruteForce(v, a, b));
             ExpectSame(appended.Range(a, b), BruteForce(v, a, b));
             ExpectSame(scrolled.Range(a, b), BruteForce(window, a, b));
+            for (bool largest : {true, false}) {
+                const MinMaxPyramid::Summary s = BruteForce(window, a, b);
+                const double target = largest ? s.max : s.min;
+                size_t first = scrolled.Size();
+                for (size_t i = a; i < std::min(b, window.size()) && first == scrolled.Size(); ++i)
+                    if (window[i] == target)
+                        first = i;
+                EXPECT_EQ(scrolled.IndexOfExtreme(a, b, largest), first) << a << " .. " << b;
+            }
         }
     }
     EXPECT_LE(MinMaxPyramid::SummaryBytes(1000000), 1000000 * sizeof(double) / 2) << "at most half the data";

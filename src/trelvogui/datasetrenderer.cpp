@@ -369,6 +369,26 @@ std::size_t DataSetRenderer::NearestIndex(double x) const {
     return best;
 }
 
+std::size_t DataSetRenderer::NearestOnScreen(const ChartView& view, double px, double py) const {
+    std::size_t best = NearestIndex(view.DataX(px));
+    if (best == npos)
+        return npos;
+    auto distance = [&](std::size_t i) {
+        const double dx = view.PixelX(X(i)) - px, dy = view.PixelY(Y(i)) - py;
+        return std::isfinite(dy) ? dx * dx + dy * dy : std::numeric_limits<double>::infinity();
+    };
+    if (xSorted_) {
+        const double a = view.DataX(std::floor(px)), b = view.DataX(std::floor(px) + 1.0);
+        const std::size_t from = LowerIndex(std::min(a, b)), to = LowerIndex(std::max(a, b));
+        for (bool largest : {true, false}) {
+            const std::size_t i = y_.IndexOfExtreme(from, to, largest);
+            if (i < Size() && distance(i) < distance(best))
+                best = i;
+        }
+    }
+    return best;
+}
+
 MinMaxPyramid::Summary DataSetRenderer::Statistics(double x0, double x1) const {
     if (std::isnan(x0) || std::isnan(x1))
         return {};

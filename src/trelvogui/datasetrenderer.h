@@ -78,6 +78,10 @@ public:
     /// unsorted x keeps an index sorted by x for this, built at the first query after a change);
     /// npos when there is none.
     std::size_t NearestIndex(double x) const;
+    /// The sample nearest to overlay pixel (px, py) in `view`: the one nearest in x, or, where many
+    /// samples share the pointer's pixel column, its highest or lowest if that is nearer on screen.
+    /// O(log n); npos when there is none.
+    std::size_t NearestOnScreen(const ChartView& view, double px, double py) const;
     /// Count, extremes, mean and standard deviation of the finite y whose x lies in [x0, x1] (either
     /// order), in O(log n).
     MinMaxPyramid::Summary Statistics(double x0, double x1) const;

@@ -138,3 +138,49 @@ MinMaxPyramid::Summary MinMaxPyramid::Range(std::size_t begin, std::size_t end) 
     }
     return s;
 }
+
+std::size_t MinMaxPyramid::IndexOfExtreme(std::size_t begin, std::size_t end, bool largest) const {
+    end = std::min(end, Size());
+    const Summary all = Range(begin, end);
+    if (all.count == 0)
+        return Size();
+    const double target = largest ? all.max : all.min;
+    auto extreme = [largest](const Summary& s) { return largest ? s.max : s.min; };
+    auto scan = [&](std::size_t a, std::size_t b) {
+        for (std::size_t i = a; i < b; ++i)
+            if (samples_[i] == target)
+                return i - offset_;
+        return Size();
+    };
+    begin += offset_;
+    end += offset_;
+    std::size_t l = (begin + kBlock - 1) / kBlock;
+    std::size_t r = std::min(end / kBlock, levels_.empty() ? std::size_t(0) : levels_[0].size());
+    if (l >= r)
+        return scan(begin, end);
+    const std::size_t tail = r * kBlock;
+    if (const std::size_t i = scan(begin, l * kBlock); i != Size())
+        return i;
+    // The range's nodes from left to right: those taken at the left end in order, then those taken
+    // at the right end in reverse.
+    struct Node {
+        std::size_t level, index;
+    };
+    std::vector<Node> left, right;
+    for (std::size_t k = 0; l < r && k < levels_.size(); ++k, l /= 2, r /= 2) {
+        if (l & 1)
+            left.push_back({k, l++});
+        if (r & 1)
+            right.push_back({k, --r});
+    }
+    left.insert(left.end(), right.rbegin(), right.rend());
+    for (Node node : left) {
+        if (extreme(levels_[node.level][node.index]) != target)
+            continue;
+        for (; node.level > 0; --node.level)
+            node.index = extreme(levels_[node.level - 1][2 * node.index]) == target ? 2 * node.index
+                                                                                    : 2 * node.index + 1;
+        return scan(node.index * kBlock, (node.index + 1) * kBlock);
+    }
+    return scan(tail, end);
+}

@@ -13,7 +13,7 @@
 /// their finite minimum, maximum, count, mean and sum of squared deviations. Building is O(n),
 /// appending amortised O(1) a sample, dropping from the front (a scrolling window) amortised O(1),
 /// and the summary of any index range O(kBlock + log n). Non-finite samples (NaN, infinities) are
-/// kept, as gaps, and left out of every summary. The summaries take about 3/8 of the samples' size.
+/// kept, as gaps, and left out of every summary. The summaries take less than a third of the samples' size.
 class TRELVOGUI_EXPORT MinMaxPyramid {
 public:
     static constexpr std::size_t kBlock = 32;
@@ -56,6 +56,9 @@ public:
     double operator[](std::size_t i) const { return samples_[offset_ + i]; }
     /// The summary of samples [begin, end), clamped to the sequence.
     Summary Range(std::size_t begin, std::size_t end) const;
+    /// The index of the first largest (or smallest) finite sample in [begin, end), found by walking
+    /// down the levels in O(kBlock + log n); Size() when the range holds no finite sample.
+    std::size_t IndexOfExtreme(std::size_t begin, std::size_t end, bool largest) const;
 
 private:
     void Rebuild();

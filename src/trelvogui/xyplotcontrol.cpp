@@ -119,15 +119,15 @@ bool XYPlotControl::Hover(int x, int y) {
     std::size_t bestIndex = DataSetRenderer::npos;
     double bestDistance = 0.0;
     if (x >= p.xMin && x < p.xMax && y >= p.yMin && y < p.yMax) {
-        // The nearest sample in x of each set; of those, the nearest on screen.
+        // The nearest sample of each set; of those, the nearest on screen.
         for (ChartRenderer* r : Renderers()) {
             auto* set = dynamic_cast<DataSetRenderer*>(r);
             if (!set)
                 continue;
-            const std::size_t i = set->NearestIndex(view.DataX(x + 0.5));
+            const std::size_t i = set->NearestOnScreen(view, x + 0.5, y + 0.5);
             if (i == DataSetRenderer::npos)
                 continue;
-            const double dx = view.PixelX(set->X(i)) - x, dy = view.PixelY(set->Y(i)) - y;
+            const double dx = view.PixelX(set->X(i)) - x - 0.5, dy = view.PixelY(set->Y(i)) - y - 0.5;
             const double d = std::isfinite(dy) ? dx * dx + dy * dy : dx * dx + 1e12;
             if (!best || d < bestDistance) {
                 best = set;
