@@ -42,7 +42,8 @@ bool DemoCharts::Build(const std::shared_ptr<GUI::GUIManager>& manager) {
     samples[kSpike] = 9.5f;
     signal_->SetData(samples.data(), samples.size());
     signal_->SetColor({90, 180, 255, 255});
-    plot_->SetRectangle({170, 770, 100, 420});
+    // Clear of the tools panel above, the probe box and the legend on the right.
+    plot_->SetRectangle({150, 600, 150, 396});
     plot_->SetTitle(L"Sensor trace, 10^6 samples");
     plot_->XAxis()->SetTitle(L"Sample");
     plot_->YAxis()->SetTitle(L"Signal (mV)");
@@ -51,8 +52,8 @@ bool DemoCharts::Build(const std::shared_ptr<GUI::GUIManager>& manager) {
     histogram_->SetValues(samples.data(), samples.size());
     histogram_->SetBinCount(60);
     histogram_->SetColor({240, 170, 60, 255});
-    histogramChart_->SetRectangle({790, 1090, 100, 420});
-    histogramChart_->SetTitle(L"Histogram of the trace");
+    histogramChart_->SetRectangle({870, 1090, 150, 396});
+    histogramChart_->SetTitle(L"Its histogram");
     histogramChart_->XAxis()->SetTitle(L"Signal (mV)");
     histogramChart_->YAxis()->SetTitle(L"Samples");
     histogramChart_->AddRenderer(histogram_.get());

@@ -300,11 +300,14 @@ int main(int argc, char** argv) {
                 std::to_string(spikeY) + "):");
         std::printf("%s", s.host.Charts()->Describe().c_str());
         s.snapshot("chart-hover");
+        // Over the x axis's numbers the wheel zooms along x only, about the pointer.
+        const int belowPlot = kHeight - (view.plot.yMin - 20);
+        s.move(spikeX, belowPlot);
         for (int notch = 0; notch < 12; ++notch)
             s.host.MouseWheel(120);
         s.move(spikeX, spikeY + 2);
         s.move(spikeX, spikeY + 1);
-        s.flush("twelve wheel notches there zoom in about the pointer:");
+        s.flush("twelve wheel notches over the x axis below the spike zoom in along x about it:");
         std::printf("  x now %.1f .. %.1f\n", plot->XMin(), plot->XMax());
         std::printf("%s", s.host.Charts()->Describe().c_str());
         s.snapshot("chart-zoomed");

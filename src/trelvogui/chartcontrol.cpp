@@ -168,7 +168,8 @@ void NiceBounds(double& lo, double& hi, double margin, bool logarithmic, int wan
     hi += pad;
     std::vector<double> values;
     std::vector<std::string> texts;
-    AxisControl::NiceTicks(lo, hi, wanted, values, texts);
+    // Bounds on a finer grid than the ticks', so that rounding out wastes little of the plot.
+    AxisControl::NiceTicks(lo, hi, wanted * 4, values, texts);
     if (values.size() >= 2) {
         const double step = values[1] - values[0];
         lo = std::floor(lo / step + 1e-9) * step;

@@ -13,7 +13,7 @@
 #include <cstdio>
 
 namespace {
-constexpr int kTitle = 22;   // title row on top
+constexpr int kTitle = 34;   // title row on top, clear of the top number, which overhangs the bar
 constexpr int kNumbers = 62; // the axis: numbers and band beside the bar
 constexpr int kBar = 22;     // the bar's thickness
 constexpr int kGap = 3;      // between the bar and the histogram
@@ -69,7 +69,7 @@ void LegendControl::Arrange() {
     const GUI::Geometry::Rectangle& r = GetControlRectangle();
     const int w = std::max(r.Width(), 1), h = std::max(r.Height(), kTitle + 1);
     const int body = h - kTitle;
-    title_->SetRectangle({0, w, body, h});
+    title_->SetRectangle({0, w, body + 12, h});
     if (layout_ == Vertical) {
         axis_->SetOrientation(AxisControl::AlongXMax);
         axis_->SetTickSpacing(40);

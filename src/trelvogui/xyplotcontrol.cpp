@@ -61,13 +61,11 @@ void XYPlotControl::SetRectangle(GUI::Geometry::Rectangle r) {
 }
 
 void XYPlotControl::PlaceLabels() {
-    // Inside the plot area's top edge: the statistics on the left, the readout on the right.
+    // Inside the plot area's top edge: the statistics, and the readout in the row below.
     const GUI::Geometry::Rectangle& r = GetControlRectangle();
     const int top = r.Height() - kTop;
-    const int mid = kLeft + (r.Width() - kLeft - kRight) / 2;
-    statistics_->SetRectangle({kLeft + 6, mid, top - 20, top - 2});
-    readout_->SetRectangle({mid, r.Width() - kRight - 6, top - 20, top - 2});
-    readout_->SetHorizontalAlignment(2);
+    statistics_->SetRectangle({kLeft + 6, r.Width() - kRight - 6, top - 20, top - 2});
+    readout_->SetRectangle({kLeft + 6, r.Width() - kRight - 6, top - 38, top - 20});
 }
 
 bool XYPlotControl::AddDataSet(DataSetRenderer* set) {
