@@ -1,5 +1,7 @@
 #include <trelvogui/axiscontrol.h>
 
+#include <trelvogui/chartrenderer.h>
+
 #include "gui/renderers/detail/targetbarrier.h"
 #include "gui/renderers/detail/uniforms.h"
 
@@ -347,23 +349,11 @@ int AxisControl::WantedIntervals() {
 }
 
 double AxisControl::FractionOf(double value) const {
-    double a = min_, b = max_;
-    if (axisType_ == Logarithmic) {
-        if (!(value > 0.0) || !(a > 0.0) || !(b > 0.0))
-            return std::nan("");
-        value = std::log10(value);
-        a = std::log10(a);
-        b = std::log10(b);
-    }
-    return a == b ? std::nan("") : (value - a) / (b - a);
+    return ChartView::Fraction(value, min_, max_, axisType_ == Logarithmic);
 }
 
 double AxisControl::ValueAt(double fraction) const {
-    if (axisType_ == Logarithmic && min_ > 0.f && max_ > 0.f) {
-        const double a = std::log10(static_cast<double>(min_)), b = std::log10(static_cast<double>(max_));
-        return std::pow(10.0, a + (b - a) * fraction);
-    }
-    return min_ + (static_cast<double>(max_) - min_) * fraction;
+    return ChartView::Value(fraction, min_, max_, axisType_ == Logarithmic);
 }
 
 void AxisControl::ComputeNiceTicks(int wanted) {

@@ -1,6 +1,7 @@
 #include <trelvogui/chartcontrol.h>
 
 #include "detail/chartmarks.h"
+#include "detail/ownedchildren.h"
 
 #include <trelvogui/axiscontrol.h>
 #include <trelvogui/gui/label.h>
@@ -36,13 +37,7 @@ ChartControl::ChartControl() : marks_(std::make_unique<trelvo::detail::ChartMark
 ChartControl::~ChartControl() {
     for (ChartRenderer* r : renderers_)
         r->chart_ = nullptr;
-    // As the axis does with its labels: out of the child list directly, the parents may be gone.
-    for (GUI::Controls::Base* child :
-         {static_cast<GUI::Controls::Base*>(xAxis_), static_cast<GUI::Controls::Base*>(yAxis_),
-          static_cast<GUI::Controls::Base*>(title_)}) {
-        Children()->remove(child);
-        delete child;
-    }
+    trelvo::detail::DeleteOwnedChildren(*this, {xAxis_, yAxis_, title_});
 }
 
 bool ChartControl::Initialize() {
@@ -125,20 +120,19 @@ bool ChartControl::SetRanges(double x0, double x1, double y0, double y1) {
 }
 
 void ChartControl::SetLogX(bool on) {
-    if (on == logX_)
-        return;
-    logX_ = on;
-    if (on && !(xMin_ > 0.0 && xMax_ > 0.0) && !FitToData())
-        xMin_ = 1.0, xMax_ = 10.0;
-    UpdateAxes();
+    SetLogarithmic(logX_, xMin_, xMax_, on);
 }
 
 void ChartControl::SetLogY(bool on) {
-    if (on == logY_)
+    SetLogarithmic(logY_, yMin_, yMax_, on);
+}
+
+void ChartControl::SetLogarithmic(bool& flag, double& lo, double& hi, bool on) {
+    if (on == flag)
         return;
-    logY_ = on;
-    if (on && !(yMin_ > 0.0 && yMax_ > 0.0) && !FitToData())
-        yMin_ = 1.0, yMax_ = 10.0;
+    flag = on;
+    if (on && !(lo > 0.0 && hi > 0.0) && !FitToData())
+        lo = 1.0, hi = 10.0;
     UpdateAxes();
 }
 
@@ -222,6 +216,14 @@ ChartView ChartControl::View() {
     view.xMin = xMin_, view.xMax = xMax_, view.yMin = yMin_, view.yMax = yMax_;
     view.xLog = logX_, view.yLog = logY_;
     return view;
+}
+
+bool ChartControl::LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) {
+    constexpr int kOverhang = 16;
+    const GUI::Geometry::Rectangle& r = GetRectangle();
+    area = {std::max(0, r.xMin - kOverhang), std::min(layerWidth, r.xMax + kOverhang),
+            std::max(0, r.yMin - kOverhang), std::min(layerHeight, r.yMax + kOverhang)};
+    return true;
 }
 
 void ChartControl::DrawCustom() {

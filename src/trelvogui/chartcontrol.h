@@ -35,6 +35,9 @@ public:
     virtual bool Initialize();
 
     void DrawCustom() override;
+    /// The rectangle and a margin: the numbers at the ends of the axes reach a little beyond the rectangle. A
+    /// root chart is then redrawn only there when it changes.
+    bool LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) override;
     /// Lays the plot area, axes and title out for the new rectangle.
     void SetRectangle(GUI::Geometry::Rectangle r) override;
 
@@ -84,6 +87,7 @@ protected:
 
 private:
     void Layout();
+    void SetLogarithmic(bool& flag, double& lo, double& hi, bool on);
 
     AxisControl* xAxis_ = nullptr;
     AxisControl* yAxis_ = nullptr;

@@ -4,10 +4,7 @@
 
 #include <cmath>
 
-namespace {
-
-// Where a value lies between the ends of an axis, 0..1, in the axis's own scale.
-double Fraction(double v, double a, double b, bool logarithmic) {
+double ChartView::Fraction(double v, double a, double b, bool logarithmic) {
     if (logarithmic) {
         if (!(v > 0.0) || !(a > 0.0) || !(b > 0.0))
             return std::nan("");
@@ -18,15 +15,13 @@ double Fraction(double v, double a, double b, bool logarithmic) {
     return a == b ? std::nan("") : (v - a) / (b - a);
 }
 
-double Value(double f, double a, double b, bool logarithmic) {
+double ChartView::Value(double f, double a, double b, bool logarithmic) {
     if (logarithmic && a > 0.0 && b > 0.0) {
         const double la = std::log10(a), lb = std::log10(b);
         return std::pow(10.0, la + (lb - la) * f);
     }
     return a + (b - a) * f;
 }
-
-} // namespace
 
 double ChartView::PixelX(double x) const {
     return plot.xMin + Fraction(x, xMin, xMax, xLog) * plot.Width();

@@ -20,6 +20,12 @@ struct TRELVOGUI_EXPORT ChartView {
     /// Data value at an overlay pixel.
     double DataX(double px) const;
     double DataY(double py) const;
+
+    /// Where `v` lies between the ends `a` and `b` of an axis (0 at a, 1 at b), in the axis's scale;
+    /// NaN for an empty range or, on a logarithmic axis, anything not positive.
+    static double Fraction(double v, double a, double b, bool logarithmic);
+    /// The value at a fraction between `a` and `b`; the inverse of Fraction.
+    static double Value(double fraction, double a, double b, bool logarithmic);
 };
 
 /// A layer of a chart's plot area: draws with its own shaders inside the plot area, writing the

@@ -1,6 +1,7 @@
 #include <trelvogui/legendcontrol.h>
 
 #include "detail/chartmarks.h"
+#include "detail/ownedchildren.h"
 
 #include <trelvogui/axiscontrol.h>
 #include <trelvogui/colorbar.h>
@@ -37,12 +38,7 @@ LegendControl::LegendControl() : marks_(std::make_unique<trelvo::detail::ChartMa
 }
 
 LegendControl::~LegendControl() {
-    for (GUI::Controls::Base* child :
-         {static_cast<GUI::Controls::Base*>(bar_), static_cast<GUI::Controls::Base*>(axis_),
-          static_cast<GUI::Controls::Base*>(title_)}) {
-        Children()->remove(child);
-        delete child;
-    }
+    trelvo::detail::DeleteOwnedChildren(*this, {bar_, axis_, title_});
 }
 
 bool LegendControl::Initialize() {
@@ -131,6 +127,14 @@ void LegendControl::ShowHistogram(bool show) {
 void LegendControl::SetHistogramColor(const GUI::Color& color) {
     histogramColor_ = color;
     SetNeedsRedraw(true);
+}
+
+bool LegendControl::LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) {
+    constexpr int kOverhang = 28;
+    const GUI::Geometry::Rectangle& r = GetRectangle();
+    area = {std::max(0, r.xMin - kOverhang), std::min(layerWidth, r.xMax + kOverhang),
+            std::max(0, r.yMin - kOverhang), std::min(layerHeight, r.yMax + kOverhang)};
+    return true;
 }
 
 void LegendControl::DrawCustom() {

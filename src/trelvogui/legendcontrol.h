@@ -31,6 +31,9 @@ public:
     /// With the GL context current: the bar's, the axis's and the histogram's programs.
     virtual bool Initialize();
     void DrawCustom() override;
+    /// The rectangle and a margin: the numbers at the ends of the axis reach beyond the rectangle. A root
+    /// chart is then redrawn only there when it changes.
+    bool LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) override;
     void SetRectangle(GUI::Geometry::Rectangle r) override;
 
     void SetLayout(Layout layout);

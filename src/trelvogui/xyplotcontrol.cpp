@@ -1,6 +1,7 @@
 #include <trelvogui/xyplotcontrol.h>
 
 #include "detail/chartmarks.h"
+#include "detail/ownedchildren.h"
 
 #include <trelvogui/datasetrenderer.h>
 #include <trelvogui/gui/guiclock.h>
@@ -43,11 +44,7 @@ XYPlotControl::XYPlotControl() : marker_(std::make_unique<trelvo::detail::ChartM
 }
 
 XYPlotControl::~XYPlotControl() {
-    for (GUI::Controls::Base* label :
-         {static_cast<GUI::Controls::Base*>(statistics_), static_cast<GUI::Controls::Base*>(readout_)}) {
-        Children()->remove(label);
-        delete label;
-    }
+    trelvo::detail::DeleteOwnedChildren(*this, {statistics_, readout_});
 }
 
 bool XYPlotControl::Initialize() {
