@@ -232,11 +232,17 @@ void ChartControl::DrawCustom() {
     if (p.Width() <= 0 || p.Height() <= 0)
         return;
     // The margins keep the picture behind them but carry the chart's id, so that a wheel over the
-    // axes reaches the chart.
+    // axes reaches the chart: four strips around the plot area, so that no pixel is drawn twice.
     const GUI::Geometry::Rectangle& whole = GetRectangle();
     vertices_.clear();
-    trelvo::detail::ChartMarks::AppendRectangle(vertices_, float(whole.xMin), float(whole.yMin),
-                                                float(whole.xMax), float(whole.yMax));
+    auto strip = [this](int x0, int x1, int y0, int y1) {
+        if (x1 > x0 && y1 > y0)
+            trelvo::detail::ChartMarks::AppendRectangle(vertices_, float(x0), float(y0), float(x1), float(y1));
+    };
+    strip(whole.xMin, whole.xMax, whole.yMin, p.yMin);
+    strip(whole.xMin, whole.xMax, p.yMax, whole.yMax);
+    strip(whole.xMin, p.xMin, p.yMin, p.yMax);
+    strip(p.xMax, whole.xMax, p.yMin, p.yMax);
     marks_->Draw(vertices_, GLVertexBuffer::Triangles, {0, 0, 0, 0}, GetId(), 0, whole);
     vertices_.clear();
     trelvo::detail::ChartMarks::AppendRectangle(vertices_, float(p.xMin), float(p.yMin), float(p.xMax),
