@@ -21,6 +21,7 @@
 #include <trelvogui/gui/scalesequence.h>
 #include <trelvogui/gui/switchbutton.h>
 #include <trelvogui/histogramrenderer.h>
+#include <trelvogui/legendcontrol.h>
 #include <trelvogui/lightcontrol.h>
 #include <trelvogui/planecontrol.h>
 #include <trelvogui/triadcontrol.h>
@@ -109,19 +110,30 @@ struct World {
         axis->Register(manager);
         roots.push_back(axis);
         chart = own(new ChartControl());
+        std::vector<double> walk(20000);
+        std::mt19937 rng(9);
+        std::normal_distribution<double> step(0.0, 1.0);
+        double v = 0.0;
+        for (double& y : walk)
+            y = v += step(rng);
         if (chart->Initialize() && signal.Initialize() && histogram.Initialize()) {
-            std::vector<double> walk(20000);
-            std::mt19937 rng(9);
-            std::normal_distribution<double> step(0.0, 1.0);
-            double v = 0.0;
-            for (double& y : walk)
-                y = v += step(rng);
             signal.SetData(walk.data(), walk.size());
             histogram.SetValues(walk.data(), walk.size());
             histogram.SetColor({200, 120, 40, 255});
             chart->AddRenderer(&histogram);
             chart->AddRenderer(&signal);
         }
+        // A legend beside it, whose histogram stands over the panels.
+        auto* legend = own(new LegendControl());
+        if (legend->Initialize()) {
+            legend->SetColorMap({{30, 60, 200, 255}, {240, 240, 240, 255}, {200, 30, 30, 255}}, true);
+            legend->SetRange(-60.0, 60.0);
+            legend->SetValues(walk.data(), walk.size());
+        }
+        legend->SetTitle(L"Walk");
+        legend->SetRectangle({220, 318, 10, 150});
+        legend->Register(manager);
+        roots.push_back(legend);
         chart->SetRectangle({30, 310, 120, 238});
         chart->FitToData();
         chart->Register(manager);

@@ -219,10 +219,7 @@ ChartView ChartControl::View() {
 }
 
 bool ChartControl::LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) {
-    constexpr int kOverhang = 16;
-    const GUI::Geometry::Rectangle& r = GetRectangle();
-    area = {std::max(0, r.xMin - kOverhang), std::min(layerWidth, r.xMax + kOverhang),
-            std::max(0, r.yMin - kOverhang), std::min(layerHeight, r.yMax + kOverhang)};
+    area = trelvo::detail::GrownFootprint(GetRectangle(), 16, layerWidth, layerHeight);
     return true;
 }
 
@@ -237,7 +234,8 @@ void ChartControl::DrawCustom() {
     vertices_.clear();
     auto strip = [this](int x0, int x1, int y0, int y1) {
         if (x1 > x0 && y1 > y0)
-            trelvo::detail::ChartMarks::AppendRectangle(vertices_, float(x0), float(y0), float(x1), float(y1));
+            trelvo::detail::ChartMarks::AppendRectangle(vertices_, float(x0), float(y0), float(x1),
+                                                        float(y1));
     };
     strip(whole.xMin, whole.xMax, whole.yMin, p.yMin);
     strip(whole.xMin, whole.xMax, p.yMax, whole.yMax);

@@ -130,10 +130,7 @@ void LegendControl::SetHistogramColor(const GUI::Color& color) {
 }
 
 bool LegendControl::LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) {
-    constexpr int kOverhang = 28;
-    const GUI::Geometry::Rectangle& r = GetRectangle();
-    area = {std::max(0, r.xMin - kOverhang), std::min(layerWidth, r.xMax + kOverhang),
-            std::max(0, r.yMin - kOverhang), std::min(layerHeight, r.yMax + kOverhang)};
+    area = trelvo::detail::GrownFootprint(GetRectangle(), 28, layerWidth, layerHeight);
     return true;
 }
 

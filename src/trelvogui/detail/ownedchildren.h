@@ -1,5 +1,5 @@
 #pragma once
-// Deleting the child controls a composite control owns, from its destructor.
+// Helpers of the composite data controls: deleting the children they own, and saying where they draw.
 
 #include <trelvogui/gui/controlbase.h>
 
@@ -15,6 +15,16 @@ inline void DeleteOwnedChildren(GUI::Controls::Base& parent,
         parent.Children()->remove(child);
         delete child;
     }
+}
+
+/// A root's layer footprint: its rectangle grown by `overhang` pixels (labels centred on the ends of
+/// an axis reach beyond it), within a layer of the given size.
+inline GUI::Geometry::Rectangle GrownFootprint(const GUI::Geometry::Rectangle& r, int overhang,
+                                               int layerWidth, int layerHeight) {
+    return {r.xMin - overhang < 0 ? 0 : r.xMin - overhang,
+            r.xMax + overhang > layerWidth ? layerWidth : r.xMax + overhang,
+            r.yMin - overhang < 0 ? 0 : r.yMin - overhang,
+            r.yMax + overhang > layerHeight ? layerHeight : r.yMax + overhang};
 }
 
 } // namespace trelvo::detail
