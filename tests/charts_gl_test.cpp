@@ -4,9 +4,13 @@
 #include "support/layerpixels.h"
 #include "support/overlayfixture.h"
 
+#include <trelvogui/axiscontrol.h>
 #include <trelvogui/chartcontrol.h>
+#include <trelvogui/colorbar.h>
 #include <trelvogui/datasetrenderer.h>
+#include <trelvogui/gui/label.h>
 #include <trelvogui/histogramrenderer.h>
+#include <trelvogui/legendcontrol.h>
 #include <trelvogui/xyplotcontrol.h>
 
 #include <gtest/gtest.h>
@@ -25,6 +29,11 @@ constexpr int kW = 640, kH = 400;
 const GUI::Color kLine{255, 220, 40, 255};
 const GUI::Color kOther{60, 230, 120, 255};
 
+bool Is(const LayerPixels& l, int x, int y, const GUI::Color& c) {
+    const auto p = l.Color(x, y);
+    return p[0] == c.r && p[1] == c.g && p[2] == c.b;
+}
+
 class ChartGLTest : public trelvo::test::OverlayTest {
 protected:
     void SetUp() override {
@@ -42,10 +51,6 @@ protected:
     LayerPixels Draw() {
         manager->UpdateLayers();
         return trelvo::test::ReadLayers(*manager, kW, kH);
-    }
-    static bool Is(const LayerPixels& l, int x, int y, const GUI::Color& c) {
-        const auto p = l.Color(x, y);
-        return p[0] == c.r && p[1] == c.g && p[2] == c.b;
     }
     ChartControl chart;
 };
@@ -377,4 +382,51 @@ TEST_F(XYPlotGLTest, HoverDragWheelAndDoubleClickGoThroughTheManager) {
     Click(hx, hy);
     EXPECT_DOUBLE_EQ(plot.XMin(), fitX0);
     EXPECT_DOUBLE_EQ(plot.XMax(), fitX1);
+}
+
+TEST_F(XYPlotGLTest, LegendBarsStandBesideTheColoursOfTheirValuesEitherWay) {
+    plot.SetVisible(false);
+    std::vector<double> values(150, 0.25);
+    std::fill(values.begin() + 100, values.end(), 0.75); // 100 at 0.25, 50 at 0.75
+    LegendControl legend;
+    ASSERT_TRUE(legend.Initialize());
+    legend.SetColorMap({{0, 0, 255, 255}, {255, 0, 0, 255}}, true);
+    ASSERT_TRUE(legend.SetRange(0.0, 1.0));
+    ASSERT_TRUE(legend.SetValues(values.data(), values.size()));
+    legend.SetHistogramColor(kOther);
+    legend.SetTitle(L"Value");
+    legend.Register(manager);
+    for (auto layout : {LegendControl::Vertical, LegendControl::Horizontal}) {
+        SCOPED_TRACE(layout);
+        legend.SetLayout(layout);
+        legend.SetRectangle({100, 400, 100, 340});
+        manager->UpdateLayers();
+        const LayerPixels l = trelvo::test::ReadLayers(*manager, kW, kH);
+        const bool vertical = layout == LegendControl::Vertical;
+        // Walk from the bar outwards across the histogram at each value's place.
+        const auto& bar = legend.Bar()->GetRectangle();
+        auto length = [&](double value) {
+            int n = 0;
+            for (int k = 2; k < 300; ++k) {
+                const int x = vertical ? bar.xMax + k : bar.xMin + static_cast<int>(value * bar.Width());
+                const int y = vertical ? bar.yMin + static_cast<int>(value * bar.Height()) : bar.yMax + k;
+                if (Is(l, x, y, kOther)) {
+                    ++n;
+                    EXPECT_EQ(l.Pid(x, y), legend.GetId());
+                }
+            }
+            return n;
+        };
+        const int full = length(0.25), half = length(0.75);
+        EXPECT_GT(full, 40);
+        EXPECT_NEAR(half, full / 2.0, 2.0);
+        EXPECT_EQ(length(0.5), 0);
+        EXPECT_EQ(l.Pid((bar.xMin + bar.xMax) / 2, (bar.yMin + bar.yMax) / 2), legend.Bar()->GetId());
+        EXPECT_EQ(legend.Axis()->GetAxisType(), AxisControl::NiceSteps);
+        EXPECT_EQ(legend.Axis()->GetNumberLabels().front()->GetText(), L"0");
+    }
+    testing::internal::CaptureStdout();
+    EXPECT_FALSE(legend.SetRange(1.0, 1.0));
+    EXPECT_NE(testing::internal::GetCapturedStdout().find("LegendControl::SetRange()"), std::string::npos);
+    legend.Unregister();
 }
