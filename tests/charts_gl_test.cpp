@@ -410,6 +410,8 @@ TEST_F(XYPlotGLTest, LegendBarsStandBesideTheColoursOfTheirValuesEitherWay) {
             for (int k = 2; k < 300; ++k) {
                 const int x = vertical ? bar.xMax + k : bar.xMin + static_cast<int>(value * bar.Width());
                 const int y = vertical ? bar.yMin + static_cast<int>(value * bar.Height()) : bar.yMax + k;
+                if (x >= kW || y >= kH)
+                    break;
                 if (Is(l, x, y, kOther)) {
                     ++n;
                     EXPECT_EQ(l.Pid(x, y), legend.GetId());
