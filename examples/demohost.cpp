@@ -1,4 +1,5 @@
 #include "demohost.h"
+#include "democharts.h"
 #include "demolegend.h"
 
 #include <trelvogui/gui/button.h>
@@ -99,6 +100,7 @@ void DemoHost::LightChanged() {
 DemoHost::~DemoHost() {
     // Controls go before the manager; the probe box owns its own.
     probe_.reset();
+    charts_.reset();
     legend_.reset();
     lightWidget_.reset();
     triad_.reset();
@@ -143,7 +145,8 @@ bool DemoHost::Initialize() {
         return false;
     buildOverlay();
     legend_ = std::make_unique<DemoLegend>();
-    return legend_->Build(manager_, width_, height_);
+    charts_ = std::make_unique<DemoCharts>();
+    return legend_->Build(manager_, width_, height_) && charts_->Build(manager_);
 }
 
 void DemoHost::buildOverlay() {
@@ -446,6 +449,10 @@ bool DemoHost::MousePress(int x, int y, int buttons) {
     note("  press at (" + std::to_string(x) + ", " + std::to_string(y) + ") reached " +
          describe(manager_->Find(pid)));
     return handled;
+}
+
+bool DemoHost::MouseWheel(int delta) {
+    return input_->mouseWheelEvent(delta);
 }
 
 bool DemoHost::MouseRelease(int x, int y, int buttons) {

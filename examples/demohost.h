@@ -31,6 +31,7 @@ class SceneCompositor;
 
 namespace demo {
 class DemoLegend;
+class DemoCharts;
 
 /// Everything a host does: owns its scene, builds the overlay once, forwards input through the
 /// input manager and draws the overlay after its own scene each frame.
@@ -52,6 +53,8 @@ public:
     bool MouseMove(int x, int y, int buttons = 0);
     bool MousePress(int x, int y, int buttons);
     bool MouseRelease(int x, int y, int buttons);
+    /// A wheel turn with the pointer where the last pointer event left it (120 a notch).
+    bool MouseWheel(int delta);
 
     void SetDrawFlags(DrawFlags flags) override;
     /// Lines describing what the last events reached.
@@ -81,6 +84,7 @@ public:
     LightControl* LightWidget() { return lightWidget_.get(); }
     /// The colour bar with its depth axis and the distance axis under the scene.
     DemoLegend* Legend() { return legend_.get(); }
+    DemoCharts* Charts() { return charts_.get(); }
     /// A pixel deep inside a part of a control, found in the overlay's id layer; host pixels, y down.
     /// False when the part is not drawn.
     bool FindPart(unsigned pid, unsigned sid, int& x, int& y);
@@ -111,6 +115,7 @@ private:
     std::unique_ptr<TriadControl> triad_;
     std::unique_ptr<LightControl> lightWidget_;
     std::unique_ptr<DemoLegend> legend_;
+    std::unique_ptr<DemoCharts> charts_;
     float spinAngle_ = 0.f;
     std::vector<std::unique_ptr<void, void (*)(void*)>> owned_;
     GUI::Controls::Panel* toolbar_ = nullptr;

@@ -1,20 +1,21 @@
 #include "demolegend.h"
 
 #include <trelvogui/axiscontrol.h>
-#include <trelvogui/colorbar.h>
 #include <trelvogui/gui/guimanager.h>
 #include <trelvogui/gui/label.h>
+#include <trelvogui/legendcontrol.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
+#include <random>
 
 namespace demo {
 namespace {
 
-constexpr int kBarWidth = 24;
-constexpr int kBarHeight = 220;
-// Title, numbers right-aligned against the band, and the band itself, left of the bar.
-constexpr int kDepthAxisWidth = 100;
+// Numbers, bar and histogram side by side, the title on top.
+constexpr int kLegendWidth = 150;
+constexpr int kLegendHeight = 250;
 // The lower corners stay free for the view cube and the light widget.
 constexpr int kLowestBar = 150;
 constexpr int kAxisInset = 160;
@@ -60,59 +61,58 @@ DemoLegend::~DemoLegend() = default;
 bool DemoLegend::Build(const std::shared_ptr<GUI::GUIManager>& manager, int width, int height) {
     const GUI::Color ink{230, 236, 242, 255};
 
-    bar_ = std::make_unique<GUI::Controls::ColorBar>();
-    if (!bar_->Initialize()) {
-        std::fprintf(stderr, "the colour bar's shaders do not build\n");
+    legend_ = std::make_unique<LegendControl>();
+    distanceAxis_ = std::make_unique<AxisControl>();
+    if (!legend_->Initialize() || !distanceAxis_->Initialize()) {
+        std::fprintf(stderr, "the legend's or the axis's shaders do not build\n");
         return false;
     }
-    bar_->UpdateColorMap(DepthColors(256), true);
+    legend_->SetColorMap(DepthColors(256), true);
+    legend_->SetRange(0.0, 2500.0);
+    legend_->SetTitle(L"Depth (m)");
+    // The depths of a survey: most of the sea floor is shallow shelf, some of it a deep basin.
+    std::mt19937 rng(17);
+    std::normal_distribution<double> shelf(420.0, 160.0), basin(1900.0, 220.0);
+    std::vector<double> depths(60000);
+    for (std::size_t i = 0; i < depths.size(); ++i)
+        depths[i] = std::clamp(i % 4 == 0 ? basin(rng) : shelf(rng), 0.0, 2500.0);
+    legend_->SetValues(depths.data(), depths.size());
 
-    depthAxis_ = std::make_unique<AxisControl>();
-    distanceAxis_ = std::make_unique<AxisControl>();
-    for (AxisControl* axis : {depthAxis_.get(), distanceAxis_.get()}) {
-        if (!axis->Initialize()) {
-            std::fprintf(stderr, "the axis shaders do not build\n");
-            return false;
-        }
-        axis->SetFontColor(ink);
-    }
-    // Numbers to the left of a band that touches the bar; 0..2500 m shows the exponent form.
-    depthAxis_->SetOrientation(AxisControl::AlongXMax);
-    depthAxis_->SetRange(0.f, 2500.f);
-    depthAxis_->SetTitle(L"Depth (m)");
-    // Ticks on top, numbers and title below: an axis hanging under the scene.
+    distanceAxis_->SetFontColor(ink);
+    // Ticks on top, numbers and title below: an axis hanging under the scene, in nice steps.
     distanceAxis_->SetOrientation(AxisControl::AlongYMax);
     distanceAxis_->SetTickSpacing(80);
+    distanceAxis_->SetAxisType(AxisControl::NiceSteps);
     distanceAxis_->SetRange(-50.f, 50.f);
     distanceAxis_->SetTitle(L"Distance (mm)");
 
     Place(width, height);
-    bar_->Register(manager);
-    depthAxis_->Register(manager);
+    legend_->Register(manager);
     distanceAxis_->Register(manager);
     return true;
 }
 
 void DemoLegend::Place(int width, int height) {
-    if (!bar_)
+    if (!legend_)
         return;
-    const int barX = width - 120;
-    const int barY = std::max(kLowestBar, (height - kBarHeight) / 2 - 20);
-    bar_->SetRectangle({barX, barX + kBarWidth, barY, barY + kBarHeight});
-    depthAxis_->SetRectangle({barX - kDepthAxisWidth, barX, barY, barY + kBarHeight});
+    const int x = width - 24 - kLegendWidth;
+    const int y = std::max(kLowestBar, (height - kLegendHeight) / 2 - 20);
+    legend_->SetRectangle({x, x + kLegendWidth, y, y + kLegendHeight});
     distanceAxis_->SetRectangle({kAxisInset, width - kAxisInset, 16, 86});
 }
 
 std::vector<std::string> DemoLegend::TickTexts() const {
     std::vector<std::string> lines;
-    for (const AxisControl* axis : {depthAxis_.get(), distanceAxis_.get()}) {
-        if (!axis)
-            continue;
-        std::string line = Narrow(axis->GetTitle()) + ":";
+    auto line = [&](const std::wstring& title, AxisControl* axis) {
+        std::string text = Narrow(title) + ":";
         for (GUI::Controls::Label* label : axis->GetNumberLabels())
-            line += " " + Narrow(label->GetText());
-        lines.push_back(line);
-    }
+            text += " " + Narrow(label->GetText());
+        lines.push_back(text);
+    };
+    if (legend_)
+        line(legend_->TitleLabel()->GetText(), legend_->Axis());
+    if (distanceAxis_)
+        line(distanceAxis_->GetTitle(), distanceAxis_.get());
     return lines;
 }
 

@@ -1,5 +1,6 @@
 // Headless host: draws an overlay over its own 3D scene without a window, replays a scripted mouse
 // session through the input manager and writes PNG frames, printing what each event reached.
+#include "democharts.h"
 #include "demohost.h"
 #include "demolegend.h"
 #include "skinsheet.h"
@@ -21,6 +22,7 @@
 
 #include <graphicsbase/headlesscontext.h>
 #include <graphicsbase/pngwriter.h>
+#include <trelvogui/xyplotcontrol.h>
 
 #include <cmath>
 #include <cstdio>
@@ -290,6 +292,34 @@ int main(int argc, char** argv) {
     std::printf("the host orbits back to an oblique view of the re-lit scene:\n");
     s.printCamera();
     s.snapshot("relit-oblique");
+
+    // The charts: the pointer over the spike of the million-sample trace reads it out (point index,
+    // values and the statistics of what is in view); the wheel there zooms in about it.
+    s.host.Charts()->Show(true);
+    s.host.RenderFrame(s.angle); // the pointer finds what the layers hold
+    {
+        XYPlotControl* plot = s.host.Charts()->Plot();
+        const ChartView view = plot->View();
+        const int spikeX = static_cast<int>(view.PixelX(double(demo::DemoCharts::kSpike)));
+        const int spikeY = kHeight - static_cast<int>(view.PixelY(6.0));
+        s.move(spikeX, spikeY);
+        s.move(spikeX, spikeY + 1);
+        s.flush("hover the trace at its spike (host " + std::to_string(spikeX) + ", " +
+                std::to_string(spikeY) + "):");
+        std::printf("%s", s.host.Charts()->Describe().c_str());
+        s.snapshot("chart-hover");
+        // Over the x axis's numbers the wheel zooms along x only, about the pointer.
+        const int belowPlot = kHeight - (view.plot.yMin - 20);
+        s.move(spikeX, belowPlot);
+        for (int notch = 0; notch < 12; ++notch)
+            s.host.MouseWheel(120);
+        s.move(spikeX, spikeY + 2);
+        s.move(spikeX, spikeY + 1);
+        s.flush("twelve wheel notches over the x axis below the spike zoom in along x about it:");
+        std::printf("  x now %.1f .. %.1f\n", plot->XMin(), plot->XMax());
+        std::printf("%s", s.host.Charts()->Describe().c_str());
+        s.snapshot("chart-zoomed");
+    }
 
     const auto& r = s.host.Toolbar()->GetRectangle();
     std::printf("tools panel now at (%d, %d)-(%d, %d); rotation %s\n", r.xMin, r.yMin, r.xMax, r.yMax,

@@ -16,3 +16,6 @@ cmake --build --preset bench
 if [ -x build/bench/bench/trelvogui_peer_bench ]; then
     ./build/bench/bench/trelvogui_peer_bench
 fi
+if [ -x build/bench/bench/trelvogui_chart_peer_bench ]; then
+    ./build/bench/bench/trelvogui_chart_peer_bench
+fi

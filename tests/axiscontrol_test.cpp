@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -248,4 +251,118 @@ TEST(AxisControl, SetterGuards) {
     EXPECT_EQ(axis.GetIntervalCount(), 5) << "a changed spacing lays out again";
     axis.SetAxisType(AxisControl::IntegerSteps);
     EXPECT_EQ(axis.GetIntervalCount(), 1) << "400 / 80 = 5 columns over a range of 1";
+}
+
+namespace {
+
+// A 200-pixel horizontal axis at the default spacing asks for five intervals.
+AxisControl& Laid(AxisControl& axis, AxisControl::AxisType type, float min, float max) {
+    axis.SetRectangle({0, 200, 0, 30});
+    axis.SetRange(min, max);
+    axis.SetAxisType(type);
+    return axis;
+}
+
+std::vector<std::string> Narrow(const std::vector<std::wstring>& texts) {
+    std::vector<std::string> out;
+    for (const std::wstring& t : texts)
+        out.emplace_back(t.begin(), t.end());
+    return out;
+}
+
+} // namespace
+
+TEST(AxisControl, NiceAndLogarithmicTicksShowTheShortestTextsThatTellNeighboursApart) {
+    struct Case {
+        AxisControl::AxisType type;
+        float min, max;
+        std::vector<std::string> texts;
+        float firstFraction;
+        size_t minorTicks;
+    };
+    const auto nice = AxisControl::NiceSteps;
+    const auto log = AxisControl::Logarithmic;
+    const Case cases[] = {
+        {nice, -40.f, 40.f, {"-40", "-20", "0", "20", "40"}, 0.f, 0},
+        {nice, 0.f, 0.7f, {"0", "0.2", "0.4", "0.6"}, 0.f, 0},
+        {nice, 40.f, -40.f, {"40", "20", "0", "-20", "-40"}, 0.f, 0}, // reversed: 40 at the start
+        {nice, 3.f, 3.f, {"3"}, 0.5f, 0},                             // zero width: one tick, centred
+        {nice, 0.f, 1e9f, {"0", "0.2e9", "0.4e9", "0.6e9", "0.8e9", "1.0e9"}, 0.f, 0},
+        {nice, 0.f, 1e-9f, {"0", "0.2e-9", "0.4e-9", "0.6e-9", "0.8e-9", "1.0e-9"}, 0.f, 0},
+        {nice, 0.999f, 1.001f, {"0.9990", "0.9995", "1.0000", "1.0005", "1.0010"}, 0.f, 0},
+        {log, 1.f, 1000.f, {"1", "10", "100", "1000"}, 0.f, 24},
+        {log, 1e-9f, 1e9f, {"1e-8", "0.0001", "1", "10000", "1e8"}, 1.f / 18.f, 0}, // every fourth decade
+        {log, 1000.f, 1.f, {"1000", "100", "10", "1"}, 0.f, 24},
+        {log, 2.f, 8.f, {"2", "4", "6", "8"}, 0.f, 0}, // within a decade: nice values on the log scale
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::to_string(c.type) + ": " + std::to_string(c.min) + " .. " + std::to_string(c.max));
+        AxisControl axis;
+        Laid(axis, c.type, c.min, c.max);
+        EXPECT_EQ(Narrow(Texts(axis)), c.texts);
+        ASSERT_FALSE(axis.GetTickFractions().empty());
+        EXPECT_NEAR(axis.GetTickFractions().front(), c.firstFraction, 1e-5);
+        EXPECT_TRUE(std::is_sorted(axis.GetTickFractions().begin(), axis.GetTickFractions().end()));
+        EXPECT_EQ(axis.GetMinorTickFractions().size(), c.minorTicks);
+        EXPECT_EQ(axis.GetIntervalCount() + 1, static_cast<int>(c.texts.size()));
+    }
+    // Nice values within a decade sit where the logarithmic scale puts them.
+    AxisControl axis;
+    Laid(axis, log, 2.f, 8.f);
+    EXPECT_NEAR(axis.GetTickFractions()[1], 0.5f, 1e-5) << "4 is half way between 2 and 8 on a log scale";
+}
+
+TEST(AxisControl, NiceTicksOverEveryMagnitudeAreEvenNiceAndReadBack) {
+    for (int p = -9; p <= 9; ++p)
+        for (double a : {-3.0, 0.0, 1.0})
+            for (double b : {0.04, 1.5, 7.0}) {
+                const double scale = std::pow(10.0, p);
+                const double lo = a * scale, hi = (a + b) * scale;
+                for (int wanted : {1, 5, 12}) {
+                    SCOPED_TRACE(std::to_string(lo) + " .. " + std::to_string(hi) + " in " +
+                                 std::to_string(wanted));
+                    std::vector<double> v;
+                    std::vector<std::string> t;
+                    AxisControl::NiceTicks(lo, hi, wanted, v, t);
+                    ASSERT_GE(v.size(), 2u);
+                    ASSERT_LE(v.size(), static_cast<size_t>(wanted * 5 / 2 + 2));
+                    const double step = v[1] - v[0];
+                    double mantissa = step / std::pow(10.0, std::floor(std::log10(step)));
+                    if (mantissa > 9.5)
+                        mantissa /= 10.0;
+                    EXPECT_TRUE(std::fabs(mantissa - 1) < 1e-6 || std::fabs(mantissa - 2) < 1e-6 ||
+                                std::fabs(mantissa - 5) < 1e-6)
+                        << step;
+                    EXPECT_GE(v.front(), lo - step * 1e-6);
+                    EXPECT_LE(v.back(), hi + step * 1e-6);
+                    for (size_t i = 0; i < v.size(); ++i) {
+                        if (i > 0) {
+                            EXPECT_NEAR(v[i] - v[i - 1], step, step * 1e-6);
+                            EXPECT_NE(t[i], t[i - 1]);
+                        }
+                        EXPECT_NEAR(std::strtod(t[i].c_str(), nullptr), v[i], step * 1e-6) << t[i];
+                        EXPECT_LE(t[i].size(), 10u) << t[i];
+                    }
+                }
+            }
+    std::vector<double> v;
+    std::vector<std::string> t;
+    AxisControl::NiceTicks(0.0, std::nan(""), 5, v, t);
+    EXPECT_TRUE(v.empty() && t.empty());
+}
+
+TEST(AxisControl, LogarithmicAxisOverNonPositiveRangeSaysSoOnceAndDrawsNoTicks) {
+    AxisControl axis;
+    testing::internal::CaptureStdout();
+    Laid(axis, AxisControl::Logarithmic, -1.f, 100.f);
+    axis.SetRectangle({0, 300, 0, 30});
+    const std::string output = testing::internal::GetCapturedStdout();
+    EXPECT_TRUE(axis.GetTickFractions().empty() && axis.GetNumberLabels().empty());
+    EXPECT_EQ(output.find("logarithmic"), output.rfind("logarithmic")) << output;
+    EXPECT_NE(output.find("positive range"), std::string::npos) << output;
+    EXPECT_TRUE(std::isnan(axis.FractionOf(10.0)));
+    axis.SetRange(1.f, 100.f);
+    EXPECT_EQ(Narrow(Texts(axis)), (std::vector<std::string>{"1", "10", "100"}));
+    EXPECT_NEAR(axis.FractionOf(10.0), 0.5, 1e-9);
+    EXPECT_NEAR(axis.ValueAt(0.5), 10.0, 1e-9);
 }

@@ -6,7 +6,9 @@
 #include "support/layerpixels.h"
 
 #include <trelvogui/axiscontrol.h>
+#include <trelvogui/chartcontrol.h>
 #include <trelvogui/colorbar.h>
+#include <trelvogui/datasetrenderer.h>
 #include <trelvogui/gui/button.h>
 #include <trelvogui/gui/fadeinoutsequence.h>
 #include <trelvogui/gui/fadeinsequence.h>
@@ -18,6 +20,8 @@
 #include <trelvogui/gui/panel.h>
 #include <trelvogui/gui/scalesequence.h>
 #include <trelvogui/gui/switchbutton.h>
+#include <trelvogui/histogramrenderer.h>
+#include <trelvogui/legendcontrol.h>
 #include <trelvogui/lightcontrol.h>
 #include <trelvogui/planecontrol.h>
 #include <trelvogui/triadcontrol.h>
@@ -52,6 +56,10 @@ struct World {
     std::vector<Label*> labels;
     std::vector<Panel*> sizeable;
     std::vector<std::shared_ptr<LocalFrame>> frames;
+    // A chart of a decimated signal and a histogram of it, over the panels.
+    ChartControl* chart = nullptr;
+    DataSetRenderer signal;
+    HistogramRenderer histogram;
     int lastX = 0, lastY = 0, buttons = 0;
 
     World(bool strict, bool fetch) : manager(std::make_shared<GUI::GUIManager>()) {
@@ -101,6 +109,35 @@ struct World {
             axis->SetRectangle({20, 300, 60, 100});
         axis->Register(manager);
         roots.push_back(axis);
+        chart = own(new ChartControl());
+        std::vector<double> walk(20000);
+        std::mt19937 rng(9);
+        std::normal_distribution<double> step(0.0, 1.0);
+        double v = 0.0;
+        for (double& y : walk)
+            y = v += step(rng);
+        if (chart->Initialize() && signal.Initialize() && histogram.Initialize()) {
+            signal.SetData(walk.data(), walk.size());
+            histogram.SetValues(walk.data(), walk.size());
+            histogram.SetColor({200, 120, 40, 255});
+            chart->AddRenderer(&histogram);
+            chart->AddRenderer(&signal);
+        }
+        // A legend beside it, whose histogram stands over the panels.
+        auto* legend = own(new LegendControl());
+        if (legend->Initialize()) {
+            legend->SetColorMap({{30, 60, 200, 255}, {240, 240, 240, 255}, {200, 30, 30, 255}}, true);
+            legend->SetRange(-60.0, 60.0);
+            legend->SetValues(walk.data(), walk.size());
+        }
+        legend->SetTitle(L"Walk");
+        legend->SetRectangle({220, 318, 10, 150});
+        legend->Register(manager);
+        roots.push_back(legend);
+        chart->SetRectangle({30, 310, 120, 238});
+        chart->FitToData();
+        chart->Register(manager);
+        roots.push_back(chart);
         // The scene widgets, drawn straight into the layers where they say they draw.
         // A plane widget whose outline reaches far beyond its gizmo, which mostly sits off the view.
         auto* gizmo = own(new PlaneControl(camera));
@@ -123,6 +160,8 @@ struct World {
             all.push_back(c.get());
     }
     ~World() {
+        chart->RemoveRenderer(&signal);
+        chart->RemoveRenderer(&histogram);
         owned.clear();
         manager.reset();
     }
@@ -305,6 +344,13 @@ TEST_F(LayerEqualityTest, FastAndStrictUpdatesProduceIdenticalLayers) {
                                          std::sin(static_cast<float>(which))};
                     w.manager->SetLightUpdated(true);
                 }
+            });
+            break;
+        case 11: // the chart pans and zooms
+            both([&](World& w) {
+                const double span = (w.chart->XMax() - w.chart->XMin()) * (0.5 + (which % 7) * 0.2);
+                const double from = (which % 13) * 1500.0 - 2000.0;
+                w.chart->SetXRange(from, from + span);
             });
             break;
         default: // time passes: animations advance

@@ -14,6 +14,8 @@
 
 #include <graphicsbase/headlesscontext.h>
 
+#include "peertiming.h"
+
 #include <GL/glew.h>
 
 #include <backends/imgui_impl_opengl3.h>
@@ -54,36 +56,8 @@ struct Layout {
     int centreY(int i) const { return panelY(i / kPerPanel) + buttonY(i) + kButtonH / 2; }
 };
 
-double CpuSeconds() {
-    timespec t{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
-    return double(t.tv_sec) + double(t.tv_nsec) * 1e-9;
-}
-double WallSeconds() {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
-
-struct Sample {
-    std::vector<double> cpu, wall;
-    double Median(std::vector<double>& v) const {
-        if (v.empty())
-            return 0.0;
-        std::nth_element(v.begin(), v.begin() + static_cast<long>(v.size() / 2), v.end());
-        return v[v.size() / 2];
-    }
-};
-
-/// A frame measured twice: its CPU cost without waiting for the GPU, and its wall time with glFinish.
-void Measure(Sample& s, const std::function<void()>& frame) {
-    glFinish();
-    double c0 = CpuSeconds(), w0 = WallSeconds();
-    frame();
-    double c1 = CpuSeconds();
-    glFinish();
-    double w1 = WallSeconds();
-    s.cpu.push_back(c1 - c0);
-    s.wall.push_back(w1 - w0);
-}
+using peer::Measure;
+using peer::Sample;
 
 class TrelvoUI {
 public:
@@ -269,9 +243,7 @@ private:
 };
 
 void Clear() {
-    glViewport(0, 0, kWidth, kHeight);
-    glClearColor(0.1f, 0.1f, 0.12f, 1.f);
-    glClear(GL_COLOR_BUFFER_BIT);
+    peer::Clear(kWidth, kHeight);
 }
 
 /// Resident set size now, in KiB.
@@ -386,8 +358,9 @@ int main(int argc, char** argv) {
                 for (int k = 0; k < frames; ++k)
                     Measure(f, floorFrame);
             }
-            double ac = a.Median(a.cpu), bc = b.Median(b.cpu), aw = a.Median(a.wall), bw = b.Median(b.wall);
-            const double floorWall = f.Median(f.wall);
+            double ac = Sample::Median(a.cpu), bc = Sample::Median(b.cpu), aw = Sample::Median(a.wall),
+                   bw = Sample::Median(b.wall);
+            const double floorWall = Sample::Median(f.wall);
             std::printf("| %d | %s | %.3f ms | %.3f ms | %.2fx | %.3f ms | %.3f ms | %.2fx | %.2fx |\n", n,
                         c.name, ac * 1e3, bc * 1e3, ac / bc, aw * 1e3, bw * 1e3, aw / bw, aw / floorWall);
         }

@@ -1,5 +1,7 @@
 #include <trelvogui/axiscontrol.h>
 
+#include <trelvogui/chartrenderer.h>
+
 #include "gui/renderers/detail/targetbarrier.h"
 #include "gui/renderers/detail/uniforms.h"
 
@@ -17,6 +19,7 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 
@@ -62,7 +65,105 @@ void AppendQuad(std::vector<float>& out, float x0, float x1, float y0, float y1,
     }
 }
 
+// Texts of nice ticks and decades: fixed with as few decimals as the step needs while that stays
+// short, otherwise one shared power of ten.
+constexpr int kMostFixedDecimals = 4;
+constexpr int kFirstExponentShown = 6;
+// No axis needs more ticks than this; it also bounds the work for absurd requests.
+constexpr int kMostTicks = 1000;
+// Minor ticks of a logarithmic axis only where a decade gets at least this many pixels.
+constexpr float kMinorDecadePixels = 30.f;
+
+double PowerOfTen(int e) {
+    return std::pow(10.0, e);
+}
+
+// k times mantissa times 10^e with one rounding where it can: dividing by an exact power of ten
+// gives 0.6 for 3 x 2e-1, where multiplying by 0.1 would not.
+double StepMultiple(double k, double mantissa, int e) {
+    return e < 0 ? k * mantissa / PowerOfTen(-e) : k * mantissa * PowerOfTen(e);
+}
+
+std::string Printed(const char* format, ...) __attribute__((format(printf, 1, 2)));
+std::string Printed(const char* format, ...) {
+    char text[64];
+    va_list args;
+    va_start(args, format);
+    std::vsnprintf(text, sizeof text, format, args);
+    va_end(args);
+    return text;
+}
+
+std::string DecadeText(int k) {
+    if (k >= 0 && k < kFirstExponentShown)
+        return Printed("%.0f", PowerOfTen(k));
+    if (k < 0 && -k <= kMostFixedDecimals)
+        return Printed("%.*f", -k, PowerOfTen(k));
+    return Printed("1e%d", k);
+}
+
 } // namespace
+
+void AxisControl::NiceTicks(double lo, double hi, int wanted, std::vector<double>& values,
+                            std::vector<std::string>& texts) {
+    values.clear();
+    texts.clear();
+    if (!std::isfinite(lo) || !std::isfinite(hi))
+        return;
+    if (lo > hi)
+        std::swap(lo, hi);
+    if (lo == hi) {
+        values.push_back(lo);
+        texts.push_back(Printed("%.6g", lo == 0.0 ? 0.0 : lo));
+        return;
+    }
+    const double span = hi - lo;
+    if (!std::isfinite(span))
+        return;
+    wanted = std::clamp(wanted, 1, kMostTicks - 1);
+    const double raw = span / wanted;
+    int e = static_cast<int>(std::floor(std::log10(raw)));
+    const double normalised = raw / PowerOfTen(e);
+    double mantissa = normalised <= 1.0 ? 1.0 : normalised <= 2.0 ? 2.0 : normalised <= 5.0 ? 5.0 : 10.0;
+    if (mantissa == 10.0) {
+        mantissa = 1.0;
+        ++e;
+    }
+    // Rounding up may leave fewer than two ticks inside a short range: step down the 1-2-5 ladder
+    // until two fit. Ends within a ten-thousandth of a step count as on a tick: ranges often arrive
+    // in float, where 0.7 is a little less than 0.7.
+    constexpr double kSlack = 1e-4;
+    double first = 0.0, last = -1.0;
+    for (int tries = 0; tries < 8; ++tries) {
+        const double step = StepMultiple(1.0, mantissa, e);
+        first = std::ceil(lo / step - kSlack);
+        last = std::floor(hi / step + kSlack);
+        if (last - first >= 1.0)
+            break;
+        mantissa = mantissa == 1.0 ? 5.0 : mantissa == 5.0 ? 2.0 : 1.0;
+        if (mantissa == 5.0)
+            --e;
+    }
+    if (last - first + 1.0 > kMostTicks)
+        last = first + kMostTicks - 1;
+    double largest = 0.0;
+    for (double k = first; k <= last; k += 1.0) {
+        values.push_back(StepMultiple(k, mantissa, e));
+        largest = std::max(largest, std::fabs(values.back()));
+    }
+    const int decimals = std::max(0, -e);
+    const int magnitude = largest > 0.0 ? static_cast<int>(std::floor(std::log10(largest))) : 0;
+    const bool fixed = decimals <= kMostFixedDecimals && magnitude < kFirstExponentShown;
+    for (double v : values) {
+        if (v == 0.0)
+            texts.push_back("0");
+        else if (fixed)
+            texts.push_back(Printed("%.*f", decimals, v));
+        else
+            texts.push_back(
+                Printed("%.*fe%d", std::max(0, magnitude - e), v / PowerOfTen(magnitude), magnitude));
+    }
+}
 
 AxisControl::AxisControl() {
     // Its tick band may sit beside the rectangle (orientation 3): a cached layer holding an axis is
@@ -149,6 +250,7 @@ void AxisControl::SetTickCount(int n) {
 void AxisControl::SetRange(float min, float max) {
     min_ = min;
     max_ = max;
+    reportedLogRange_ = false;
     ComputeTicks();
     FormatNumbers();
     PlaceNumbers();
@@ -222,6 +324,8 @@ void AxisControl::Update() {
 void AxisControl::ComputeTicks() {
     tickFractions_.clear();
     tickValues_.clear();
+    tickTexts_.clear();
+    minorFractions_.clear();
     if (axisType_ == EvenlyDivided) {
         // A tick count of -1 asks for no intervals; the single tick then sits at the start.
         const float intervals = static_cast<float>(intervalCount_);
@@ -251,8 +355,91 @@ void AxisControl::ComputeTicks() {
             tickFractions_.push_back(static_cast<float>(offset / denominator));
             tickValues_.push_back(static_cast<float>(range * offset / denominator + min_));
         }
+    } else if (axisType_ == NiceSteps) {
+        ComputeNiceTicks(WantedIntervals());
+    } else if (axisType_ == Logarithmic) {
+        ComputeLogTicks(WantedIntervals());
     }
     RebuildNumberLabels();
+}
+
+int AxisControl::WantedIntervals() {
+    if (tickCount_ != 0)
+        return std::max(1, tickCount_ + 1);
+    const GUI::Geometry::Rectangle& r = GetRectangle();
+    const int length = IsVertical(orientation_) ? r.Height() : r.Width();
+    return std::max(1, length / tickSpacing_);
+}
+
+double AxisControl::FractionOf(double value) const {
+    return ChartView::Fraction(value, min_, max_, axisType_ == Logarithmic);
+}
+
+double AxisControl::ValueAt(double fraction) const {
+    return ChartView::Value(fraction, min_, max_, axisType_ == Logarithmic);
+}
+
+void AxisControl::ComputeNiceTicks(int wanted) {
+    std::vector<double> values;
+    NiceTicks(min_, max_, wanted, values, tickTexts_);
+    for (double v : values) {
+        // Ends a hair past a tick still show it, at the end.
+        const double f = FractionOf(v);
+        tickFractions_.push_back(std::isnan(f) ? 0.5f : static_cast<float>(std::clamp(f, 0.0, 1.0)));
+        tickValues_.push_back(static_cast<float>(v));
+    }
+    KeepFractionsAscending();
+    intervalCount_ = static_cast<int>(tickValues_.size()) - 1;
+}
+
+void AxisControl::KeepFractionsAscending() {
+    // A reversed range runs its ticks from the far end.
+    if (min_ > max_) {
+        std::reverse(tickFractions_.begin(), tickFractions_.end());
+        std::reverse(tickValues_.begin(), tickValues_.end());
+        std::reverse(tickTexts_.begin(), tickTexts_.end());
+    }
+}
+
+void AxisControl::ComputeLogTicks(int wanted) {
+    const double lo = std::min(min_, max_), hi = std::max(min_, max_);
+    if (!(lo > 0.0) || !std::isfinite(hi)) {
+        if (!reportedLogRange_)
+            std::printf("AxisControl: A logarithmic axis needs a positive range; %g .. %g gets no ticks.\n",
+                        static_cast<double>(min_), static_cast<double>(max_));
+        reportedLogRange_ = true;
+        intervalCount_ = -1;
+        return;
+    }
+    reportedLogRange_ = false;
+    constexpr double kSlack = 1e-6; // in decades: a float bound of 1e-9 is 1e-9, not 1e-10
+
+    const int firstDecade = static_cast<int>(std::ceil(std::log10(lo) - kSlack));
+    const int lastDecade = static_cast<int>(std::floor(std::log10(hi) + kSlack));
+    if (lastDecade - firstDecade < 1) {
+        // Less than a decade: nice values, placed on the logarithmic scale.
+        ComputeNiceTicks(wanted);
+        return;
+    }
+    const int every = std::max(1, (lastDecade - firstDecade + wanted - 1) / wanted);
+    const int start = static_cast<int>(std::ceil(static_cast<double>(firstDecade) / every)) * every;
+    for (int k = start; k <= lastDecade; k += every) {
+        tickValues_.push_back(static_cast<float>(PowerOfTen(k)));
+        tickFractions_.push_back(static_cast<float>(FractionOf(PowerOfTen(k))));
+        tickTexts_.push_back(DecadeText(k));
+    }
+    const GUI::Geometry::Rectangle& r = GetRectangle();
+    const float length = static_cast<float>(IsVertical(orientation_) ? r.Height() : r.Width());
+    const float decadePixels = length / static_cast<float>(std::log10(hi) - std::log10(lo));
+    if (every == 1 && decadePixels >= kMinorDecadePixels)
+        for (int k = firstDecade - 1; k <= lastDecade; ++k)
+            for (int j = 2; j <= 9; ++j) {
+                const double v = j * PowerOfTen(k);
+                if (v >= lo && v <= hi)
+                    minorFractions_.push_back(static_cast<float>(FractionOf(v)));
+            }
+    KeepFractionsAscending();
+    intervalCount_ = static_cast<int>(tickValues_.size()) - 1;
 }
 
 void AxisControl::RebuildNumberLabels() {
@@ -307,7 +494,9 @@ void AxisControl::FormatNumbers() {
     const std::size_t count = std::min(numberLabels_.size(), tickValues_.size());
     for (std::size_t i = 0; i < count; ++i) {
         const float value = tickValues_[i];
-        if (axisType_ == IntegerSteps)
+        if (i < tickTexts_.size())
+            std::snprintf(text, sizeof text, "%s", tickTexts_[i].c_str());
+        else if (axisType_ == IntegerSteps)
             std::snprintf(text, sizeof text, "%d", TruncateToInt(value));
         else if (shownExponent != 0)
             std::snprintf(text, sizeof text, "%.3fe%d", value / scale, shownExponent);
@@ -412,15 +601,20 @@ bool AxisControl::BuildGeometry() {
         const float baseline = std::min(1.f, kBaselineDepth / std::fabs(depth));
         AppendQuad(bandVertices_, 0.f, 1.f, 0.f, baseline, rgba);
         const float mark = std::min(1.f, kMarkWidth / length);
-        for (float f : tickFractions_) {
+        auto addMark = [&](float f, float across) {
             // The same pixel the number label is centred on; the x-min orientation runs its band
             // from the top down, so its marks are mirrored to stay beside their numbers.
             float t = std::trunc(length * f) / length;
             if (orientation_ == AlongXMin)
                 t = 1.f - t;
             const float x0 = std::clamp(t - mark * 0.5f, 0.f, 1.f - mark);
-            AppendQuad(bandVertices_, x0, x0 + mark, 0.f, 1.f, rgba);
-        }
+            AppendQuad(bandVertices_, x0, x0 + mark, 0.f, across, rgba);
+        };
+        for (float f : tickFractions_)
+            addMark(f, 1.f);
+        // Minor ticks reach half across the band.
+        for (float f : minorFractions_)
+            addMark(f, 0.5f);
     }
     return vertexBuffer_->upload(bandVertices_.data(), static_cast<int>(bandVertices_.size() / 6), nullptr, 0,
                                  GLVertexBuffer::Usage::Dynamic);

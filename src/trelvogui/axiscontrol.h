@@ -30,8 +30,10 @@ class Label;
 /// vertices, so setters then need the context current like drawing does.
 class TRELVOGUI_EXPORT AxisControl : public GUI::Controls::Base {
 public:
-    /// 0: the range evenly divided into the interval count; 1: integer steps.
-    enum AxisType : int { EvenlyDivided = 0, IntegerSteps = 1 };
+    /// 0: the range evenly divided into the interval count; 1: integer steps; 2: nice steps (1, 2 or
+    /// 5 times a power of ten, about one per tick spacing, numbers in the shortest fixed form that
+    /// tells neighbours apart); 3: logarithmic (decades, with minor ticks at 2..9 where they fit).
+    enum AxisType : int { EvenlyDivided = 0, IntegerSteps = 1, NiceSteps = 2, Logarithmic = 3 };
     enum Orientation : int { AlongYMin = 0, AlongYMax = 1, AlongXMax = 2, AlongXMin = 3 };
 
     AxisControl();
@@ -88,6 +90,19 @@ public:
     /// Tick positions as fractions 0..1 along the axis, and the values shown at them.
     const std::vector<float>& GetTickFractions() const { return tickFractions_; }
     const std::vector<float>& GetTickValues() const { return tickValues_; }
+    /// Unlabelled minor ticks of a logarithmic axis (2..9 times each decade), as fractions.
+    const std::vector<float>& GetMinorTickFractions() const { return minorFractions_; }
+    /// Where `value` lies along the axis as a fraction of its length (0 at min, 1 at max), in the
+    /// axis's scale: logarithmic for type 3 (NaN for values that are not positive), linear otherwise.
+    /// NaN for an empty range.
+    double FractionOf(double value) const;
+    /// The value at a fraction of the axis's length; the inverse of FractionOf.
+    double ValueAt(double fraction) const;
+    /// The nice-tick choice, as a pure function for hosts that lay out their own ticks: values from
+    /// `lo` to `hi` (either order) in about `wanted` steps of 1, 2 or 5 times a power of ten, and
+    /// the texts that tell neighbours apart. Empty for non-finite bounds; one tick for an empty range.
+    static void NiceTicks(double lo, double hi, int wanted, std::vector<double>& values,
+                          std::vector<std::string>& texts);
     /// The labels the axis owns; the title label is null until the first layout.
     const std::vector<GUI::Controls::Label*>& GetNumberLabels() const { return numberLabels_; }
     GUI::Controls::Label* GetTitleLabel() const { return titleLabel_; }
@@ -100,6 +115,10 @@ private:
     void PlaceNumbers();
     void LayoutTitle();
     bool BuildGeometry();
+    void ComputeNiceTicks(int wanted);
+    void ComputeLogTicks(int wanted);
+    int WantedIntervals();
+    void KeepFractionsAscending();
 
     bool showTitle_ = true;
     bool showTicks_ = true;
@@ -116,6 +135,11 @@ private:
     std::wstring title_ = L" ";
     std::vector<float> tickFractions_;
     std::vector<float> tickValues_;
+    // Types 2 and 3 decide their texts with the ticks.
+    std::vector<std::string> tickTexts_;
+    std::vector<float> minorFractions_;
+    // A logarithmic axis over a range that is not positive says so once, not at every layout.
+    bool reportedLogRange_ = false;
     GUI::Controls::Label* titleLabel_ = nullptr;
     std::vector<GUI::Controls::Label*> numberLabels_;
     GLSLProgram* program_ = nullptr;

@@ -617,4 +617,8 @@ bool Base::Unregister() {
     return false;
 }
 
+DrawFlags Base::OnMouseWheel(GUI::Event*, int) {
+    return DRAW_NOTHING;
+}
+
 } // namespace GUI::Controls

@@ -133,6 +133,9 @@ public:
     virtual void ProcessGlobalTransformations();
     virtual GUI::Animation::Frame* GetLocalFrame();
     virtual GUI::Animation::Frame* GetLocalFrameAnimation();
+    /// The wheel turned by `delta` (positive away from the user, 120 a notch) with the pointer over
+    /// the control at the event's position. DRAW_NOTHING (the default) passes it on to the parent.
+    virtual DrawFlags OnMouseWheel(GUI::Event* e, int delta);
 
     /// Expires when this control is destroyed. Code that calls out to host code (signals, callbacks)
     /// takes one first and stops touching the control when it has expired: a handler may delete the

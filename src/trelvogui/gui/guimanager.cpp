@@ -806,6 +806,27 @@ DrawFlags GUIManager::mouseReleaseEvent(VX_UI::MouseEvent* e) {
     return result;
 }
 
+DrawFlags GUIManager::mouseWheel(VX_UI::MouseWheelEvent* e) {
+    if (!e || e->delta == 0)
+        return DRAW_NOTHING;
+    VX_UI::MouseEvent at = pointer_;
+    HitDetect(at.x, GUI::Geometry::SubSaturated(height_, at.y), &at.pid, &at.sid);
+    GUI::Event event = controlEvent(at);
+    for (GUI::Controls::Base* control = addressed(at.pid); control;) {
+        // The handler may delete the control (and its parents): stop if it did.
+        const std::weak_ptr<const void> alive = control->LifeToken();
+        const DrawFlags result = control->OnMouseWheel(&event, e->delta);
+        if (result != DRAW_NOTHING) {
+            e->accepted = 1;
+            return result;
+        }
+        if (alive.expired())
+            break;
+        control = control->Parent();
+    }
+    return DRAW_NOTHING;
+}
+
 bool GUIManager::AddControl(GUI::Controls::Base* control) {
     if (!control) {
         LogFile::Instance().AddLine(LogLevel::Warning, "GUIManager::AddControl(): The control is null.\n");

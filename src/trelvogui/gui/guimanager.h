@@ -88,6 +88,9 @@ public:
     DrawFlags mousePressEvent(VX_UI::MouseEvent* e) override;
     DrawFlags mouseMoveEvent(VX_UI::MouseEvent* e) override;
     DrawFlags mouseReleaseEvent(VX_UI::MouseEvent* e) override;
+    /// Offers the wheel to the control under the pointer (where the last pointer event left it), then
+    /// to its parents, until one consumes it.
+    DrawFlags mouseWheel(VX_UI::MouseWheelEvent* e) override;
 
     /// Raises the flag (firing the signal on a false-to-true change); never clears it.
     void SetNeedsRedraw(bool v);
