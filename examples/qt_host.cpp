@@ -1,6 +1,6 @@
 // The minimal host's overlay in a QOpenGLWidget, with the transform gizmo on a cube and the view
 // cube. The backend draws the overlay after paintGL and asks for frames through update() only when
-// something changed, so an idle window draws nothing. Optional argument: frames to draw, then quit.
+// something changed, so an idle window draws nothing.
 #include "toolsui.h"
 
 #include <trelvogui/backends/qt/qtbackend.h>
@@ -24,8 +24,7 @@ void main() {
     gl_Position = mvp * vec4(color - 0.5, 1.0);
 })";
 const char* kFragment = R"(#version 330 core
-in vec3 color;
-out vec4 fragColor;
+in vec3 color; out vec4 fragColor;
 void main() { fragColor = vec4(0.3 + 0.6 * color, 1.0); })";
 
 class View : public QOpenGLWidget, QOpenGLExtraFunctions {
@@ -51,16 +50,14 @@ public:
         program.addShaderFromSourceCode(QOpenGLShader::Fragment, kFragment);
         glGenVertexArrays(1, &vao);
         const int w = width() * devicePixelRatio(), h = height() * devicePixelRatio();
-        if (!program.link() || !manager->Initialize())
+        gizmo = std::make_unique<ManipulatorControl>(camera);
+        viewCube = std::make_unique<TriadControl>(camera, light); // lower-left corner
+        if (!program.link() || !manager->Initialize() || !gizmo->Initialize() || !viewCube->Initialize())
             std::exit(1);
         manager->Resize(w, h); // framebuffer pixels
         camera->SetPosition({2.4f, 1.8f, 3.2f});
         resizeGL(width(), height());
         ui = std::make_unique<example::ToolsUI>(manager, w, h);
-        gizmo = std::make_unique<ManipulatorControl>(camera);
-        viewCube = std::make_unique<TriadControl>(camera, light); // lower-left corner
-        if (!gizmo->Initialize() || !viewCube->Initialize())
-            std::exit(1);
         gizmo->attachFrame(cube); // the gizmo moves, turns and scales the cube's frame
         gizmo->Register(manager);
         viewCube->Register(manager);
@@ -84,28 +81,20 @@ public:
         glUniformMatrix4fv(program.uniformLocation("mvp"), 1, GL_FALSE, glm::value_ptr(mvp));
         glBindVertexArray(vao);
         glDrawArrays(GL_TRIANGLE_STRIP, 0, 14);
-        glBindVertexArray(0);
-        program.release();
         glDisable(GL_DEPTH_TEST);
     }
 };
 
 int main(int argc, char** argv) {
-    QSurfaceFormat format; // an OpenGL 3.3 core context with a depth buffer for the cube
+    QSurfaceFormat format = QSurfaceFormat::defaultFormat(); // OpenGL 3.3 core, depth for the cube
     format.setVersion(3, 3);
     format.setProfile(QSurfaceFormat::CoreProfile);
     format.setDepthBufferSize(24);
     QSurfaceFormat::setDefaultFormat(format);
     QApplication app(argc, argv);
-    const int frames = argc > 1 ? std::atoi(argv[1]) : -1;
     View view;
     view.setWindowTitle("TrelvoGUI Qt host");
     view.resize(640, 400);
-    int drawn = 0;
-    QObject::connect(&view, &QOpenGLWidget::frameSwapped, [&] {
-        if (++drawn == frames)
-            app.quit();
-    });
     view.show();
     return app.exec();
 }
