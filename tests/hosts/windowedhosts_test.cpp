@@ -143,6 +143,10 @@ struct HostCase {
     bool events; // the minimal host's layout: a "First" button and a resizable notes panel
 };
 
+void PrintTo(const HostCase& host, std::ostream* os) {
+    *os << host.name;
+}
+
 /// The host's top-level window on the screen: its pixels and pointer actions in window pixels.
 class HostWindow {
 public:
