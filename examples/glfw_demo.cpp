@@ -68,6 +68,8 @@ int main(int argc, char** argv) {
                     hostOf(w)->Resize(fw, fh);
             });
             GUI::GLFWBackend input(window, host.Manager());
+            // The host acts on what input did: camera and light moved by the widgets, the scene.
+            input.DrawFlagsSignal.connect([&host](DrawFlags flags) { host.SetDrawFlags(flags); });
             if (still) {
                 GUI::Event click{};
                 host.RotateSwitch()->OnClick(&click); // what a click on the switch does

@@ -146,8 +146,10 @@ void GLFWBackend::RequestFrame() {
 
 void GLFWBackend::SetDrawFlags(DrawFlags flags) {
     GraphicsScene::SetDrawFlags(flags);
-    if (flags != DRAW_NOTHING)
-        requested_ = true;
+    if (flags == DRAW_NOTHING)
+        return;
+    requested_ = true;
+    DrawFlagsSignal(flags);
 }
 
 void GLFWBackend::onRefresh(GLFWwindow* window) {

@@ -7,6 +7,8 @@
 #include <graphicsbase/graphicsscene.h>
 #include <graphicsbase/uievents.h>
 
+#include <boost/signals2/signal.hpp>
+
 #include <atomic>
 #include <memory>
 
@@ -35,6 +37,10 @@ class GUIManager;
 /// context made current for it; the host's current context is put back afterwards.
 class TRELVOGUI_GLFW_EXPORT GLFWBackend : public GraphicsScene {
 public:
+    /// Every non-zero input result, for hosts that act on more than the overlay's redraw (a camera
+    /// moved by the view cube, the scene changed by the gizmo).
+    boost::signals2::signal<void(DrawFlags)> DrawFlagsSignal;
+
     /// Installs the callbacks. The manager must outlive the backend; destroy the backend before the
     /// window.
     GLFWBackend(GLFWwindow* window, GUIManager& manager);

@@ -180,8 +180,10 @@ void SDLBackend::RequestFrame() {
 
 void SDLBackend::SetDrawFlags(DrawFlags flags) {
     GraphicsScene::SetDrawFlags(flags);
-    if (flags != DRAW_NOTHING)
-        requested_ = true;
+    if (flags == DRAW_NOTHING)
+        return;
+    requested_ = true;
+    DrawFlagsSignal(flags);
 }
 
 bool SDLBackend::ProcessEvent(const SDL_Event& event) {

@@ -7,6 +7,8 @@
 #include <graphicsbase/graphicsscene.h>
 #include <graphicsbase/uievents.h>
 
+#include <boost/signals2/signal.hpp>
+
 #include <atomic>
 #include <cstdint>
 #include <memory>
@@ -37,6 +39,10 @@ class GUIManager;
 ///     }
 class TRELVOGUI_SDL_EXPORT SDLBackend : public GraphicsScene {
 public:
+    /// Every non-zero input result, for hosts that act on more than the overlay's redraw (a camera
+    /// moved by the view cube, the scene changed by the gizmo).
+    boost::signals2::signal<void(DrawFlags)> DrawFlagsSignal;
+
     /// `context` is the window's OpenGL context; overlay work done for an event runs with it made
     /// current, and the host's current context is put back afterwards.
     SDLBackend(SDL_Window* window, void* context, GUIManager& manager);
