@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QOpenGLWidget>
+#include <QOpenGLWindow>
 #include <QSurfaceFormat>
 #include <QTest>
 
@@ -19,28 +20,43 @@
 
 namespace {
 
-/// A host view: initialises the overlay in initializeGL (unless told not to) and counts the presses
-/// that reach its own handler.
-class View : public QOpenGLWidget {
-public:
-    explicit View(bool overlay) : overlay_(overlay) { resize(256, 256); }
-    ~View() override { makeCurrent(); }
-    void initializeGL() override {
-        if (!overlay_)
-            return;
+/// What each host view initialises in initializeGL: the overlay and one button on it.
+struct Overlay {
+    void Start() {
         ASSERT_TRUE(manager->Initialize());
         manager->Resize(256, 256);
         button.SetRectangle({10, 90, 200, 240});
         button.Register(manager);
     }
-    void mousePressEvent(QMouseEvent*) override { ++hostPresses; }
-
     std::shared_ptr<GUI::GUIManager> manager = std::make_shared<GUI::GUIManager>();
     GUI::Controls::Button button;
+};
+
+/// A widget host (the overlay drawn after its paintGL by the backend) that counts the presses that
+/// reach its own handler; it can leave the overlay uninitialised.
+class View : public QOpenGLWidget, public Overlay {
+public:
+    explicit View(bool overlay) : overlay_(overlay) { resize(256, 256); }
+    ~View() override { makeCurrent(); }
+    void initializeGL() override {
+        if (overlay_)
+            Start();
+    }
+    void mousePressEvent(QMouseEvent*) override { ++hostPresses; }
     int hostPresses = 0;
 
 private:
     bool overlay_;
+};
+
+/// A window host draws the overlay itself, from paintOverGL.
+class WindowView : public QOpenGLWindow, public Overlay {
+public:
+    WindowView() { resize(256, 256); }
+    ~WindowView() override { makeCurrent(); }
+    void initializeGL() override { Start(); }
+    void paintOverGL() override { input->Paint(); }
+    GUI::QtBackend* input = nullptr;
 };
 
 class QtBackendTest : public ::testing::Test {
@@ -68,7 +84,7 @@ protected:
         for (const auto& line : log->Lines())
             EXPECT_EQ(line.find("Opengl assert"), std::string::npos) << line;
     }
-    static bool shown(View& view, GUI::QtBackend& input) {
+    template <class V> static bool shown(V& view, GUI::QtBackend& input) {
         view.show();
         return QTest::qWaitForWindowExposed(&view) &&
                QTest::qWaitFor([&] { return input.Frames() > 0; }, 5000);
@@ -97,6 +113,17 @@ TEST_F(QtBackendTest, ClicksReachTheOverlayAndTheRestReachesTheView) {
     EXPECT_TRUE(log->Contains("QtBackend: the view already has a backend.\n"));
     view.doneCurrent();
     EXPECT_FALSE(input.Paint()) << "no current context";
+}
+
+TEST_F(QtBackendTest, AWindowHostGetsTheSameEventsAndPaintsTheOverlayItself) {
+    WindowView view;
+    GUI::QtBackend input(&view, *view.manager);
+    view.input = &input;
+    ASSERT_TRUE(shown(view, input));
+    int clicks = 0;
+    view.button.ClickedSignal.connect([&] { ++clicks; });
+    QTest::mouseClick(&view, Qt::LeftButton, {}, QPoint(50, 36));
+    EXPECT_EQ(clicks, 1);
 }
 
 TEST_F(QtBackendTest, EarlyEventsGoToTheViewAndADestroyedViewDetaches) {
