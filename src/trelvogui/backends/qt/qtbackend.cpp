@@ -43,9 +43,14 @@ QtBackend::QtBackend(QOpenGLWidget* widget, GUIManager& manager)
     : widget_(widget), manager_(&manager), input_(std::make_unique<GUIInputManager>(*this)),
       traceFrames_(detail::TraceFramesRequested()) {
     attach(widget);
-    // Touch reaches a widget only when it asks for it; points no handler takes become mouse events.
-    if (installed_)
-        widget->setAttribute(Qt::WA_AcceptTouchEvents);
+    if (!installed_)
+        return;
+    // A widget gets moves without a button held (hover), touch points and keys only when it asks
+    // for them; touch points no handler takes still become mouse events.
+    widget->setMouseTracking(true);
+    widget->setAttribute(Qt::WA_AcceptTouchEvents);
+    if (widget->focusPolicy() == Qt::NoFocus)
+        widget->setFocusPolicy(Qt::StrongFocus);
 }
 
 QtBackend::QtBackend(QOpenGLWindow* window, GUIManager& manager)

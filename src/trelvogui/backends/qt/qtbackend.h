@@ -33,6 +33,9 @@ class GUIManager;
 /// non-zero input result calls the view's update(); nothing runs on a timer, so an idle view draws
 /// nothing.
 ///
+/// On a widget it switches on mouse tracking and touch events, and gives a widget without a focus
+/// policy the strong one, so that hover, touch and keys arrive.
+///
 /// Usage: construct it with the view (before or after the context exists); initialise the manager in
 /// the view's initializeGL. A QOpenGLWidget gets the overlay drawn after each paintGL by itself; a
 /// QOpenGLWindow host calls Paint() from its paintOverGL.
