@@ -159,6 +159,16 @@ TEST_F(GLFWBackendTest, FramesAreDueOnlyAfterAChangeAndMisuseIsRefused) {
     EXPECT_FALSE(input.WaitForFrame());
 }
 
+TEST_F(GLFWBackendTest, ABackendOutlivingGLFWLeavesTheDestroyedWindowAlone) {
+    auto input = std::make_unique<GUI::GLFWBackend>(window, *manager);
+    ASSERT_TRUE(input->Installed());
+    manager.reset();
+    glfwTerminate(); // destroys the window under the backend
+    window = nullptr;
+    input.reset();
+    EXPECT_TRUE(log->Contains("GLFWBackend: GLFW was terminated before the backend was destroyed.\n"));
+}
+
 TEST_F(GLFWBackendTest, WheelKeysAndTouchReachTheHostsHandlers) {
     GUI::GLFWBackend input(window, *manager);
     Recorder recorder;
