@@ -42,8 +42,11 @@ public:
 class GLFWBackendTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        if (!glfwInit())
-            GTEST_SKIP() << "no display for GLFW";
+        if (!glfwInit()) {
+            const char* why = nullptr;
+            glfwGetError(&why);
+            GTEST_SKIP() << "no display for GLFW: " << (why ? why : "");
+        }
         GUI::GLFWBackend::RequestOpenGL33();
         glfwWindowHint(GLFW_VISIBLE, GLFW_FALSE);
         window = glfwCreateWindow(256, 256, "backend test", nullptr, nullptr);

@@ -127,6 +127,10 @@ bool GLFWBackend::WaitForFrame() {
         std::printf("GLFWBackend::WaitForFrame(): the backend is not installed.\n");
         return false;
     }
+    // Back for the next frame: the last one is drawn and swapped.
+    if (frameOpen_)
+        detail::TraceFrame(traceFrames_, frames_);
+    frameOpen_ = false;
     if (pending())
         glfwPollEvents();
     else
@@ -135,7 +139,8 @@ bool GLFWBackend::WaitForFrame() {
     if (glfwWindowShouldClose(window_))
         return false;
     requested_ = false;
-    detail::TraceFrame(traceFrames_, ++frames_);
+    ++frames_;
+    frameOpen_ = true;
     return true;
 }
 

@@ -107,6 +107,7 @@ private:
     std::atomic<bool> requested_{true};
     int frames_ = 0;
     bool traceFrames_ = false;
+    bool frameOpen_ = false;
 };
 
 } // namespace GUI

@@ -80,6 +80,14 @@ void QtBackend::attach(QObject* view) {
     input_->addScreenHandler(manager_);
     redrawRequest_ = manager_->RedrawRequestSignal.connect([this] { update(); });
     view->installEventFilter(this);
+    const auto swapped = [this] {
+        if (frames_ > tracedFrames_)
+            detail::TraceFrame(traceFrames_, tracedFrames_ = frames_);
+    };
+    if (widget_)
+        connect(widget_.data(), &QOpenGLWidget::frameSwapped, this, swapped);
+    else
+        connect(window_.data(), &QOpenGLWindow::frameSwapped, this, swapped);
     // A view destroyed first (its parent went) leaves a backend that does nothing.
     connect(view, &QObject::destroyed, this, [this] {
         LogFile::Instance().AddLine(LogLevel::Info,
@@ -149,7 +157,7 @@ bool QtBackend::Paint() {
     manager_->UpdateLayers();
     manager_->Draw();
     paintedInPaintGL_ = painting_;
-    detail::TraceFrame(traceFrames_, ++frames_);
+    ++frames_;
     // A running animation wants the next frame as well.
     if (manager_->NeedsRedraw())
         update();

@@ -94,6 +94,7 @@ private:
     int lastX_ = 0;
     int lastY_ = 0;
     int frames_ = 0;
+    int tracedFrames_ = 0;
     bool traceFrames_ = false;
 };
 

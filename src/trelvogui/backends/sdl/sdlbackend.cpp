@@ -155,6 +155,10 @@ void SDLBackend::toPixels(float x, float y, int* px, int* py) const {
 }
 
 bool SDLBackend::NextEvent(SDL_Event* event) {
+    // Back for events: the last frame is drawn and swapped.
+    if (frameOpen_)
+        detail::TraceFrame(traceFrames_, frames_);
+    frameOpen_ = false;
     for (;;) {
         const bool due = requested_ || (installed_ && manager_->NeedsRedraw());
         if (due ? !SDL_PollEvent(event) : !SDL_WaitEvent(event)) {
@@ -163,7 +167,8 @@ bool SDLBackend::NextEvent(SDL_Event* event) {
                 return false;
             }
             requested_ = false;
-            detail::TraceFrame(traceFrames_, ++frames_);
+            ++frames_;
+            frameOpen_ = true;
             return false;
         }
         if (event->type != wakeEventType())
