@@ -81,8 +81,9 @@ void QtBackend::attach(QObject* view) {
     redrawRequest_ = manager_->RedrawRequestSignal.connect([this] { update(); });
     view->installEventFilter(this);
     const auto swapped = [this] {
-        if (frames_ > tracedFrames_)
-            detail::TraceFrame(traceFrames_, tracedFrames_ = frames_);
+        // Qt may paint twice before it swaps once.
+        while (tracedFrames_ < frames_)
+            detail::TraceFrame(traceFrames_, ++tracedFrames_);
     };
     if (widget_)
         connect(widget_.data(), &QOpenGLWidget::frameSwapped, this, swapped);
