@@ -27,6 +27,7 @@
 #include <backends/imgui_impl_opengl3.h>
 #include <imgui.h>
 
+#include <malloc.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -270,8 +271,10 @@ void Clear() {
     peer::Clear(kWidth, kHeight);
 }
 
-/// Resident set size now, in KiB.
+/// Resident set size now, in KiB. Freed heap pages go back to the system first, so that what the
+/// previous size's UIs freed is not counted as room the next one grows into unseen.
 long ResidentKiB() {
+    malloc_trim(0);
     long pages = 0, resident = 0;
     if (FILE* f = std::fopen("/proc/self/statm", "r")) {
         if (std::fscanf(f, "%ld %ld", &pages, &resident) != 2)
@@ -387,10 +390,12 @@ int main(int argc, char** argv) {
         // one frame drawn (llvmpipe keeps GL storage in process memory, so it is counted there too).
         GLMemory glBefore = GLMemory::Now();
         long before = ResidentKiB();
+        const size_t heapBefore = mallinfo2().uordblks;
         auto trelvo = std::make_unique<TrelvoUI>(n, false);
         trelvo->Frame();
         glFinish();
         long trelvoRss = ResidentKiB() - before;
+        const double trelvoHeap = double(mallinfo2().uordblks - heapBefore);
         GLMemory trelvoGL = GLMemory::Now(&glBefore);
         auto imgui = std::make_unique<ImGuiUI>(n);
         glFinish();
@@ -471,9 +476,10 @@ int main(int argc, char** argv) {
         auto mib = [](double bytes) { return bytes / 1048576.0; };
         std::printf(
             "| %d | memory: resident growth when built and drawn once | %.1f MiB | %.1f MiB | %.2fx | "
-            "GL: view layers %.1f, other colour textures %.1f, id textures %.1f, buffers %.1f MiB | "
+            "heap %.1f; GL: view layers %.1f, other colour textures %.1f, id textures %.1f, buffers %.1f MiB "
+            "| "
             "GL: %.1f MiB | %.2fx | |\n",
-            n, trelvoRss / 1024.0, imguiRss / 1024.0, double(trelvoRss) / double(imguiRss),
+            n, trelvoRss / 1024.0, imguiRss / 1024.0, double(trelvoRss) / double(imguiRss), mib(trelvoHeap),
             mib(trelvoGL.viewLayers), mib(trelvoGL.colour), mib(trelvoGL.ids), mib(trelvoGL.buffer),
             mib(imguiGL.Total()), trelvoGL.Total() / imguiGL.Total());
         ratios.push_back({"memory", n, double(trelvoRss) / double(imguiRss)});
