@@ -39,7 +39,6 @@ std::array<uint32_t, 4> GLTest::ReadIds(int x, int y, unsigned attachment) {
     glFinish(); // the layers are drawn without waiting: let them land before reading
     glReadPixels(x, y, 1, 1, GL_RGBA_INTEGER, GL_UNSIGNED_INT, p.data());
     glReadBuffer(GL_COLOR_ATTACHMENT0);
-    p[2] = p[3] = 0; // an id layer stores the two ids alone; GL fills in the other words
     return p;
 }
 

@@ -26,8 +26,7 @@ protected:
 
     /// Reads one RGBA8 pixel of the currently bound read framebuffer.
     std::array<uint8_t, 4> ReadColor(int x, int y);
-    /// Reads the two ids of one texel (the last two words 0) of the currently bound read framebuffer's given
-    /// attachment.
+    /// Reads one RGBA32UI texel of the currently bound read framebuffer's given attachment.
     std::array<uint32_t, 4> ReadIds(int x, int y, unsigned attachment = 1);
     /// Reads a whole RGBA8 region, rows bottom-up as GL returns them.
     std::vector<uint8_t> ReadColorRegion(int x, int y, int width, int height);

@@ -176,7 +176,7 @@ void GUIManager::Resize(int width, int height) {
         width = std::min(width, maxLayerSize_);
         height = std::min(height, maxLayerSize_);
     }
-    // The layers hold 16 bytes a pixel; far past any display, memory runs out before the side limit.
+    // The layers hold 24 bytes a pixel; far past any display, memory runs out before the side limit.
     if (static_cast<long long>(width) * height > kMaxLayerPixels) {
         LogFile::Instance().AddLine(
             LogLevel::Warning,
@@ -253,7 +253,7 @@ void GUIManager::InitLayers() {
     };
     const Layer layers[] = {
         {&colorLayer_, GL_RGBA, GL_RGBA, GL_UNSIGNED_BYTE, GL_COLOR_ATTACHMENT0},
-        {&idLayer_, GL_RG32UI, GL_RGBA_INTEGER, GL_UNSIGNED_INT, GL_COLOR_ATTACHMENT1},
+        {&idLayer_, GL_RGBA32UI, GL_RGBA_INTEGER, GL_UNSIGNED_INT, GL_COLOR_ATTACHMENT1},
         {&depthLayer_, GL_DEPTH_COMPONENT24, GL_DEPTH_COMPONENT, GL_UNSIGNED_INT, GL_DEPTH_ATTACHMENT},
     };
     for (const Layer& l : layers) {

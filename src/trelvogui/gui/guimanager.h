@@ -117,7 +117,7 @@ public:
     GUI::Renderer::Base* GetRenderer() { return renderer_; }
     GUI::Texture::Atlas* GetTextureAtlas() { return atlas_; }
     int GetWidth() const { return width_; }
-    /// Views of more pixels are clamped: the layers alone take 16 bytes a pixel (1 GiB here).
+    /// Views of more pixels are clamped: the layers alone take 24 bytes a pixel (1.5 GiB here).
     static constexpr long long kMaxLayerPixels = 64ll * 1024 * 1024;
     /// The largest layer side the context allows (its texture and viewport limits), known after
     /// Initialize. Views and control layers beyond it are clamped with a message.

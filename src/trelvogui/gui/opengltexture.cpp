@@ -26,7 +26,7 @@ bool StorageFor(int32_t format, Storage& out) {
         out = {GL_RGBA, GL_RGBA, GL_UNSIGNED_BYTE};
         return true;
     case Identifier:
-        out = {GL_RG32UI, GL_RGBA_INTEGER, GL_UNSIGNED_INT};
+        out = {GL_RGBA32UI, GL_RGBA_INTEGER, GL_UNSIGNED_INT};
         return true;
     case SrgbColor:
         out = {GL_SRGB8_ALPHA8, GL_RGBA, GL_UNSIGNED_BYTE};
@@ -69,7 +69,7 @@ bool OpenglTexture::Allocate() {
                     width_, height_, limit);
         return false;
     }
-    // Within the side limit a texture can still exhaust memory (an id texture holds 8 bytes a pixel),
+    // Within the side limit a texture can still exhaust memory (an id texture holds 16 bytes a pixel),
     // which a driver reports only as an out-of-memory error after the fact.
     if (static_cast<long long>(width_) * height_ > kMaxPixels) {
         std::printf("OpenglTexture::Allocate(): Texture size %d %d exceeds the budget of %lld pixels.\n",

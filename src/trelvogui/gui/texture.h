@@ -7,7 +7,7 @@
 
 namespace GUI::Texture {
 
-/// 0 colour (RGBA8), 1 identifiers (RG32UI: primary and secondary id), 2 sRGB colour.
+/// 0 colour (RGBA8), 1 identifiers (RGBA32UI), 2 sRGB colour.
 enum TextureFormat : int32_t { Color = 0, Identifier = 1, SrgbColor = 2 };
 
 /// A texture created by the renderer's GenerateTexture. `valid` marks contents as current; text
