@@ -15,6 +15,10 @@ cmake --build --preset bench
 ./build/bench/bench/trelvogui_bench --benchmark_min_time=0.5 "$@"
 if [ -x build/bench/bench/trelvogui_peer_bench ]; then
     ./build/bench/bench/trelvogui_peer_bench
+    # Memory of the larger sizes, each in a process of its own (the run above gives N = 10's).
+    for n in 100 1000; do
+        ./build/bench/bench/trelvogui_peer_bench --case memory --n "$n" | grep "^RATIO memory "
+    done
 fi
 if [ -x build/bench/bench/trelvogui_chart_peer_bench ]; then
     ./build/bench/bench/trelvogui_chart_peer_bench

@@ -1,16 +1,22 @@
 // The same UI in TrelvoGUI and in Dear ImGui on one headless context: N push buttons with 13-pixel
 // text in panels of 25, at 1280 x 720. Frames of both are measured in alternating blocks, so that the
 // machine's noise hits both alike, and reported as medians (CPU time of the frame, and wall time with
-// glFinish), with ratios to the peer and to the floor of one full-view blended quad.
+// glFinish), with ratios to the peer and to the floor of one full-view blended quad. Every ratio is
+// printed once more as a line `RATIO <case> <N> <value>` (TrelvoGUI over the peer) for scripts.
 //
 //     peer_bench [--blocks B] [--frames F] [--case WORD] [--n N]
 #include <trelvogui/gui/button.h>
 #include <trelvogui/gui/guimanager.h>
 #include <trelvogui/gui/label.h>
 #include <trelvogui/gui/panel.h>
+#include <trelvogui/lightcontrol.h>
 #include <trelvogui/manipulatorcontrol.h>
+#include <trelvogui/planecontrol.h>
+#include <trelvogui/triadcontrol.h>
 
 #include <graphicsbase/camera.h>
+#include <graphicsbase/directionallight.h>
+#include <graphicsbase/localframe.h>
 
 #include <graphicsbase/headlesscontext.h>
 
@@ -21,6 +27,7 @@
 #include <backends/imgui_impl_opengl3.h>
 #include <imgui.h>
 
+#include <malloc.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -61,18 +68,35 @@ using peer::Sample;
 
 class TrelvoUI {
 public:
-    /// With `gizmo`, a transform gizmo over the host's scene as well, following its camera.
-    TrelvoUI(int n, bool gizmo) : manager_(std::make_shared<GUI::GUIManager>()) {
+    /// With `scene`, the camera-following widgets of a 3D viewer as well: a gizmo on the host's cube,
+    /// a plane widget beside it, the view cube and the light widget.
+    TrelvoUI(int n, bool scene) : manager_(std::make_shared<GUI::GUIManager>()) {
         manager_->Initialize();
         manager_->Resize(kWidth, kHeight);
-        if (gizmo) {
+        if (scene) {
             camera_ = std::make_shared<Camera>();
             camera_->SetViewport(kWidth, kHeight);
-            camera_->CalcMatrices();
-            gizmo_ = std::make_unique<ManipulatorControl>(camera_);
-            gizmo_->Initialize();
-            gizmo_->transformationSignal.connect([] { return DRAW_SCENE; });
-            gizmo_->Register(manager_);
+            OrbitCamera(0);
+            auto light = std::make_shared<DirectionalLight>();
+            cube_ = std::make_shared<LocalFrame>();
+            auto gizmo = std::make_unique<ManipulatorControl>(camera_);
+            auto plane = std::make_unique<PlaneControl>(camera_);
+            if (gizmo->Initialize())
+                gizmo->attachFrame(cube_);
+            if (plane->Initialize())
+                plane->setPosition(-1.5f, 0.f, 0.f);
+            auto triad = std::make_unique<TriadControl>(camera_, light);
+            triad->Initialize();
+            auto lamp = std::make_unique<LightControl>(light);
+            lamp->Initialize();
+            gizmo->transformationSignal.connect([] { return DRAW_SCENE; });
+            plane->transformationSignal.connect([] { return DRAW_SCENE; });
+            widgets_.push_back(std::move(gizmo));
+            widgets_.push_back(std::move(plane));
+            widgets_.push_back(std::move(triad));
+            widgets_.push_back(std::move(lamp));
+            for (auto& w : widgets_)
+                w->Register(manager_);
         }
         Layout l;
         for (int p = 0; p * kPerPanel < n; ++p) {
@@ -94,7 +118,7 @@ public:
         manager_->UpdateLayers();
     }
     ~TrelvoUI() {
-        gizmo_.reset();
+        widgets_.clear();
         buttons_.clear();
         panels_.clear();
         manager_.reset();
@@ -129,7 +153,8 @@ public:
 private:
     std::shared_ptr<GUI::GUIManager> manager_;
     std::shared_ptr<Camera> camera_;
-    std::unique_ptr<ManipulatorControl> gizmo_;
+    std::shared_ptr<LocalFrame> cube_;
+    std::vector<std::unique_ptr<GUI::Controls::Base>> widgets_;
     std::vector<std::unique_ptr<GUI::Controls::Panel>> panels_;
     std::vector<std::unique_ptr<GUI::Controls::Button>> buttons_;
     int lastX_ = 0, lastY_ = 0;
@@ -246,8 +271,10 @@ void Clear() {
     peer::Clear(kWidth, kHeight);
 }
 
-/// Resident set size now, in KiB.
+/// Resident set size now, in KiB. Freed heap pages go back to the system first, so that what the
+/// previous size's UIs freed is not counted as room the next one grows into unseen.
 long ResidentKiB() {
+    malloc_trim(0);
     long pages = 0, resident = 0;
     if (FILE* f = std::fopen("/proc/self/statm", "r")) {
         if (std::fscanf(f, "%ld %ld", &pages, &resident) != 2)
@@ -255,6 +282,52 @@ long ResidentKiB() {
         std::fclose(f);
     }
     return resident * (sysconf(_SC_PAGESIZE) / 1024);
+}
+
+/// GL memory held by the textures and buffers a library created, by kind, in bytes: the names
+/// that exist now and did not in `before` (names are small integers handed out in order).
+struct GLMemory {
+    static constexpr GLuint kScan = 20000;
+    std::vector<bool> textures = std::vector<bool>(kScan), buffers = std::vector<bool>(kScan);
+    double viewLayers = 0, colour = 0, ids = 0, buffer = 0;
+    static GLMemory Now(const GLMemory* before = nullptr) {
+        GLMemory m;
+        for (GLuint name = 1; name < kScan; ++name) {
+            m.textures[name] = glIsTexture(name);
+            m.buffers[name] = glIsBuffer(name);
+            if (m.textures[name] && !(before && before->textures[name]))
+                m.AddTexture(name);
+            if (m.buffers[name] && !(before && before->buffers[name])) {
+                GLint size = 0;
+                glGetNamedBufferParameteriv(name, GL_BUFFER_SIZE, &size);
+                m.buffer += size;
+            }
+        }
+        return m;
+    }
+    void AddTexture(GLuint name) {
+        GLint w = 0, h = 0, format = 0, target = 0;
+        glGetTextureParameteriv(name, GL_TEXTURE_TARGET, &target);
+        if (target != GL_TEXTURE_2D)
+            return;
+        glGetTextureLevelParameteriv(name, 0, GL_TEXTURE_WIDTH, &w);
+        glGetTextureLevelParameteriv(name, 0, GL_TEXTURE_HEIGHT, &h);
+        glGetTextureLevelParameteriv(name, 0, GL_TEXTURE_INTERNAL_FORMAT, &format);
+        // Integer formats hold ids; everything else here is four bytes a pixel of colour or depth.
+        const std::pair<GLint, double> idFormats[] = {{GL_RGBA32UI, 16}, {GL_RG32UI, 8}, {GL_R32UI, 4}};
+        double bytesPerPixel = 4;
+        bool id = false;
+        for (auto [f, size] : idFormats)
+            if (format == f)
+                bytesPerPixel = size, id = true;
+        double bytes = double(w) * h * bytesPerPixel;
+        (w == kWidth && h == kHeight ? viewLayers : id ? ids : colour) += bytes;
+    }
+    double Total() const { return viewLayers + colour + ids + buffer; }
+};
+
+void PrintRatio(const char* name, int n, double value) {
+    std::printf("RATIO %s %d %.3f\n", name, n, value);
 }
 
 } // namespace
@@ -292,24 +365,42 @@ int main(int argc, char** argv) {
                 "/ floor |\n");
     std::printf("|---|---|---|---|---|---|---|---|---|\n");
 
+    struct Ratio {
+        std::string name;
+        int n;
+        double value;
+    };
+    std::vector<Ratio> ratios;
     for (int n : sizes) {
         Layout l;
+        // Memory: what each library adds to the resident set of the process with its context, after
+        // one frame drawn (llvmpipe keeps GL storage in process memory, so it is counted there too).
+        GLMemory glBefore = GLMemory::Now();
         long before = ResidentKiB();
+        const size_t heapBefore = mallinfo2().uordblks;
         auto trelvo = std::make_unique<TrelvoUI>(n, false);
+        trelvo->Frame();
+        glFinish();
         long trelvoRss = ResidentKiB() - before;
+        const double trelvoHeap = double(mallinfo2().uordblks - heapBefore);
+        GLMemory trelvoGL = GLMemory::Now(&glBefore);
         auto imgui = std::make_unique<ImGuiUI>(n);
+        glFinish();
         long imguiRss = ResidentKiB() - before - trelvoRss;
+        GLMemory imguiGL = GLMemory::Now(&trelvoGL);
         // The same UI with a gizmo over the scene, for the frame in which only the camera moved.
         auto withGizmo = std::make_unique<TrelvoUI>(n, true);
         struct Case {
+            const char* key; // of the RATIO lines; none for cases that compare unlike work
             const char* name;
             std::function<void(int)> trelvoFrame, imguiFrame;
         };
         int hoverIndex = 0;
         const Case cases[] = {
-            {"idle frame", [&](int) { Clear(), trelvo->Frame(); }, [&](int) { Clear(), imgui->Frame(); }},
+            {"idle", "idle frame", [&](int) { Clear(), trelvo->Frame(); },
+             [&](int) { Clear(), imgui->Frame(); }},
             // The pointer event arrives between frames, before the host starts drawing.
-            {"hover frame (pointer onto the next button)",
+            {"hover", "hover frame (pointer onto the next button)",
              [&](int) {
                  hoverIndex = (hoverIndex + 1) % n;
                  trelvo->Move(l.centreX(hoverIndex), l.centreY(hoverIndex));
@@ -323,14 +414,14 @@ int main(int argc, char** argv) {
              }},
             // TrelvoGUI answers such a move with DrawFlags 0: the host draws no frame, so the event is
             // the whole cost. ImGui learns that nothing changed only by building a frame.
-            {"pointer move that changes nothing (TrelvoGUI: the event alone)",
+            {nullptr, "pointer move that changes nothing (TrelvoGUI: the event alone)",
              [&](int k) { trelvo->Move(l.centreX(0) + (k & 1), l.centreY(0)); },
              [&](int k) {
                  imgui->Move(l.centreX(0) + (k & 1), l.centreY(0));
                  Clear();
                  imgui->Frame();
              }},
-            {"full re-render",
+            {"rerender", "full re-render",
              [&](int) {
                  Clear();
                  trelvo->RestaleAll();
@@ -338,7 +429,8 @@ int main(int argc, char** argv) {
              },
              [&](int) { Clear(), imgui->Frame(); }},
             // ImGui has no scene widget: its frame is what it pays whatever moved.
-            {"only the camera moved (TrelvoGUI: with a gizmo over the scene)",
+            {"orbit",
+             "orbit: only the camera moved (TrelvoGUI: with the gizmo, plane, view cube and light widget)",
              [&](int k) {
                  Clear();
                  withGizmo->OrbitCamera(k);
@@ -347,7 +439,7 @@ int main(int argc, char** argv) {
              [&](int) { Clear(), imgui->Frame(); }},
         };
         for (const Case& c : cases) {
-            if (only && !std::strstr(c.name, only))
+            if (only && !std::strstr(c.name, only) && !(c.key && std::strstr(c.key, only)))
                 continue;
             Sample a, b, f;
             for (int block = 0; block < blocks; ++block) {
@@ -363,18 +455,30 @@ int main(int argc, char** argv) {
             const double floorWall = Sample::Median(f.wall);
             std::printf("| %d | %s | %.3f ms | %.3f ms | %.2fx | %.3f ms | %.3f ms | %.2fx | %.2fx |\n", n,
                         c.name, ac * 1e3, bc * 1e3, ac / bc, aw * 1e3, bw * 1e3, aw / bw, aw / floorWall);
+            if (c.key) {
+                ratios.push_back({std::string(c.key) + "_cpu", n, ac / bc});
+                ratios.push_back({std::string(c.key) + "_full", n, aw / bw});
+            }
         }
-        // Layers: colour RGBA8, ids RGBA32UI, depth 24 bits; each panel caches a colour and an id layer.
-        const double layerBytes = double(kWidth) * kHeight * (4 + 16 + 4);
-        const double cachedBytes =
-            double((n + kPerPanel - 1) / kPerPanel) * (kPanelW + 20) * (kPanelH + 20) * 20;
-        std::printf("| %d | memory: resident growth when built | %.1f MiB | %.1f MiB | | layers %.1f MiB | "
-                    "cached panel layers %.1f MiB | | |\n",
-                    n, trelvoRss / 1024.0, imguiRss / 1024.0, layerBytes / 1048576.0,
-                    cachedBytes / 1048576.0);
+        auto mib = [](double bytes) { return bytes / 1048576.0; };
+        std::printf(
+            "| %d | memory: resident growth when built and drawn once | %.1f MiB | %.1f MiB | %.2fx | "
+            "heap %.1f; GL: view layers %.1f, other colour textures %.1f, id textures %.1f, buffers %.1f "
+            "MiB | GL: %.1f MiB | %.2fx | |\n",
+            n, trelvoRss / 1024.0, imguiRss / 1024.0, double(trelvoRss) / double(imguiRss), mib(trelvoHeap),
+            mib(trelvoGL.viewLayers), mib(trelvoGL.colour), mib(trelvoGL.ids), mib(trelvoGL.buffer),
+            mib(imguiGL.Total()), trelvoGL.Total() / imguiGL.Total());
+        // Only the first size of a process gives a fair resident figure: later ones reuse what the
+        // earlier ones' libraries keep (the driver's pools). scripts/bench.sh runs each size alone.
+        if (n == sizes.front())
+            ratios.push_back({"memory", n, double(trelvoRss) / double(imguiRss)});
+        ratios.push_back({"memory_gl", n, trelvoGL.Total() / imguiGL.Total()});
         withGizmo.reset();
         imgui.reset();
         trelvo.reset();
     }
+    std::printf("\n");
+    for (const Ratio& r : ratios)
+        PrintRatio(r.name.c_str(), r.n, r.value);
     return 0;
 }
