@@ -153,7 +153,7 @@ TEST_F(GUIManagerTest, IdleUpdateDrawsNothingAndAChangeRedrawsOnce) {
 }
 
 TEST_F(GUIManagerTest, HoverPressDragReleaseFollowTheTransitionTable) {
-    Probe* a = AddRoot("a", {50, 100, 156, 206}); // host y 50..100
+    Probe* a = AddRoot("a", {50, 100, 156, 206}); // host rows 50..99
     a->SetDraggable(true);
     int clicked = 0;
     a->ClickedSignal.connect([&] { ++clicked; });
@@ -205,7 +205,7 @@ TEST_F(GUIManagerTest, PressingAChildBringsItsRootToTheFront) {
     back->AddChild(&child);
     manager->UpdateLayers();
     EXPECT_EQ(PidAt(75, 75), front->GetId());
-    EXPECT_EQ(Press(5, 251), DrawFlags(9)) << "press on the child at overlay (5, 5)";
+    EXPECT_EQ(Press(5, 250), DrawFlags(9)) << "press on the child at overlay (5, 5)";
     EXPECT_EQ(manager->Controls().back(), back);
     manager->UpdateLayers();
     EXPECT_EQ(PidAt(75, 75), back->GetId()) << "the pressed tree is now drawn last";
@@ -227,15 +227,36 @@ TEST_F(GUIManagerTest, RightButtonIsNotRoutedAndNeitherIsItsRelease) {
     EXPECT_TRUE(journal.empty());
 }
 
-TEST_F(GUIManagerTest, ReleaseAtHostTopRowHitsNothing) {
+TEST_F(GUIManagerTest, PointerRowsHitAControlsTopAndBottomRowsExactly) {
+    // Overlay rows 100..155; host row y is overlay row 255 - y, and the view's top row is host row 0.
+    AddRoot("band", {0, 100, 100, 156});
+    AddRoot("top", {150, 200, 246, 256});
+    manager->UpdateLayers();
+    const struct {
+        int x, hostY;
+        const char* entered;
+    } rows[] = {{10, 100, "band"}, {10, 99, nullptr},  {10, 155, "band"}, {10, 156, nullptr},
+                {160, 0, "top"},   {160, -1, nullptr}, {160, 9, "top"},   {160, 10, nullptr}};
+    for (const auto& r : rows) {
+        Move(250, 250, 250, 250);
+        journal.clear();
+        Move(r.x, r.hostY, 250, 250);
+        EXPECT_EQ(journal, r.entered ? std::vector<std::string>{std::string(r.entered) + " enter"}
+                                     : std::vector<std::string>{})
+            << "host row " << r.hostY;
+        EXPECT_EQ(manager->HostRow(manager->OverlayRow(r.hostY)), r.hostY);
+    }
+}
+
+TEST_F(GUIManagerTest, ReleaseAboveTheViewHitsNothing) {
     AddRoot("a", {0, 100, 156, 256});
     manager->UpdateLayers();
     Press(10, 10);
     now += 500;
-    Release(10, 0); // overlay y = height: outside
+    Release(10, -1); // overlay row = height: outside
     EXPECT_EQ(journal, (std::vector<std::string>{"a down", "a up", "a exit"}));
     journal.clear();
-    Move(200, 200, 10, 0);
+    Move(200, 200, 10, -1);
     Move(210, 200, 200, 200);
     EXPECT_TRUE(journal.empty()) << "nothing under the pointer, nothing hovered";
 }

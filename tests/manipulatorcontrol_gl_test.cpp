@@ -107,8 +107,8 @@ protected:
 
     // Pointer input in window pixels (y up), turned into the host's y-down pixels.
     void MoveTo(glm::vec2 p, int buttons = 0) {
-        // Window pixel (floor x, floor y) is host pixel (floor x, height - floor y).
-        int x = static_cast<int>(std::floor(p.x)), y = kH - static_cast<int>(std::floor(p.y));
+        // Window pixel (floor x, floor y) is host pixel (floor x, height - 1 - floor y).
+        int x = static_cast<int>(std::floor(p.x)), y = kH - 1 - static_cast<int>(std::floor(p.y));
         input->mouseMoveEvent(x, y, lastX, lastY, buttons, 0);
         lastX = x;
         lastY = y;

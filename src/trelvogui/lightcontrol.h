@@ -45,6 +45,8 @@ public:
     void SetMargins(int x, int y);
     const std::shared_ptr<DirectionalLight>& Light() const { return light_; }
 
+    const DirectionalLight* SceneLight() const override { return light_.get(); }
+
 private:
     std::shared_ptr<GLSLProgram> program_;
     std::unique_ptr<GLSLProgram> fetchProgram_; // the fast path's build, where the context offers fetch

@@ -145,7 +145,8 @@ bool ManipulatorControl::LayerFootprint(int layerWidth, int layerHeight, GUI::Ge
 }
 
 glm::vec2 ManipulatorControl::toWindow(int x, int y) const {
-    return {static_cast<float>(x), static_cast<float>(camera_->Height()) - static_cast<float>(y)};
+    // The centre of the pointer's pixel: host row y is window row height - 1 - y.
+    return {static_cast<float>(x) + 0.5f, static_cast<float>(camera_->Height() - y) - 0.5f};
 }
 
 void ManipulatorControl::planeDirection(const glm::vec2& mouse, const tgeom::vec& axis,

@@ -112,6 +112,8 @@ protected:
     bool dragStep(const glm::vec2& mouse);
     void copyToAttached();
 
+    const Camera* SceneCamera() const override { return camera_.get(); }
+
 private:
     std::shared_ptr<Camera> camera_;
     std::shared_ptr<ManipulatorRenderer> renderer_;

@@ -45,6 +45,9 @@ public:
     int Side() const;
     unsigned int LabelTexture() const { return labelTexture_; }
 
+    const Camera* SceneCamera() const override { return camera_.get(); }
+    const DirectionalLight* SceneLight() const override { return light_.get(); }
+
 private:
     std::shared_ptr<Camera> camera_;
     std::shared_ptr<DirectionalLight> light_;

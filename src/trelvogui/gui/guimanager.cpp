@@ -8,6 +8,8 @@
 #include <trelvogui/gui/renderers/openglrenderer.h>
 #include <trelvogui/gui/textureatlas.h>
 
+#include <graphicsbase/camera.h>
+#include <graphicsbase/directionallight.h>
 #include <graphicsbase/glerror.h>
 #include <graphicsbase/glloader.h>
 #include <graphicsbase/glscopedbindings.h>
@@ -332,15 +334,23 @@ void GUIManager::updateLayers() {
         delete s;
     cancelled_.clear();
 
-    bool camera = GetCameraUpdated();
-    bool light = GetLightUpdated();
-    if (camera || light) {
-        for (GUI::Controls::Base* control : Controls())
-            if ((camera && control->UsesCamera()) || (light && control->UsesLight()))
-                control->SetNeedsRedraw(true);
-        SetCameraUpdated(false);
-        SetLightUpdated(false);
+    const bool camera = GetCameraUpdated(), light = GetLightUpdated();
+    for (GUI::Controls::Base* control : Controls()) {
+        if (!control->UsesCamera() && !control->UsesLight())
+            continue;
+        // A host that changed its camera or light without saying so still gets a right picture.
+        bool stale = (camera && control->UsesCamera()) || (light && control->UsesLight());
+        const SceneState now = SceneState::Of(control->SceneCamera(), control->SceneLight());
+        SceneState& drawn = sceneStates_[control->GetId()];
+        if (!(now == drawn)) {
+            drawn = now;
+            stale = true;
+        }
+        if (stale)
+            control->SetNeedsRedraw(true);
     }
+    SetCameraUpdated(false);
+    SetLightUpdated(false);
 
     updating_ = false;
     if (!NeedsRedraw() || !renderer_ || !atlas_ || !layerFramebuffer_)
@@ -716,7 +726,7 @@ bool GUIManager::ClearAnimationOnControl(GUI::Controls::Base* control) {
 DrawFlags GUIManager::mousePressEvent(VX_UI::MouseEvent* e) {
     DrawFlags result = DRAW_NOTHING;
     if (e->buttons & VX_UI::BUTTON_LEFT) {
-        HitDetect(e->x, GUI::Geometry::SubSaturated(height_, e->y), &e->pid, &e->sid);
+        HitDetect(e->x, OverlayRow(e->y), &e->pid, &e->sid);
         pressTime_ = GUI::Clock::Ticks();
         if (GUI::Controls::Base* control = addressed(e->pid)) {
             GUI::Event event = controlEvent(*e);
@@ -749,7 +759,7 @@ DrawFlags GUIManager::mousePressEvent(VX_UI::MouseEvent* e) {
 DrawFlags GUIManager::mouseMoveEvent(VX_UI::MouseEvent* e) {
     DrawFlags result = DRAW_NOTHING;
     if (e->buttons == 0) {
-        HitDetect(e->x, GUI::Geometry::SubSaturated(height_, e->y), &e->pid, &e->sid);
+        HitDetect(e->x, OverlayRow(e->y), &e->pid, &e->sid);
         unsigned int last = pointer_.pid;
         if (e->pid != last) {
             if (GUI::Controls::Base* previous = addressed(last)) {
@@ -793,7 +803,7 @@ DrawFlags GUIManager::mouseReleaseEvent(VX_UI::MouseEvent* e) {
             if (GUI::Controls::Base* control = addressed(pressed))
                 result |= control->OnMouseUp(&event);
         }
-        HitDetect(e->x, GUI::Geometry::SubSaturated(height_, e->y), &e->pid, &e->sid);
+        HitDetect(e->x, OverlayRow(e->y), &e->pid, &e->sid);
         if (e->pid != pressed)
             if (GUI::Controls::Base* control = addressed(pressed))
                 result |= control->OnMouseExit(&event);
@@ -810,7 +820,7 @@ DrawFlags GUIManager::mouseWheel(VX_UI::MouseWheelEvent* e) {
     if (!e || e->delta == 0)
         return DRAW_NOTHING;
     VX_UI::MouseEvent at = pointer_;
-    HitDetect(at.x, GUI::Geometry::SubSaturated(height_, at.y), &at.pid, &at.sid);
+    HitDetect(at.x, OverlayRow(at.y), &at.pid, &at.sid);
     GUI::Event event = controlEvent(at);
     for (GUI::Controls::Base* control = addressed(at.pid); control;) {
         // The handler may delete the control (and its parents): stop if it did.
@@ -846,9 +856,28 @@ bool GUIManager::RemoveControl(GUI::Controls::Base* control) {
     ClearAnimationOnControl(control);
     layersWhole_ = true;
     footprints_.erase(control->GetId());
+    sceneStates_.erase(control->GetId());
     control->SetManagerRedrawFlag(nullptr);
     SetNeedsRedraw(true);
     return Factory::RemoveControl(control);
 }
 
+GUIManager::SceneState GUIManager::SceneState::Of(const Camera* camera, const DirectionalLight* light) {
+    SceneState s;
+    float* out = s.values.data();
+    if (camera) {
+        std::memcpy(out, &camera->ViewMatrix()[0][0], 16 * sizeof(float));
+        std::memcpy(out + 16, &camera->ProjectionMatrix()[0][0], 16 * sizeof(float));
+        out[32] = static_cast<float>(camera->Width());
+        out[33] = static_cast<float>(camera->Height());
+    }
+    if (light) {
+        const tgeom::vec4* parts[] = {&light->ambient, &light->diffuse, &light->specular};
+        for (int i = 0; i < 3; ++i)
+            std::memcpy(out + 34 + 4 * i, &(*parts[i])[0], 4 * sizeof(float));
+        std::memcpy(out + 46, &light->position[0], 3 * sizeof(float));
+    }
+    out[49] = (camera ? 1.f : 0.f) + (light ? 2.f : 0.f);
+    return s;
+}
 } // namespace GUI

@@ -11,12 +11,15 @@
 
 #include <boost/signals2/signal.hpp>
 
+#include <array>
 #include <cstdint>
+#include <cstring>
 #include <map>
 #include <memory>
 #include <vector>
 
 class GLSLProgram;
+struct DirectionalLight;
 
 namespace GUI {
 namespace Renderer {
@@ -123,6 +126,11 @@ public:
     /// Initialize. Views and control layers beyond it are clamped with a message.
     int GetMaxLayerSize() const { return maxLayerSize_; }
     int GetHeight() const { return height_; }
+    /// Pointer rows: host row y (y down, 0 at the top) is overlay row height - 1 - y (y up, 0 at the
+    /// bottom), so a control's top and bottom rows are exactly the rows the pointer sees on it. The
+    /// same formula turns an overlay row back into a host row.
+    int OverlayRow(int hostY) const { return GUI::Geometry::SubSaturated(height_ - 1, hostY); }
+    int HostRow(int overlayY) const { return OverlayRow(overlayY); }
     /// Strict synchronisation draws the layers the plain way: a texture barrier before every draw,
     /// every control flushed and the update finished. By default barriers are issued only where draws
     /// overlap and nothing is flushed or finished; the layers come out the same (a test compares them
@@ -155,6 +163,16 @@ private:
     void waitForLayers();
     void deleteCompositeQuad();
     GUI::Controls::Base* addressed(unsigned int id) { return Contains(id) ? Find(id) : nullptr; }
+
+    /// What a camera- or light-following control drew with: view, projection, viewport, light.
+    struct SceneState {
+        std::array<float, 50> values{};
+        static SceneState Of(const Camera* camera, const DirectionalLight* light);
+        bool operator==(const SceneState& o) const {
+            return std::memcmp(&values, &o.values, sizeof values) == 0;
+        }
+    };
+    std::map<unsigned int, SceneState> sceneStates_;
 
     GUI::Renderer::Type rendererType_;
     GUI::Renderer::Base* renderer_ = nullptr;
