@@ -129,7 +129,8 @@ void ManipulatorControl::SetVisible(bool v) {
 }
 
 void ManipulatorControl::DrawCustom() {
-    if (!camera_)
+    // A degenerate camera (no pixels, NaN or singular matrices) would draw and pick NaN: nothing.
+    if (!camera_ || !camera_->Valid())
         return;
     GL::GLScopedBindings hostState;
     camera_->SetMatrixParams(renderer_.get());
