@@ -452,3 +452,28 @@ TEST_F(GUIManagerTest, FollowersOfAChangedCameraOrLightRedrawWithoutBeingTold) {
         EXPECT_EQ(at(225), before[2]) << s.what;
     }
 }
+
+TEST_F(GUIManagerTest, LocateTellsWhereAControlAndItsPartsAreDrawn) {
+    Probe* a = AddRoot("a", {20, 60, 30, 70});
+    Probe unregistered(&journal, "u");
+    manager->UpdateLayers();
+    GUI::GUIManager::PartLocation where;
+    for (unsigned part : {GUI::GUIManager::kAnyPart, 7u}) {
+        ASSERT_TRUE(manager->Locate(a, part, where));
+        EXPECT_EQ(where.overlay, (GUI::Geometry::Rectangle{20, 60, 30, 70}));
+        EXPECT_EQ(where.host, (GUI::Geometry::Rectangle{20, 60, 186, 226}));
+        EXPECT_EQ(where.pixels, 40 * 40);
+        EXPECT_EQ(PidAt(where.overlayPixel.x, where.overlayPixel.y), a->GetId());
+        EXPECT_EQ(where.hostPixel.y, 255 - where.overlayPixel.y);
+    }
+    Press(where.hostPixel.x, where.hostPixel.y);
+    EXPECT_EQ(journal.back(), "a down") << "the host pixel is where a pointer hits it";
+
+    const GUI::GUIManager::PartLocation before = where;
+    for (auto [control, part] : {std::pair<Base*, unsigned>{nullptr, 7u}, {&unregistered, 7u}, {a, 3u}}) {
+        testing::internal::CaptureStdout();
+        EXPECT_FALSE(manager->Locate(control, part, where));
+        EXPECT_NE(testing::internal::GetCapturedStdout().find("GUIManager::Locate(): "), std::string::npos);
+        EXPECT_EQ(where.overlay, before.overlay);
+    }
+}

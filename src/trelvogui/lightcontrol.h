@@ -22,6 +22,8 @@ class GLVertexBuffer;
 /// uses widgetWidth for both sides and 10-pixel margins.
 class TRELVOGUI_EXPORT LightControl : public GUI::Controls::Base {
 public:
+    /// The ball's tile writes this one secondary id.
+    static constexpr unsigned int kBall = 0;
     explicit LightControl(std::shared_ptr<DirectionalLight> light);
     ~LightControl() override;
 

@@ -22,6 +22,16 @@ class GLVertexBuffer;
 /// Uses the camera and the light, so the manager redraws it whenever the host reports either changed.
 class TRELVOGUI_EXPORT TriadControl : public GUI::Controls::Base {
 public:
+    /// Secondary ids the cube's faces write (the event's sid, a GUIManager::Locate part), named after
+    /// the axis direction the face shows; a click puts the camera on that side.
+    enum Face : unsigned int {
+        kFaceMinusY = 0,
+        kFacePlusY = 1,
+        kFacePlusZ = 2,
+        kFaceMinusX = 3,
+        kFaceMinusZ = 4,
+        kFacePlusX = 5,
+    };
     TriadControl(std::shared_ptr<Camera> camera, std::shared_ptr<DirectionalLight> light);
     /// Deletes the program, the geometry and the label texture (GL context current).
     ~TriadControl() override;

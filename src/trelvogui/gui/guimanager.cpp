@@ -680,6 +680,63 @@ bool GUIManager::HitDetect(int x, int y, unsigned int* pid, unsigned int* sid) {
     return true;
 }
 
+bool GUIManager::Locate(GUI::Controls::Base* control, unsigned int part, PartLocation& where) {
+    if (!control || !Contains(control->GetId()) || Find(control->GetId()) != control) {
+        std::printf("GUIManager::Locate(): The control is null or not registered with this manager.\n");
+        return false;
+    }
+    std::vector<GLuint> ids(static_cast<size_t>(width_) * static_cast<size_t>(height_) * 4);
+    if (pickFramebuffer_ && !ids.empty()) {
+        GL::GLScopedBindings hostState;
+        glBindFramebuffer(GL_READ_FRAMEBUFFER, pickFramebuffer_);
+        GB_CHECK_GL(kFile);
+        WaitForLayers();
+        glReadPixels(0, 0, width_, height_, GL_RGBA_INTEGER, GL_UNSIGNED_INT, ids.data());
+        GB_CHECK_GL(kFile);
+    }
+    const unsigned int pid = control->GetId();
+    auto is = [&](int x, int y) {
+        if (x < 0 || x >= width_ || y < 0 || y >= height_)
+            return false;
+        const GLuint* t = &ids[(static_cast<size_t>(y) * width_ + x) * 4];
+        return t[0] == pid && (part == kAnyPart || t[1] == part);
+    };
+    PartLocation found;
+    found.overlay = {width_, 0, height_, 0};
+    long long sumX = 0, sumY = 0;
+    for (int y = 0; y < height_; ++y)
+        for (int x = 0; x < width_; ++x)
+            if (is(x, y)) {
+                found.overlay = {std::min(found.overlay.xMin, x), std::max(found.overlay.xMax, x + 1),
+                                 std::min(found.overlay.yMin, y), std::max(found.overlay.yMax, y + 1)};
+                sumX += x, sumY += y, ++found.pixels;
+            }
+    if (found.pixels == 0) {
+        std::printf("GUIManager::Locate(): Control %u draws no pixels with part %u.\n", pid, part);
+        return false;
+    }
+    // The pixel nearest the middle, preferring one whose neighbours two pixels away are the part too,
+    // so that a pointer a little off still lands on it.
+    const double cx = static_cast<double>(sumX) / found.pixels, cy = static_cast<double>(sumY) / found.pixels;
+    double best = -1.0;
+    for (int y = found.overlay.yMin; y < found.overlay.yMax; ++y)
+        for (int x = found.overlay.xMin; x < found.overlay.xMax; ++x) {
+            if (!is(x, y))
+                continue;
+            const bool deep = is(x + 2, y) && is(x - 2, y) && is(x, y + 2) && is(x, y - 2);
+            const double score = (x - cx) * (x - cx) + (y - cy) * (y - cy) + (deep ? 0.0 : 1e12);
+            if (best < 0.0 || score < best) {
+                best = score;
+                found.overlayPixel = {x, y};
+            }
+        }
+    found.host = {found.overlay.xMin, found.overlay.xMax, height_ - found.overlay.yMax,
+                  height_ - found.overlay.yMin};
+    found.hostPixel = {found.overlayPixel.x, HostRow(found.overlayPixel.y)};
+    where = found;
+    return true;
+}
+
 bool GUIManager::AddAnimation(GUI::Animation::Sequence* sequence) {
     if (!sequence) {
         LogFile::Instance().AddLine(LogLevel::Warning, "GUIManager::AddAnimation(): The sequence is null.\n");

@@ -78,6 +78,23 @@ public:
     void WaitForLayers();
     /// Reads the ids under overlay pixel (x, y), y up; both are 0 outside the view. Always true.
     virtual bool HitDetect(int x, int y, unsigned int* pid, unsigned int* sid);
+    /// Where a control or one of its parts is drawn in the id layer, for hosts and tests that script
+    /// input. Bounds are half-open pixel rectangles; `overlayPixel` hit-tests to the part (a pixel
+    /// deep inside it where there is one, near its middle), `hostPixel` is the same pixel as a pointer
+    /// position (x, OverlayRow formula for y).
+    struct PartLocation {
+        GUI::Geometry::Rectangle overlay; ///< y up, 0 at the bottom
+        GUI::Geometry::Rectangle host;    ///< y down, 0 at the top
+        GUI::Geometry::Point overlayPixel;
+        GUI::Geometry::Point hostPixel;
+        int pixels = 0; ///< how many pixels carry the ids
+    };
+    /// Any secondary id: Locate finds the whole control.
+    static constexpr unsigned int kAnyPart = ~0u;
+    /// Reads the id layer back (one full read: not for every frame) and fills `where` for the pixels
+    /// of `control` with secondary id `part` (kAnyPart for all). False, with a message and `where`
+    /// unchanged, for a null or unregistered control or one with no such pixels in the last update.
+    bool Locate(GUI::Controls::Base* control, unsigned int part, PartLocation& where);
     /// Takes ownership of a started sequence; it is deleted when done.
     virtual bool AddAnimation(GUI::Animation::Sequence* sequence);
     /// Deletes every sequence that animates `control`.
