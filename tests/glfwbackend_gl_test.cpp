@@ -7,6 +7,8 @@
 #include <trelvogui/gui/guimanager.h>
 #include <trelvogui/gui/panel.h>
 
+#include <graphicsbase/camera.h>
+
 #include <GLFW/glfw3.h>
 
 #include <gtest/gtest.h>
@@ -110,7 +112,7 @@ TEST_F(GLFWBackendTest, ClicksAndDragsReachTheOverlayAfterTheHostsCallbacks) {
 
         float sx = 0, sy = 0;
         input.PixelScale(&sx, &sy);
-        // Host y grows downward: overlay y 220 is host y 36.
+        // Host y grows downward: host row 36 is overlay row 255 - 36 = 219.
         press(50 / sx, 36 / sy);
         release();
         EXPECT_EQ(clicks, 1);
@@ -161,6 +163,19 @@ TEST_F(GLFWBackendTest, WheelKeysAndTouchReachTheHostsHandlers) {
     input.PixelScale(&sx, &sy);
     EXPECT_EQ(recorder.touches, (std::vector<float>{10.f * sx, 40.f * sx}));
     EXPECT_GT(input.GetDrawFlags() & DRAW_SCENE, 0);
+
+    // Results reach the host as they come; resizes keep followed cameras' viewports in step.
+    DrawFlags seen = DRAW_NOTHING;
+    input.DrawFlagsCallback = [&](DrawFlags f) { seen |= f; };
+    scroll(window, 0, 1);
+    EXPECT_EQ(seen, DRAW_SCENE);
+    auto camera = std::make_shared<Camera>();
+    input.FollowViewport(camera);
+    GLFWframebuffersizefun resized = glfwSetFramebufferSizeCallback(window, nullptr);
+    glfwSetFramebufferSizeCallback(window, resized);
+    resized(window, 300, 200);
+    EXPECT_EQ(manager->GetWidth(), 300);
+    EXPECT_EQ(std::make_pair(camera->Width(), camera->Height()), std::make_pair(300, 200));
 }
 
 } // namespace

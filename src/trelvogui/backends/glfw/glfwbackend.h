@@ -7,7 +7,11 @@
 #include <graphicsbase/graphicsscene.h>
 #include <graphicsbase/uievents.h>
 
+#include <functional>
 #include <memory>
+#include <vector>
+
+class Camera;
 
 struct GLFWwindow;
 
@@ -56,6 +60,14 @@ public:
     /// them here.
     bool Touch(const VX_UI::TouchEvent& event);
 
+    /// Called with each input result as it arrives (it is accumulated too, see GetDrawFlags): a host
+    /// learns at once that a cube click moved the shared camera (bit 16) or the light turned (bit 32).
+    std::function<void(DrawFlags)> DrawFlagsCallback;
+    void SetDrawFlags(DrawFlags flags) override;
+    /// Keeps the camera's viewport at the framebuffer size on resizes (and rebuilds its matrices), so
+    /// widgets are drawn and picked where the host's scene is. Null is ignored.
+    void FollowViewport(std::shared_ptr<Camera> camera);
+
     /// The wheel delta for one notch of a mouse wheel; finer touchpad scrolling is accumulated.
     static constexpr int kWheelNotch = 120;
 
@@ -78,6 +90,7 @@ private:
     int buttons_ = 0;
     int modifiers_ = 0;
     double wheel_ = 0.0;
+    std::vector<std::shared_ptr<Camera>> cameras_;
 };
 
 } // namespace GUI
