@@ -15,8 +15,7 @@ class GLVertexBuffer;
 /// Shows how the scene light falls on a ball, in a square viewport 10 pixels from the view's
 /// lower-right corner. Dragging turns the light's position about the world x axis (vertical motion)
 /// and y axis (horizontal motion) by 0.35 degrees a pixel, keeping its distance from the origin; the
-/// host reports the light change to the manager as after any light edit, and every widget that shares
-/// the light follows.
+/// manager notices the change at its next update and redraws every widget that shares the light.
 ///
 /// widgetHeight, marginX and marginY are kept for hosts that lay out around the widget; the drawing
 /// uses widgetWidth for both sides and 10-pixel margins.
