@@ -1,9 +1,11 @@
 // Interactive demo: the same host and overlay in a real window. Drag panels, click the button,
-// toggle the switch, resize the notes panel with its grip. --frames N renders N frames and exits.
-// Input reaches the overlay through the GLFW backend (TrelvoGUI::GLFW).
+// toggle the switch, resize the notes panel with its grip. --frames N renders N frames and exits;
+// --still starts with the cube's rotation off. Input reaches the overlay through the GLFW backend
+// (TrelvoGUI::GLFW), which lets the loop sleep until something needs drawing.
 #include "demohost.h"
 
 #include <trelvogui/backends/glfw/glfwbackend.h>
+#include <trelvogui/gui/switchbutton.h>
 
 #include <graphicsbase/glloader.h>
 
@@ -22,9 +24,13 @@ demo::DemoHost* hostOf(GLFWwindow* w) {
 
 int main(int argc, char** argv) {
     int frames = -1;
-    for (int i = 1; i < argc; ++i)
+    bool still = false;
+    for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--frames") == 0 && i + 1 < argc)
             frames = std::atoi(argv[++i]);
+        else if (std::strcmp(argv[i], "--still") == 0)
+            still = true;
+    }
 
     if (!glfwInit()) {
         std::fprintf(stderr, "GLFW could not start (is there a display?)\n");
@@ -62,14 +68,22 @@ int main(int argc, char** argv) {
                     hostOf(w)->Resize(fw, fh);
             });
             GUI::GLFWBackend input(window, host.Manager());
+            // The host acts on what input did: camera and light moved by the widgets, the scene.
+            input.DrawFlagsSignal.connect([&host](DrawFlags flags) { host.SetDrawFlags(flags); });
+            if (still) {
+                GUI::Event click{};
+                host.RotateSwitch()->OnClick(&click); // what a click on the switch does
+            }
             float angle = 0.f;
             int rendered = 0;
-            while (!glfwWindowShouldClose(window) && (frames < 0 || rendered < frames)) {
-                if (host.Rotating())
+            while ((frames < 0 || rendered < frames) && input.WaitForFrame()) {
+                // The spinning cube is the host's own animation: it asks for the next frame itself.
+                if (host.Rotating()) {
                     angle += 0.5f;
+                    input.RequestFrame();
+                }
                 host.RenderFrame(angle);
                 glfwSwapBuffers(window);
-                glfwPollEvents();
                 for (const auto& line : host.TakeJournal())
                     std::printf("%s\n", line.c_str());
                 ++rendered;

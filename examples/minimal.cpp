@@ -63,7 +63,8 @@ int main(int argc, char** argv) {
         notes.Register(manager);
 
         GUI::GLFWBackend input(window, *manager); // pointer, buttons, wheel, keys, resizes
-        for (int n = 0; n != frames && !glfwWindowShouldClose(window); ++n) {
+        // Sleeps until an event or the overlay asks for a frame: an idle window costs nothing.
+        for (int n = 0; n != frames && input.WaitForFrame(); ++n) {
             glfwGetFramebufferSize(window, &w, &h);
             glViewport(0, 0, w, h);
             glClearColor(0.16f, 0.18f, 0.22f, 1.f);
@@ -71,7 +72,6 @@ int main(int argc, char** argv) {
             manager->UpdateLayers(); // re-renders only what changed
             manager->Draw();
             glfwSwapBuffers(window);
-            glfwPollEvents();
         }
     } // controls, then the manager, go while the context is current
     glfwTerminate();

@@ -9,6 +9,8 @@ packages=(
     libegl-dev libegl-mesa0 libgl1-mesa-dri libgl-dev
     libgtest-dev libbenchmark-dev
     libglfw3-dev xvfb xauth
+    libsdl2-dev qt6-base-dev libqt6opengl6-dev # the optional SDL and Qt backends
+    xdotool # real events for the windowed hosts' tests
     doxygen
     clang # the fuzz preset (libFuzzer)
 )

@@ -44,8 +44,11 @@ public:
 class GLFWBackendTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        if (!glfwInit())
-            GTEST_SKIP() << "no display for GLFW";
+        if (!glfwInit()) {
+            const char* why = nullptr;
+            glfwGetError(&why);
+            GTEST_SKIP() << "no display for GLFW: " << (why ? why : "");
+        }
         GUI::GLFWBackend::RequestOpenGL33();
         glfwWindowHint(GLFW_VISIBLE, GLFW_FALSE);
         window = glfwCreateWindow(256, 256, "backend test", nullptr, nullptr);
@@ -132,6 +135,45 @@ TEST_F(GLFWBackendTest, ClicksAndDragsReachTheOverlayAfterTheHostsCallbacks) {
     EXPECT_EQ(hostCursorCalls, before + 1);
 }
 
+TEST_F(GLFWBackendTest, FramesAreDueOnlyAfterAChangeAndMisuseIsRefused) {
+    GUI::Controls::Button button;
+    button.SetRectangle({10, 90, 200, 240});
+    button.Register(manager);
+    {
+        GUI::GUIManager uninitialised;
+        GUI::GLFWBackend early(window, uninitialised);
+        EXPECT_FALSE(early.Installed());
+        EXPECT_TRUE(log->Contains("GLFWBackend: the manager is not initialised; nothing is installed.\n"));
+        EXPECT_FALSE(early.WaitForFrame());
+    }
+    GUI::GLFWBackend input(window, *manager);
+    // Each WaitForFrame below returns at once because something is due; were it not, the call would
+    // sleep until ctest's timeout.
+    EXPECT_TRUE(input.WaitForFrame()) << "the first frame";
+    manager->UpdateLayers();
+    float sx = 0, sy = 0;
+    input.PixelScale(&sx, &sy);
+    press(50 / sx, 36 / sy); // the overlay changed: the button shows its press
+    release();
+    EXPECT_TRUE(input.WaitForFrame());
+    manager->UpdateLayers();
+    input.RequestFrame(); // the host's own animation
+    EXPECT_TRUE(input.WaitForFrame());
+    EXPECT_EQ(input.Frames(), 3);
+    glfwSetWindowShouldClose(window, GLFW_TRUE);
+    EXPECT_FALSE(input.WaitForFrame());
+}
+
+TEST_F(GLFWBackendTest, ABackendOutlivingGLFWLeavesTheDestroyedWindowAlone) {
+    auto input = std::make_unique<GUI::GLFWBackend>(window, *manager);
+    ASSERT_TRUE(input->Installed());
+    manager.reset();
+    glfwTerminate(); // destroys the window under the backend
+    window = nullptr;
+    input.reset();
+    EXPECT_TRUE(log->Contains("GLFWBackend: GLFW was terminated before the backend was destroyed.\n"));
+}
+
 TEST_F(GLFWBackendTest, WheelKeysAndTouchReachTheHostsHandlers) {
     GUI::GLFWBackend input(window, *manager);
     Recorder recorder;
@@ -166,7 +208,7 @@ TEST_F(GLFWBackendTest, WheelKeysAndTouchReachTheHostsHandlers) {
 
     // Results reach the host as they come; resizes keep followed cameras' viewports in step.
     DrawFlags seen = DRAW_NOTHING;
-    input.DrawFlagsCallback = [&](DrawFlags f) { seen |= f; };
+    input.DrawFlagsSignal.connect([&](DrawFlags f) { seen |= f; });
     scroll(window, 0, 1);
     EXPECT_EQ(seen, DRAW_SCENE);
     auto camera = std::make_shared<Camera>();

@@ -4,13 +4,16 @@
 
 #include <trelvogui/axiscontrol.h>
 #include <trelvogui/colorbar.h>
+#include <trelvogui/datasetrenderer.h>
 #include <trelvogui/gui/button.h>
 #include <trelvogui/gui/panel.h>
+#include <trelvogui/legendcontrol.h>
 #include <trelvogui/lightcontrol.h>
 #include <trelvogui/manipulatorcontrol.h>
 #include <trelvogui/planecontrol.h>
 #include <trelvogui/probecontrol.h>
 #include <trelvogui/triadcontrol.h>
+#include <trelvogui/xyplotcontrol.h>
 
 #include <graphicsbase/camera.h>
 #include <graphicsbase/directionallight.h>
@@ -306,6 +309,17 @@ struct Scene {
         triad.Register(manager);
         EXPECT_TRUE(lightWidget.Initialize());
         lightWidget.Register(manager);
+        EXPECT_TRUE(plot.Initialize() && samples.Initialize());
+        const float y[] = {0.f, 3.f, 1.f, 4.f, 1.f, 5.f, 9.f, 2.f};
+        samples.SetData(y, 8);
+        plot.AddRenderer(&samples);
+        plot.SetRectangle({150, 250, 200, 250});
+        plot.Register(manager);
+        EXPECT_TRUE(legend.Initialize());
+        legend.SetColorMap({GUI::Color::FromWord(0xFF0000FF), GUI::Color::FromWord(0xFFFF0000)}, true);
+        legend.SetValues(y, 8);
+        legend.SetRectangle({200, 250, 30, 100});
+        legend.Register(manager);
     }
     std::shared_ptr<GUI::GUIManager> manager;
     std::shared_ptr<Camera> camera = std::make_shared<Camera>();
@@ -318,6 +332,9 @@ struct Scene {
     PlaneControl plane{camera};
     TriadControl triad{camera, light};
     LightControl lightWidget{light};
+    XYPlotControl plot;
+    DataSetRenderer samples;
+    LegendControl legend;
 };
 
 class GLStateTest : public trelvo::test::OverlayTest {};
@@ -361,6 +378,10 @@ TEST_F(GLStateTest, EveryEntryPointLeavesEveryItemOfHostStateAsItWas) {
         {"TriadControl::DrawCustom", [&] { scene.triad.DrawCustom(); }},
         {"LightControl::Initialize", [&] { scene.lightWidget.Initialize(); }},
         {"LightControl::DrawCustom", [&] { scene.lightWidget.DrawCustom(); }},
+        {"XYPlotControl::Initialize", [&] { scene.plot.Initialize(); }},
+        {"XYPlotControl::DrawCustom", [&] { scene.plot.DrawCustom(); }},
+        {"LegendControl::Initialize", [&] { scene.legend.Initialize(); }},
+        {"LegendControl::DrawCustom", [&] { scene.legend.DrawCustom(); }},
         {"ProbeControl::Initialize", [&] { ProbeControl(manager).Initialize(); }},
         {"destructors",
          [&] {

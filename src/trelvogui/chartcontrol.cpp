@@ -6,6 +6,7 @@
 #include <trelvogui/axiscontrol.h>
 #include <trelvogui/gui/label.h>
 
+#include <graphicsbase/glscopedbindings.h>
 #include <graphicsbase/glvertexbuffer.h>
 
 #include <algorithm>
@@ -228,6 +229,7 @@ void ChartControl::DrawCustom() {
     const GUI::Geometry::Rectangle& p = view.plot;
     if (p.Width() <= 0 || p.Height() <= 0)
         return;
+    GL::GLScopedBindings hostState;
     // The margins keep the picture behind them but carry the chart's id, so that a wheel over the
     // axes reaches the chart: four strips around the plot area, so that no pixel is drawn twice.
     const GUI::Geometry::Rectangle& whole = GetRectangle();

@@ -7,6 +7,7 @@
 #include <trelvogui/colorbar.h>
 #include <trelvogui/gui/label.h>
 
+#include <graphicsbase/glscopedbindings.h>
 #include <graphicsbase/glvertexbuffer.h>
 
 #include <algorithm>
@@ -138,6 +139,7 @@ void LegendControl::DrawCustom() {
     const std::vector<std::size_t>& counts = histogram_.Counts();
     if (!showHistogram_ || counts.empty())
         return;
+    GL::GLScopedBindings hostState;
     const GUI::Geometry::Rectangle& r = GetRectangle();
     const GUI::Geometry::Rectangle area{r.xMin + histogramArea_.xMin, r.xMin + histogramArea_.xMax,
                                         r.yMin + histogramArea_.yMin, r.yMin + histogramArea_.yMax};

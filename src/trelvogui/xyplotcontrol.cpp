@@ -8,6 +8,7 @@
 #include <trelvogui/gui/guimanager.h>
 #include <trelvogui/gui/label.h>
 
+#include <graphicsbase/glscopedbindings.h>
 #include <graphicsbase/glvertexbuffer.h>
 
 #include <algorithm>
@@ -200,6 +201,7 @@ DrawFlags XYPlotControl::OnMouseWheel(GUI::Event* e, int delta) {
 }
 
 void XYPlotControl::DrawCustom() {
+    GL::GLScopedBindings hostState;
     ChartControl::DrawCustom();
     if (!hoveredSet_ || hovered_ >= hoveredSet_->Size())
         return;

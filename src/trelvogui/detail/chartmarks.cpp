@@ -4,6 +4,7 @@
 #include <trelvogui/gui/renderers/detail/uniforms.h>
 
 #include <graphicsbase/glerror.h>
+#include <graphicsbase/glscopedbindings.h>
 #include <graphicsbase/glslprogram.h>
 #include <graphicsbase/glvertexbuffer.h>
 
@@ -19,6 +20,7 @@ ChartMarks::ChartMarks() = default;
 ChartMarks::~ChartMarks() = default;
 
 bool ChartMarks::Initialize() {
+    GL::GLScopedBindings hostState;
     buffer_.reset();
     if (!GUI::Renderer::detail::BuildTargetPrograms(program_, fetch_, "ChartMarks.vs", "ChartMarks.fs"))
         return false;

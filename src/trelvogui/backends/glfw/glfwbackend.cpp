@@ -1,5 +1,7 @@
 #include <trelvogui/backends/glfw/glfwbackend.h>
 
+#include <trelvogui/backends/detail/frametrace.h>
+
 #include <trelvogui/gui/guimanager.h>
 
 #include <graphicsbase/camera.h>
@@ -8,6 +10,7 @@
 #include <GLFW/glfw3.h>
 
 #include <cmath>
+#include <cstdio>
 #include <map>
 
 namespace GUI {
@@ -21,6 +24,17 @@ std::map<GLFWwindow*, GLFWBackend*>& backends() {
 GLFWBackend* backendOf(GLFWwindow* window) {
     auto it = backends().find(window);
     return it == backends().end() ? nullptr : it->second;
+}
+
+// glfwTerminate destroys every window, after which there are no callbacks to put back. GLFW says
+// whether it is running only through the error it reports, which the host's error callback must not see.
+bool glfwRunning() {
+    GLFWerrorfun hostCallback = glfwSetErrorCallback(nullptr);
+    glfwGetError(nullptr);
+    glfwGetTime();
+    const bool running = glfwGetError(nullptr) != GLFW_NOT_INITIALIZED;
+    glfwSetErrorCallback(hostCallback);
+    return running;
 }
 
 int buttonBit(int button) {
@@ -43,17 +57,24 @@ struct GLFWBackend::Previous {
     GLFWscrollfun scroll = nullptr;
     GLFWkeyfun key = nullptr;
     GLFWframebuffersizefun framebufferSize = nullptr;
+    GLFWwindowrefreshfun refresh = nullptr;
 };
 
 GLFWBackend::GLFWBackend(GLFWwindow* window, GUIManager& manager)
     : window_(window), manager_(&manager), input_(std::make_unique<GUIInputManager>(*this)),
-      previous_(std::make_unique<Previous>()) {
+      previous_(std::make_unique<Previous>()), traceFrames_(detail::TraceFramesRequested()) {
     if (!window_) {
         LogFile::Instance().AddLine(LogLevel::Warning, "GLFWBackend: the window is null.\n");
         return;
     }
     if (backendOf(window_)) {
         LogFile::Instance().AddLine(LogLevel::Warning, "GLFWBackend: the window already has a backend.\n");
+        return;
+    }
+    // Events would be hit-tested against layers that do not exist yet.
+    if (!manager_->GetRenderer()) {
+        LogFile::Instance().AddLine(LogLevel::Warning,
+                                    "GLFWBackend: the manager is not initialised; nothing is installed.\n");
         return;
     }
     input_->addScreenHandler(manager_);
@@ -63,6 +84,7 @@ GLFWBackend::GLFWBackend(GLFWwindow* window, GUIManager& manager)
     previous_->scroll = glfwSetScrollCallback(window_, onScroll);
     previous_->key = glfwSetKeyCallback(window_, onKey);
     previous_->framebufferSize = glfwSetFramebufferSizeCallback(window_, onFramebufferSize);
+    previous_->refresh = glfwSetWindowRefreshCallback(window_, onRefresh);
     // Start from where the pointer is, so that the first move is not a jump from the corner.
     double x = 0, y = 0;
     glfwGetCursorPos(window_, &x, &y);
@@ -73,12 +95,76 @@ GLFWBackend::GLFWBackend(GLFWwindow* window, GUIManager& manager)
 GLFWBackend::~GLFWBackend() {
     if (!installed_)
         return;
+    backends().erase(window_);
+    if (!glfwRunning()) {
+        LogFile::Instance().AddLine(LogLevel::Warning,
+                                    "GLFWBackend: GLFW was terminated before the backend was destroyed.\n");
+        return;
+    }
     glfwSetCursorPosCallback(window_, previous_->cursor);
     glfwSetMouseButtonCallback(window_, previous_->button);
     glfwSetScrollCallback(window_, previous_->scroll);
     glfwSetKeyCallback(window_, previous_->key);
     glfwSetFramebufferSizeCallback(window_, previous_->framebufferSize);
-    backends().erase(window_);
+    glfwSetWindowRefreshCallback(window_, previous_->refresh);
+}
+
+template <class Work> void GLFWBackend::withContext(Work work) {
+    // A host with several windows may have another one's context current while events arrive.
+    GLFWwindow* current = glfwGetCurrentContext();
+    if (current != window_)
+        glfwMakeContextCurrent(window_);
+    work();
+    if (current != window_)
+        glfwMakeContextCurrent(current);
+}
+
+bool GLFWBackend::pending() const {
+    return requested_ || manager_->NeedsRedraw();
+}
+
+bool GLFWBackend::WaitForFrame() {
+    if (!installed_) {
+        std::printf("GLFWBackend::WaitForFrame(): the backend is not installed.\n");
+        return false;
+    }
+    // Back for the next frame: the last one is drawn and swapped.
+    if (frameOpen_)
+        detail::TraceFrame(traceFrames_, frames_);
+    frameOpen_ = false;
+    if (pending())
+        glfwPollEvents();
+    else
+        while (!pending() && !glfwWindowShouldClose(window_))
+            glfwWaitEvents();
+    if (glfwWindowShouldClose(window_))
+        return false;
+    requested_ = false;
+    ++frames_;
+    frameOpen_ = true;
+    return true;
+}
+
+void GLFWBackend::RequestFrame() {
+    requested_ = true;
+    glfwPostEmptyEvent();
+}
+
+void GLFWBackend::SetDrawFlags(DrawFlags flags) {
+    GraphicsScene::SetDrawFlags(flags);
+    if (flags == DRAW_NOTHING)
+        return;
+    requested_ = true;
+    DrawFlagsSignal(flags);
+}
+
+void GLFWBackend::onRefresh(GLFWwindow* window) {
+    GLFWBackend* self = backendOf(window);
+    if (!self)
+        return;
+    if (self->previous_->refresh)
+        self->previous_->refresh(window);
+    self->requested_ = true;
 }
 
 void GLFWBackend::RequestOpenGL33() {
@@ -122,7 +208,9 @@ void GLFWBackend::onCursor(GLFWwindow* window, double x, double y) {
         self->previous_->cursor(window, x, y);
     int px = 0, py = 0;
     self->toPixels(x, y, &px, &py);
-    self->input_->mouseMoveEvent(px, py, self->lastX_, self->lastY_, self->buttons_, self->modifiers_);
+    self->withContext([&] {
+        self->input_->mouseMoveEvent(px, py, self->lastX_, self->lastY_, self->buttons_, self->modifiers_);
+    });
     self->lastX_ = px;
     self->lastY_ = py;
 }
@@ -140,13 +228,15 @@ void GLFWBackend::onButton(GLFWwindow* window, int button, int action, int mods)
     // GLFW reports every motion (and the position on entering the window) before a button event, so
     // the last cursor position is where the button went down.
     const int x = self->lastX_, y = self->lastY_;
-    if (action == GLFW_PRESS) {
-        self->buttons_ |= bit;
-        self->input_->mousePressEvent(x, y, x, y, self->buttons_, mods);
-    } else {
-        self->buttons_ &= ~bit;
-        self->input_->mouseReleaseEvent(x, y, x, y, self->buttons_, mods);
-    }
+    self->withContext([&] {
+        if (action == GLFW_PRESS) {
+            self->buttons_ |= bit;
+            self->input_->mousePressEvent(x, y, x, y, self->buttons_, mods);
+        } else {
+            self->buttons_ &= ~bit;
+            self->input_->mouseReleaseEvent(x, y, x, y, self->buttons_, mods);
+        }
+    });
 }
 
 void GLFWBackend::onScroll(GLFWwindow* window, double dx, double dy) {
@@ -189,19 +279,14 @@ void GLFWBackend::onFramebufferSize(GLFWwindow* window, int width, int height) {
     if (self->previous_->framebufferSize)
         self->previous_->framebufferSize(window, width, height);
     // A minimised window reports 0 x 0; the overlay keeps its layers until it comes back.
-    if (width <= 0 || height <= 0)
-        return;
-    self->manager_->Resize(width, height);
-    for (const std::shared_ptr<Camera>& camera : self->cameras_) {
-        camera->SetViewport(width, height);
-        camera->CalcMatrices();
+    if (width > 0 && height > 0) {
+        self->withContext([&] { self->manager_->Resize(width, height); });
+        for (const std::shared_ptr<Camera>& camera : self->cameras_) {
+            camera->SetViewport(width, height);
+            camera->CalcMatrices();
+        }
     }
-}
-
-void GLFWBackend::SetDrawFlags(DrawFlags flags) {
-    GraphicsScene::SetDrawFlags(flags);
-    if (DrawFlagsCallback)
-        DrawFlagsCallback(flags);
+    self->requested_ = true;
 }
 
 void GLFWBackend::FollowViewport(std::shared_ptr<Camera> camera) {

@@ -7,7 +7,9 @@
 #include <graphicsbase/graphicsscene.h>
 #include <graphicsbase/uievents.h>
 
-#include <functional>
+#include <boost/signals2/signal.hpp>
+
+#include <atomic>
 #include <memory>
 #include <vector>
 
@@ -31,10 +33,17 @@ class GUIManager;
 /// Usage, with the window's context current and the manager initialised:
 ///
 ///     GUI::GLFWBackend input(window, *manager);
+///     while (input.WaitForFrame()) { /* draw the scene, UpdateLayers, Draw, swap */ }
 ///
 /// The host's own handlers go after the manager: `input.Input().addScreenHandler(&myHandler)`.
+/// Overlay work done from a callback (hit detection, resizing the layers) runs with the window's
+/// context made current for it; the host's current context is put back afterwards.
 class TRELVOGUI_GLFW_EXPORT GLFWBackend : public GraphicsScene {
 public:
+    /// Every non-zero input result, for hosts that act on more than the overlay's redraw (a camera
+    /// moved by the view cube, the scene changed by the gizmo).
+    boost::signals2::signal<void(DrawFlags)> DrawFlagsSignal;
+
     /// Installs the callbacks. The manager must outlive the backend; destroy the backend before the
     /// window.
     GLFWBackend(GLFWwindow* window, GUIManager& manager);
@@ -46,6 +55,16 @@ public:
     /// Asks GLFW for an OpenGL 3.3 core-profile context in the windows created next; call between
     /// glfwInit and glfwCreateWindow.
     static void RequestOpenGL33();
+
+    /// Returns when a frame must be drawn: at once while something is pending (the first frame, an
+    /// input result with non-zero DrawFlags, an overlay change or running animation, a resize or
+    /// expose, RequestFrame), otherwise after sleeping in glfwWaitEvents until that is so. Events are
+    /// processed either way. False when the window should close (or the backend is not installed).
+    bool WaitForFrame();
+    /// Asks for one more frame, for the host's own animations or changes; safe from any thread.
+    void RequestFrame();
+    /// Frames WaitForFrame has let the host draw.
+    int Frames() const { return frames_; }
 
     /// False when the window was null or already had a backend; nothing was installed then.
     bool Installed() const { return installed_; }
@@ -60,16 +79,15 @@ public:
     /// them here.
     bool Touch(const VX_UI::TouchEvent& event);
 
-    /// Called with each input result as it arrives (it is accumulated too, see GetDrawFlags): a host
-    /// learns at once that a cube click moved the shared camera (bit 16) or the light turned (bit 32).
-    std::function<void(DrawFlags)> DrawFlagsCallback;
-    void SetDrawFlags(DrawFlags flags) override;
     /// Keeps the camera's viewport at the framebuffer size on resizes (and rebuilds its matrices), so
     /// widgets are drawn and picked where the host's scene is. Null is ignored.
     void FollowViewport(std::shared_ptr<Camera> camera);
 
     /// The wheel delta for one notch of a mouse wheel; finer touchpad scrolling is accumulated.
     static constexpr int kWheelNotch = 120;
+
+    /// Input results arrive here: anything non-zero asks for a frame.
+    void SetDrawFlags(DrawFlags flags) override;
 
 private:
     struct Previous;
@@ -78,6 +96,9 @@ private:
     static void onScroll(GLFWwindow* window, double dx, double dy);
     static void onKey(GLFWwindow* window, int key, int scancode, int action, int mods);
     static void onFramebufferSize(GLFWwindow* window, int width, int height);
+    static void onRefresh(GLFWwindow* window);
+    template <class Work> void withContext(Work work);
+    bool pending() const;
     void toPixels(double x, double y, int* px, int* py) const;
 
     GLFWwindow* window_;
@@ -91,6 +112,10 @@ private:
     int modifiers_ = 0;
     double wheel_ = 0.0;
     std::vector<std::shared_ptr<Camera>> cameras_;
+    std::atomic<bool> requested_{true};
+    int frames_ = 0;
+    bool traceFrames_ = false;
+    bool frameOpen_ = false;
 };
 
 } // namespace GUI
