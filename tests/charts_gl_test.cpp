@@ -280,7 +280,7 @@ protected:
     }
     /// Pointer events at overlay pixels (y up), as a host sends them.
     DrawFlags MoveTo(int x, int y, int buttons = 0) {
-        const DrawFlags f = Move(x, kH - 1 - y, lastX, kH - 1 - lastY, buttons);
+        const DrawFlags f = Move(x, kH - y, lastX, kH - lastY, buttons);
         lastX = x, lastY = y;
         return f;
     }
@@ -345,10 +345,10 @@ TEST_F(XYPlotGLTest, HoverDragWheelAndDoubleClickGoThroughTheManager) {
     // A drag pans: the data under the pointer follows it.
     const int before = changes;
     const double grabbed = v.DataX(hx);
-    Press(hx, kH - 2 - hy);
+    Press(hx, kH - (hy + 1));
     MoveTo(hx + 40, hy + 1, 1);
     now += 500;
-    Release(hx + 40, kH - 2 - hy);
+    Release(hx + 40, kH - (hy + 1));
     EXPECT_GT(changes, before);
     v = plot.View();
     EXPECT_NEAR(v.DataX(hx + 40), grabbed, 1e-9 * (fitX1 - fitX0));

@@ -115,7 +115,7 @@ TEST_F(GLFWBackendTest, ClicksAndDragsReachTheOverlayAfterTheHostsCallbacks) {
 
         float sx = 0, sy = 0;
         input.PixelScale(&sx, &sy);
-        // Host y grows downward: host row 36 is overlay row 255 - 36 = 219.
+        // Host y grows downward: overlay y 220 is host y 36.
         press(50 / sx, 36 / sy);
         release();
         EXPECT_EQ(clicks, 1);

@@ -176,7 +176,7 @@ TEST_F(GUIManagerTest, IdleUpdateDrawsNothingAndAChangeRedrawsOnce) {
 }
 
 TEST_F(GUIManagerTest, HoverPressDragReleaseFollowTheTransitionTable) {
-    Probe* a = AddRoot("a", {50, 100, 156, 206}); // host rows 50..99
+    Probe* a = AddRoot("a", {50, 100, 156, 206}); // host y 50..100
     a->SetDraggable(true);
     int clicked = 0;
     a->ClickedSignal.connect([&] { ++clicked; });
@@ -228,7 +228,7 @@ TEST_F(GUIManagerTest, PressingAChildBringsItsRootToTheFront) {
     back->AddChild(&child);
     manager->UpdateLayers();
     EXPECT_EQ(PidAt(75, 75), front->GetId());
-    EXPECT_EQ(Press(5, 250), DrawFlags(9)) << "press on the child at overlay (5, 5)";
+    EXPECT_EQ(Press(5, 251), DrawFlags(9)) << "press on the child at overlay (5, 5)";
     EXPECT_EQ(manager->Controls().back(), back);
     manager->UpdateLayers();
     EXPECT_EQ(PidAt(75, 75), back->GetId()) << "the pressed tree is now drawn last";
@@ -250,36 +250,45 @@ TEST_F(GUIManagerTest, RightButtonIsNotRoutedAndNeitherIsItsRelease) {
     EXPECT_TRUE(journal.empty());
 }
 
-TEST_F(GUIManagerTest, PointerRowsHitAControlsTopAndBottomRowsExactly) {
-    // Overlay rows 100..155; host row y is overlay row 255 - y, and the view's top row is host row 0.
+TEST_F(GUIManagerTest, PointerRowsHitAControlsEdgeRowsByDefaultAndWithExactRows) {
+    // Overlay rows 100..155 and 246..255. By default host y is overlay row 256 - y (host y 0 is
+    // outside the view); with exact rows host row y is overlay row 255 - y.
     AddRoot("band", {0, 100, 100, 156});
     AddRoot("top", {150, 200, 246, 256});
     manager->UpdateLayers();
+    EXPECT_FALSE(manager->GetExactPointerRows()) << "off by default";
     const struct {
+        bool exact;
         int x, hostY;
         const char* entered;
-    } rows[] = {{10, 100, "band"}, {10, 99, nullptr},  {10, 155, "band"}, {10, 156, nullptr},
-                {160, 0, "top"},   {160, -1, nullptr}, {160, 9, "top"},   {160, 10, nullptr}};
+    } rows[] = {{false, 10, 101, "band"},  {false, 10, 100, nullptr}, {false, 10, 156, "band"},
+                {false, 10, 157, nullptr}, {false, 160, 1, "top"},    {false, 160, 0, nullptr},
+                {false, 160, 10, "top"},   {false, 160, 11, nullptr}, {true, 10, 100, "band"},
+                {true, 10, 99, nullptr},   {true, 10, 155, "band"},   {true, 10, 156, nullptr},
+                {true, 160, 0, "top"},     {true, 160, -1, nullptr},  {true, 160, 9, "top"},
+                {true, 160, 10, nullptr}};
     for (const auto& r : rows) {
+        manager->SetExactPointerRows(r.exact);
         Move(250, 250, 250, 250);
         journal.clear();
         Move(r.x, r.hostY, 250, 250);
         EXPECT_EQ(journal, r.entered ? std::vector<std::string>{std::string(r.entered) + " enter"}
                                      : std::vector<std::string>{})
-            << "host row " << r.hostY;
+            << "host row " << r.hostY << (r.exact ? " (exact)" : "");
+        EXPECT_EQ(manager->OverlayRow(r.hostY), (r.exact ? 255 : 256) - r.hostY);
         EXPECT_EQ(manager->HostRow(manager->OverlayRow(r.hostY)), r.hostY);
     }
 }
 
-TEST_F(GUIManagerTest, ReleaseAboveTheViewHitsNothing) {
+TEST_F(GUIManagerTest, ReleaseAtHostTopRowHitsNothing) {
     AddRoot("a", {0, 100, 156, 256});
     manager->UpdateLayers();
     Press(10, 10);
     now += 500;
-    Release(10, -1); // overlay row = height: outside
+    Release(10, 0); // overlay y = height: outside
     EXPECT_EQ(journal, (std::vector<std::string>{"a down", "a up", "a exit"}));
     journal.clear();
-    Move(200, 200, 10, -1);
+    Move(200, 200, 10, 0);
     Move(210, 200, 200, 200);
     EXPECT_TRUE(journal.empty()) << "nothing under the pointer, nothing hovered";
 }
@@ -458,16 +467,22 @@ TEST_F(GUIManagerTest, LocateTellsWhereAControlAndItsPartsAreDrawn) {
     Probe unregistered(&journal, "u");
     manager->UpdateLayers();
     GUI::GUIManager::PartLocation where;
-    for (unsigned part : {GUI::GUIManager::kAnyPart, 7u}) {
+    // Host bounds and pixel follow the pointer-row setting: a press there hits the control.
+    for (auto [part, exact] : {std::pair<unsigned, bool>{GUI::GUIManager::kAnyPart, false}, {7u, true}}) {
+        manager->SetExactPointerRows(exact);
         ASSERT_TRUE(manager->Locate(a, part, where));
         EXPECT_EQ(where.overlay, (GUI::Geometry::Rectangle{20, 60, 30, 70}));
-        EXPECT_EQ(where.host, (GUI::Geometry::Rectangle{20, 60, 186, 226}));
+        EXPECT_EQ(where.host, (GUI::Geometry::Rectangle{20, 60, exact ? 186 : 187, exact ? 226 : 227}));
         EXPECT_EQ(where.pixels, 40 * 40);
         EXPECT_EQ(PidAt(where.overlayPixel.x, where.overlayPixel.y), a->GetId());
-        EXPECT_EQ(where.hostPixel.y, 255 - where.overlayPixel.y);
+        EXPECT_EQ(where.hostPixel.y, (exact ? 255 : 256) - where.overlayPixel.y);
+        journal.clear();
+        Press(where.hostPixel.x, where.hostPixel.y);
+        EXPECT_EQ(journal, (std::vector<std::string>{"a down"}))
+            << "the host pixel is where a pointer hits it";
+        now += 500;
+        Release(where.hostPixel.x, where.hostPixel.y);
     }
-    Press(where.hostPixel.x, where.hostPixel.y);
-    EXPECT_EQ(journal.back(), "a down") << "the host pixel is where a pointer hits it";
 
     const GUI::GUIManager::PartLocation before = where;
     for (auto [control, part] : {std::pair<Base*, unsigned>{nullptr, 7u}, {&unregistered, 7u}, {a, 3u}}) {

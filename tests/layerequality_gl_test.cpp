@@ -260,7 +260,7 @@ TEST_F(LayerEqualityTest, FastAndStrictUpdatesProduceIdenticalLayers) {
             both([&](World& w) {
                 Panel* p = w.sizeable[static_cast<size_t>(which) % w.sizeable.size()];
                 const auto& r = p->GetRectangle();
-                int gx = r.xMax - 4, gy = height - 1 - (r.yMin + 4);
+                int gx = r.xMax - 4, gy = height - (r.yMin + 4);
                 w.Event(0, gx, gy);
                 w.Event(1, gx, gy);
                 w.Event(0, gx + dx, gy + dy);

@@ -107,8 +107,8 @@ protected:
 
     // Pointer input in window pixels (y up), turned into the host's y-down pixels.
     void MoveTo(glm::vec2 p, int buttons = 0) {
-        // Window pixel (floor x, floor y) is host pixel (floor x, height - 1 - floor y).
-        int x = static_cast<int>(std::floor(p.x)), y = kH - 1 - static_cast<int>(std::floor(p.y));
+        // Window pixel (floor x, floor y) is host pixel (floor x, height - floor y).
+        int x = static_cast<int>(std::floor(p.x)), y = kH - static_cast<int>(std::floor(p.y));
         input->mouseMoveEvent(x, y, lastX, lastY, buttons, 0);
         lastX = x;
         lastY = y;
@@ -332,6 +332,30 @@ TEST_F(GizmoTest, UnderAnOrthographicHostCameraHandlesArePickedAndDragsFollowThe
                                      camera->ProjectionMatrix(), glm::vec4(0, 0, kW, kH));
     EXPECT_NEAR(glm::distance(glm::vec2(w), target), 0.f, 1.5f);
     EXPECT_NEAR(w.z, depth, 1e-4f);
+}
+
+TEST_F(GizmoTest, PointerPositionsBecomeWindowPointsAsThePointerRowSettingSays) {
+    struct Exposed : ManipulatorControl {
+        using ManipulatorControl::ManipulatorControl;
+        using ManipulatorControl::toWindow;
+    };
+    Exposed gizmo(camera);
+    const float h = kH;
+    EXPECT_EQ(gizmo.toWindow(10, 20), glm::vec2(10.f, h - 20.f)) << "no manager: the default";
+    Add(gizmo);
+    const struct {
+        bool exact;
+        int x, y;
+        glm::vec2 window;
+    } cases[] = {{false, 10, 20, {10.f, h - 20.f}},
+                 {false, 0, 0, {0.f, h}},
+                 {true, 10, 20, {10.5f, h - 20.5f}},
+                 {true, 0, 0, {0.5f, h - 0.5f}}};
+    for (const auto& c : cases) {
+        manager->SetExactPointerRows(c.exact);
+        EXPECT_EQ(gizmo.toWindow(c.x, c.y), c.window) << c.x << "," << c.y << (c.exact ? " (exact)" : "");
+    }
+    manager->SetExactPointerRows(false);
 }
 
 TEST_F(GizmoTest, AHostCameraMoveIsFollowedWithoutBeingReportedAndADegenerateOneDrawsNothing) {

@@ -1,5 +1,6 @@
 #include <trelvogui/manipulatorcontrol.h>
 
+#include <trelvogui/gui/guimanager.h>
 #include <trelvogui/manipulatorrenderer.h>
 
 #include <graphicsbase/camera.h>
@@ -146,8 +147,12 @@ bool ManipulatorControl::LayerFootprint(int layerWidth, int layerHeight, GUI::Ge
 }
 
 glm::vec2 ManipulatorControl::toWindow(int x, int y) const {
-    // The centre of the pointer's pixel: host row y is window row height - 1 - y.
-    return {static_cast<float>(x) + 0.5f, static_cast<float>(camera_->Height() - y) - 0.5f};
+    // By default window point (x, height - y); with exact pointer rows the centre of the pointer's
+    // pixel, host row y being window row height - 1 - y.
+    const GUI::GUIManager* manager = Manager();
+    if (manager && manager->GetExactPointerRows())
+        return {static_cast<float>(x) + 0.5f, static_cast<float>(camera_->Height() - y) - 0.5f};
+    return {static_cast<float>(x), static_cast<float>(camera_->Height()) - static_cast<float>(y)};
 }
 
 void ManipulatorControl::planeDirection(const glm::vec2& mouse, const tgeom::vec& axis,

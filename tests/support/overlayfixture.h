@@ -10,7 +10,7 @@
 
 namespace trelvo::test {
 
-/// Host pointer positions have y growing downward: overlay row = 255 - host row.
+/// Host pointer positions have y growing downward: overlay y = 256 - host y.
 class OverlayTest : public GLTest {
 protected:
     void SetUp() override;

@@ -175,6 +175,7 @@ public:
     /// but the controls no longer mark that manager stale.
     bool Unregister();
     GUI::GUIManager* Manager() { return manager_.get(); }
+    const GUI::GUIManager* Manager() const { return manager_.get(); }
     /// Set by the manager while the control is in its registry.
     void SetManagerRedrawFlag(bool* flag) { managerRedrawFlag_ = flag; }
     bool* ManagerRedrawFlag() { return managerRedrawFlag_; }

@@ -730,8 +730,8 @@ bool GUIManager::Locate(GUI::Controls::Base* control, unsigned int part, PartLoc
                 found.overlayPixel = {x, y};
             }
         }
-    found.host = {found.overlay.xMin, found.overlay.xMax, height_ - found.overlay.yMax,
-                  height_ - found.overlay.yMin};
+    found.host = {found.overlay.xMin, found.overlay.xMax, HostRow(found.overlay.yMax - 1),
+                  HostRow(found.overlay.yMin) + 1};
     found.hostPixel = {found.overlayPixel.x, HostRow(found.overlayPixel.y)};
     where = found;
     return true;

@@ -81,10 +81,10 @@ public:
     /// Where a control or one of its parts is drawn in the id layer, for hosts and tests that script
     /// input. Bounds are half-open pixel rectangles; `overlayPixel` hit-tests to the part (a pixel
     /// deep inside it where there is one, near its middle), `hostPixel` is the same pixel as a pointer
-    /// position (x, OverlayRow formula for y).
+    /// position (x, HostRow of its overlay row). Both follow GetExactPointerRows.
     struct PartLocation {
         GUI::Geometry::Rectangle overlay; ///< y up, 0 at the bottom
-        GUI::Geometry::Rectangle host;    ///< y down, 0 at the top
+        GUI::Geometry::Rectangle host;    ///< y down, as pointer positions (HostRow)
         GUI::Geometry::Point overlayPixel;
         GUI::Geometry::Point hostPixel;
         int pixels = 0; ///< how many pixels carry the ids
@@ -143,11 +143,20 @@ public:
     /// Initialize. Views and control layers beyond it are clamped with a message.
     int GetMaxLayerSize() const { return maxLayerSize_; }
     int GetHeight() const { return height_; }
-    /// Pointer rows: host row y (y down, 0 at the top) is overlay row height - 1 - y (y up, 0 at the
-    /// bottom), so a control's top and bottom rows are exactly the rows the pointer sees on it. The
-    /// same formula turns an overlay row back into a host row.
-    int OverlayRow(int hostY) const { return GUI::Geometry::SubSaturated(height_ - 1, hostY); }
+    /// Pointer rows. By default host row y (y down, 0 at the top) is overlay row height - y (y up, 0
+    /// at the bottom), deliberately height - y and not height - 1 - y: a host y of 0 lands on overlay
+    /// row height, outside the view, and host y height on row 0. The same formula turns an overlay
+    /// row back into a host row: host row = height - overlay row. The gizmo casts its ray through
+    /// window point (x, height - y).
+    int OverlayRow(int hostY) const {
+        return GUI::Geometry::SubSaturated(exactPointerRows_ ? height_ - 1 : height_, hostY);
+    }
     int HostRow(int overlayY) const { return OverlayRow(overlayY); }
+    /// Exact pointer rows (off by default): host row y is overlay row height - 1 - y both ways, so a
+    /// control's top and bottom rows are exactly the rows the pointer sees on it, and the gizmo casts
+    /// its ray through the pixel centre (x + 0.5, height - y - 0.5).
+    void SetExactPointerRows(bool on) { exactPointerRows_ = on; }
+    bool GetExactPointerRows() const { return exactPointerRows_; }
     /// Strict synchronisation draws the layers the plain way: a texture barrier before every draw,
     /// every control flushed and the update finished. By default barriers are issued only where draws
     /// overlap and nothing is flushed or finished; the layers come out the same (a test compares them
@@ -220,6 +229,7 @@ private:
     int32_t layerUpdateCount_ = 0;
     bool explicitGammaCorrection_ = false;
     bool strictSynchronisation_ = false;
+    bool exactPointerRows_ = false;
     bool framebufferFetch_ = true;
     // A GLsync, kept opaque here so that the header needs no sync types.
     void* layersFence_ = nullptr;
