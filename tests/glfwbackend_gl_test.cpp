@@ -7,6 +7,8 @@
 #include <trelvogui/gui/guimanager.h>
 #include <trelvogui/gui/panel.h>
 
+#include <graphicsbase/camera.h>
+
 #include <GLFW/glfw3.h>
 
 #include <gtest/gtest.h>
@@ -203,6 +205,19 @@ TEST_F(GLFWBackendTest, WheelKeysAndTouchReachTheHostsHandlers) {
     input.PixelScale(&sx, &sy);
     EXPECT_EQ(recorder.touches, (std::vector<float>{10.f * sx, 40.f * sx}));
     EXPECT_GT(input.GetDrawFlags() & DRAW_SCENE, 0);
+
+    // Results reach the host as they come; resizes keep followed cameras' viewports in step.
+    DrawFlags seen = DRAW_NOTHING;
+    input.DrawFlagsSignal.connect([&](DrawFlags f) { seen |= f; });
+    scroll(window, 0, 1);
+    EXPECT_EQ(seen, DRAW_SCENE);
+    auto camera = std::make_shared<Camera>();
+    input.FollowViewport(camera);
+    GLFWframebuffersizefun resized = glfwSetFramebufferSizeCallback(window, nullptr);
+    glfwSetFramebufferSizeCallback(window, resized);
+    resized(window, 300, 200);
+    EXPECT_EQ(manager->GetWidth(), 300);
+    EXPECT_EQ(std::make_pair(camera->Width(), camera->Height()), std::make_pair(300, 200));
 }
 
 } // namespace

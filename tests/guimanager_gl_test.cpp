@@ -8,7 +8,14 @@
 #include <trelvogui/gui/renderers/renderer.h>
 #include <trelvogui/gui/textureatlas.h>
 
+#include <graphicsbase/camera.h>
+#include <graphicsbase/directionallight.h>
+
+#include <glm/gtc/matrix_transform.hpp>
+
 #include <GL/glew.h>
+
+#include <functional>
 
 #include <string>
 #include <vector>
@@ -42,6 +49,20 @@ public:
         return log("drag " + std::to_string(dx) + "," + std::to_string(dy), Base::OnMouseDrag(e, dx, dy));
     }
     void MakeAnimatable() { SetAnimatable(true); }
+    /// Draws with this camera and light, as a 3D widget does.
+    void Follow(const Camera* camera, const DirectionalLight* light) {
+        camera_ = camera;
+        light_ = light;
+        SetUsesCamera(camera);
+        SetUsesLight(light);
+    }
+    /// Followers know where they draw, so a change redraws only there.
+    bool LayerFootprint(int, int, GUI::Geometry::Rectangle& area) override {
+        area = GetRectangle();
+        return camera_ || light_;
+    }
+    const Camera* SceneCamera() const override { return camera_; }
+    const DirectionalLight* SceneLight() const override { return light_; }
     /// Changes what the next draw paints without marking anything, as host state the control reads.
     void SetColorQuietly(uint32_t color) { color_ = color; }
 
@@ -56,6 +77,8 @@ private:
     std::vector<std::string>* journal_;
     std::string name_;
     uint32_t color_;
+    const Camera* camera_ = nullptr;
+    const DirectionalLight* light_ = nullptr;
 };
 
 class GUIManagerTest : public trelvo::test::OverlayTest {
@@ -227,6 +250,36 @@ TEST_F(GUIManagerTest, RightButtonIsNotRoutedAndNeitherIsItsRelease) {
     EXPECT_TRUE(journal.empty());
 }
 
+TEST_F(GUIManagerTest, PointerRowsHitAControlsEdgeRowsByDefaultAndWithExactRows) {
+    // Overlay rows 100..155 and 246..255. By default host y is overlay row 256 - y (host y 0 is
+    // outside the view); with exact rows host row y is overlay row 255 - y.
+    AddRoot("band", {0, 100, 100, 156});
+    AddRoot("top", {150, 200, 246, 256});
+    manager->UpdateLayers();
+    EXPECT_FALSE(manager->GetExactPointerRows()) << "off by default";
+    const struct {
+        bool exact;
+        int x, hostY;
+        const char* entered;
+    } rows[] = {{false, 10, 101, "band"},  {false, 10, 100, nullptr}, {false, 10, 156, "band"},
+                {false, 10, 157, nullptr}, {false, 160, 1, "top"},    {false, 160, 0, nullptr},
+                {false, 160, 10, "top"},   {false, 160, 11, nullptr}, {true, 10, 100, "band"},
+                {true, 10, 99, nullptr},   {true, 10, 155, "band"},   {true, 10, 156, nullptr},
+                {true, 160, 0, "top"},     {true, 160, -1, nullptr},  {true, 160, 9, "top"},
+                {true, 160, 10, nullptr}};
+    for (const auto& r : rows) {
+        manager->SetExactPointerRows(r.exact);
+        Move(250, 250, 250, 250);
+        journal.clear();
+        Move(r.x, r.hostY, 250, 250);
+        EXPECT_EQ(journal, r.entered ? std::vector<std::string>{std::string(r.entered) + " enter"}
+                                     : std::vector<std::string>{})
+            << "host row " << r.hostY << (r.exact ? " (exact)" : "");
+        EXPECT_EQ(manager->OverlayRow(r.hostY), (r.exact ? 255 : 256) - r.hostY);
+        EXPECT_EQ(manager->HostRow(manager->OverlayRow(r.hostY)), r.hostY);
+    }
+}
+
 TEST_F(GUIManagerTest, ReleaseAtHostTopRowHitsNothing) {
     AddRoot("a", {0, 100, 156, 256});
     manager->UpdateLayers();
@@ -354,4 +407,88 @@ TEST_F(GUIManagerTest, ExplicitGammaCorrectionBrightensTheCompositeAndCanBeSwitc
     EXPECT_EQ(composite(false), 128);
     EXPECT_NEAR(composite(true), 186, 1) << "255 * (128 / 255)^(1 / 2.2)";
     EXPECT_EQ(composite(false), 128) << "back to the plain program";
+}
+
+TEST_F(GUIManagerTest, FollowersOfAChangedCameraOrLightRedrawWithoutBeingTold) {
+    Camera camera;
+    camera.SetViewport(256, 256);
+    camera.CalcMatrices();
+    DirectionalLight light;
+    Probe* viewer = AddRoot("viewer", {0, 50, 0, 50});
+    viewer->Follow(&camera, nullptr);
+    Probe* lit = AddRoot("lit", {100, 150, 0, 50});
+    lit->Follow(nullptr, &light);
+    Probe* plain = AddRoot("plain", {200, 250, 0, 50});
+    plain->Follow(nullptr, nullptr); // knows its footprint too
+    manager->UpdateLayers();
+    const struct {
+        const char* what;
+        std::function<void()> change;
+        bool viewer, lit;
+    } steps[] = {
+        {"nothing", [] {}, false, false},
+        {"orbit",
+         [&] {
+             camera.SetPosition({1.f, 2.f, 5.f}), camera.CalcMatrices();
+         },
+         true, false},
+        {"viewport", [&] { camera.SetViewport(200, 100); }, true, false},
+        {"host matrices",
+         [&] { camera.SetMatrices(glm::mat4(1.f), glm::ortho(-1.f, 1.f, -1.f, 1.f, -1.f, 1.f), 200, 100); },
+         true, false},
+        {"light moved", [&] { light.position.x = -2.f; }, false, true},
+        {"light colour", [&] { light.diffuse.g = 0.1f; }, false, true},
+        {"reported camera", [&] { manager->SetCameraUpdated(true); }, true, false},
+        {"reported light", [&] { manager->SetLightUpdated(true); }, false, true},
+    };
+    // Each probe is given a new colour quietly: it shows only where the manager redrew.
+    uint32_t color = 0xFF203040;
+    auto at = [&](int x) {
+        glBindFramebuffer(GL_FRAMEBUFFER, manager->GetLayerFramebuffer());
+        const auto c = ReadColor(x, 25);
+        glBindFramebuffer(GL_FRAMEBUFFER, 0);
+        return c;
+    };
+    for (const auto& s : steps) {
+        const std::array<uint8_t, 4> before[] = {at(25), at(125), at(225)};
+        color += 0x000A0A;
+        for (Probe* p : {viewer, lit, plain})
+            p->SetColorQuietly(color);
+        s.change();
+        manager->UpdateLayers();
+        EXPECT_EQ(at(25) != before[0], s.viewer) << s.what;
+        EXPECT_EQ(at(125) != before[1], s.lit) << s.what;
+        EXPECT_EQ(at(225), before[2]) << s.what;
+    }
+}
+
+TEST_F(GUIManagerTest, LocateTellsWhereAControlAndItsPartsAreDrawn) {
+    Probe* a = AddRoot("a", {20, 60, 30, 70});
+    Probe unregistered(&journal, "u");
+    manager->UpdateLayers();
+    GUI::GUIManager::PartLocation where;
+    // Host bounds and pixel follow the pointer-row setting: a press there hits the control.
+    for (auto [part, exact] : {std::pair<unsigned, bool>{GUI::GUIManager::kAnyPart, false}, {7u, true}}) {
+        manager->SetExactPointerRows(exact);
+        ASSERT_TRUE(manager->Locate(a, part, where));
+        EXPECT_EQ(where.overlay, (GUI::Geometry::Rectangle{20, 60, 30, 70}));
+        EXPECT_EQ(where.host, (GUI::Geometry::Rectangle{20, 60, exact ? 186 : 187, exact ? 226 : 227}));
+        EXPECT_EQ(where.pixels, 40 * 40);
+        EXPECT_EQ(PidAt(where.overlayPixel.x, where.overlayPixel.y), a->GetId());
+        EXPECT_EQ(where.hostPixel.y, (exact ? 255 : 256) - where.overlayPixel.y);
+        journal.clear();
+        Press(where.hostPixel.x, where.hostPixel.y);
+        EXPECT_EQ(journal, (std::vector<std::string>{"a down"}))
+            << "the host pixel is where a pointer hits it";
+        now += 500;
+        Release(where.hostPixel.x, where.hostPixel.y);
+    }
+
+    const GUI::GUIManager::PartLocation before = where;
+    for (auto [control, part] : {std::pair<Base*, unsigned>{nullptr, 7u}, {&unregistered, 7u}, {a, 3u}}) {
+        testing::internal::CaptureStdout();
+        EXPECT_FALSE(manager->Locate(control, part, where));
+        EXPECT_NE(testing::internal::GetCapturedStdout().find("GUIManager::Locate(): "), std::string::npos);
+        EXPECT_EQ(where.overlay, before.overlay);
+    }
 }

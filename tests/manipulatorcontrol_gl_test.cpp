@@ -304,6 +304,73 @@ TEST_F(GizmoTest, CentreDragsInTheViewPlaneAndACentreClickTogglesSnapping) {
     EXPECT_FALSE(gizmo.rotatonIncrementOn());
 }
 
+TEST_F(GizmoTest, UnderAnOrthographicHostCameraHandlesArePickedAndDragsFollowThePointer) {
+    ASSERT_TRUE(
+        camera->SetMatrices(camera->ViewMatrix(), glm::ortho(-4.f, 4.f, -3.f, 3.f, 0.1f, 50.f), kW, kH));
+    ManipulatorControl gizmo(camera);
+    Add(gizmo);
+    for (int id : {1, 2, 3, 7, 8, 9, 10})
+        EXPECT_EQ(Hit(HandlePoint(gizmo, id)), std::make_pair(gizmo.GetId(), static_cast<unsigned>(id)))
+            << "handle " << id;
+
+    // An arrow drag slides along the axis with the pointer's component along it.
+    const tgeom::vec p0 = gizmo.getFrame().getPosition(), axis = gizmo.getFrame().yvector();
+    const glm::vec2 o = Window(p0), d = glm::normalize(Window(p0 + axis) - o);
+    const glm::vec2 grab = HandlePoint(gizmo, 2), motion = d * 40.f + glm::vec2(-d.y, d.x) * 15.f;
+    Drag(grab, grab + motion);
+    const tgeom::vec p1 = gizmo.getFrame().getPosition();
+    EXPECT_NEAR(glm::length(glm::cross(p1 - p0, axis)), 0.f, 1e-3f);
+    EXPECT_NEAR(glm::distance(Window(p1), o + d * glm::dot(glm::floor(grab + motion) - glm::floor(grab), d)),
+                0.f, 1.f);
+
+    // The centre moves in the view plane, keeping its depth.
+    const float depth =
+        glm::project(p1, camera->ViewMatrix(), camera->ProjectionMatrix(), glm::vec4(0, 0, kW, kH)).z;
+    const glm::vec2 target = Window(p1) + glm::vec2(-60.f, 45.f);
+    Drag(HandlePoint(gizmo, 10), target);
+    const glm::vec3 w = glm::project(gizmo.getFrame().getPosition(), camera->ViewMatrix(),
+                                     camera->ProjectionMatrix(), glm::vec4(0, 0, kW, kH));
+    EXPECT_NEAR(glm::distance(glm::vec2(w), target), 0.f, 1.5f);
+    EXPECT_NEAR(w.z, depth, 1e-4f);
+}
+
+TEST_F(GizmoTest, PointerPositionsBecomeWindowPointsAsThePointerRowSettingSays) {
+    struct Exposed : ManipulatorControl {
+        using ManipulatorControl::ManipulatorControl;
+        using ManipulatorControl::toWindow;
+    };
+    Exposed gizmo(camera);
+    const float h = kH;
+    EXPECT_EQ(gizmo.toWindow(10, 20), glm::vec2(10.f, h - 20.f)) << "no manager: the default";
+    Add(gizmo);
+    const struct {
+        bool exact;
+        int x, y;
+        glm::vec2 window;
+    } cases[] = {{false, 10, 20, {10.f, h - 20.f}},
+                 {false, 0, 0, {0.f, h}},
+                 {true, 10, 20, {10.5f, h - 20.5f}},
+                 {true, 0, 0, {0.5f, h - 0.5f}}};
+    for (const auto& c : cases) {
+        manager->SetExactPointerRows(c.exact);
+        EXPECT_EQ(gizmo.toWindow(c.x, c.y), c.window) << c.x << "," << c.y << (c.exact ? " (exact)" : "");
+    }
+    manager->SetExactPointerRows(false);
+}
+
+TEST_F(GizmoTest, AHostCameraMoveIsFollowedWithoutBeingReportedAndADegenerateOneDrawsNothing) {
+    ManipulatorControl gizmo(camera);
+    Add(gizmo);
+    camera->SetPosition({-3.f, 1.f, 4.f});
+    camera->CalcMatrices();
+    manager->UpdateLayers(); // no SetCameraUpdated
+    EXPECT_EQ(Hit(HandlePoint(gizmo, 10)), std::make_pair(gizmo.GetId(), 10u))
+        << "drawn where the camera is now";
+    camera->SetViewport(0, 0);
+    manager->UpdateLayers();
+    EXPECT_TRUE(Handles(gizmo.GetId()).empty());
+}
+
 TEST_F(GizmoTest, RingDragsTurnBySnappedStepsWithTheTurningSense) {
     ManipulatorControl gizmo(camera);
     Add(gizmo);

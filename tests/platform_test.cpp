@@ -74,6 +74,63 @@ TEST(Camera, ProjectsWithBottomLeftOriginAndUnprojectsBack) {
     EXPECT_EQ(renderer.GetViewportWidth(), 800);
 }
 
+TEST(Camera, TakesTheHostsMatricesAndRefusesDegenerateOnes) {
+    // The documented matrices are the usual look-at and perspective ones.
+    Camera camera;
+    camera.SetViewport(400, 200);
+    camera.SetPosition({1.f, 2.f, 6.f});
+    camera.CalcMatrices();
+    EXPECT_EQ(camera.ViewMatrix(),
+              glm::lookAt(glm::vec3(1.f, 2.f, 6.f), glm::vec3(0.f), glm::vec3(0.f, 1.f, 0.f)));
+    EXPECT_EQ(camera.ProjectionMatrix(), glm::perspective(glm::radians(45.f), 2.f, 0.1f, 100.f));
+
+    // An orthographic host camera in one call; the eye, target direction and up come from the view.
+    const glm::mat4 view = glm::lookAt(glm::vec3(0.f, 5.f, 0.f), glm::vec3(0.f), glm::vec3(0.f, 0.f, -1.f));
+    const glm::mat4 ortho = glm::ortho(-4.f, 4.f, -3.f, 3.f, 0.5f, 20.f);
+    ASSERT_TRUE(camera.SetMatrices(view, ortho, 640, 480));
+    EXPECT_TRUE(camera.Valid());
+    expectNear(camera.Position(), {0.f, 5.f, 0.f});
+    expectNear(camera.ViewDir(), {0.f, -1.f, 0.f});
+    expectNear(camera.UpVector(), {0.f, 0.f, -1.f});
+    float sx = 0, sy = 0, sz = 0, x = 0, y = 0, z = 0;
+    ASSERT_TRUE(camera.ProjectPoint(2.f, 0.f, -1.5f, &sx, &sy, &sz));
+    EXPECT_NEAR(sx, 480.f, 1e-3f);
+    EXPECT_NEAR(sy, 360.f, 1e-3f);
+    ASSERT_TRUE(camera.UnProjectPoint(sx, sy, 0.f, &x, &y, &z));
+    expectNear({x, y, z}, {2.f, 4.5f, -1.5f}, 1e-4f); // straight back to the near plane
+    camera.SetPosition({5.f, 0.f, 0.f});
+    camera.CalcMatrices(); // a cube click rebuilds the view and keeps the host's projection
+    EXPECT_EQ(camera.ProjectionMatrix(), ortho);
+
+    const float nan = std::nan("");
+    const struct {
+        glm::mat4 view, projection;
+        int width, height;
+    } refused[] = {{view, ortho, 0, 480},
+                   {view, ortho, 640, -1},
+                   {view, glm::mat4(0.f), 640, 480},
+                   {glm::mat4(nan), ortho, 640, 480},
+                   {view, glm::mat4(1e30f), 640, 480}};
+    const Camera before = camera;
+    for (const auto& r : refused) {
+        testing::internal::CaptureStdout();
+        EXPECT_FALSE(camera.SetMatrices(r.view, r.projection, r.width, r.height));
+        EXPECT_NE(testing::internal::GetCapturedStdout().find("Camera::SetMatrices(): "), std::string::npos);
+        EXPECT_EQ(camera.ViewMatrix(), before.ViewMatrix());
+        EXPECT_EQ(camera.ProjectionMatrix(), before.ProjectionMatrix());
+        EXPECT_EQ(camera.Width(), 640);
+    }
+    // The eye on its target leaves the matrices as they were.
+    camera.SetPosition(camera.Target());
+    testing::internal::CaptureStdout();
+    camera.CalcMatrices();
+    EXPECT_NE(testing::internal::GetCapturedStdout().find("position is on the target"), std::string::npos);
+    EXPECT_EQ(camera.ViewMatrix(), before.ViewMatrix());
+    EXPECT_TRUE(camera.Valid());
+    camera.SetViewport(0, 0);
+    EXPECT_FALSE(camera.Valid()) << "widgets draw nothing with it";
+}
+
 TEST(Resources, EmbeddedDataIsFoundByNameAndUnknownNamesFailCleanly) {
     ResourceData atlas = LoadFromResource("TrelvoGUI", "UIATLAS", "PNG");
     ASSERT_TRUE(atlas);

@@ -151,12 +151,12 @@ TEST_F(TriadTest, ClickingAFacePlacesTheCameraOnThatSide) {
         EXPECT_EQ(camera->UpVector(), ups[face]);
         EXPECT_EQ(camera->Target(), target);
 
-        manager->SetCameraUpdated(true);
-        manager->UpdateLayers();
+        manager->UpdateLayers(); // the manager notices the camera the click moved by itself
         const int centre = 10 + triad->Side() / 2;
-        unsigned pid = 0, sid = 99;
-        manager->HitDetect(centre, centre, &pid, &sid);
-        EXPECT_EQ(sid, static_cast<unsigned>(face)) << "the clicked face now faces the viewer";
+        GUI::GUIManager::PartLocation where;
+        ASSERT_TRUE(manager->Locate(triad.get(), static_cast<unsigned>(face), where));
+        EXPECT_NEAR(where.overlayPixel.x, centre, 2);
+        EXPECT_NEAR(where.overlayPixel.y, centre, 2) << "the clicked face now faces the viewer";
     }
 }
 

@@ -3,6 +3,27 @@
 
 #include <glm/gtc/matrix_transform.hpp>
 
+#include <cmath>
+#include <cstdio>
+
+namespace {
+
+bool Finite(const tgeom::mat4& m) {
+    for (int c = 0; c < 4; ++c)
+        for (int r = 0; r < 4; ++r)
+            if (!std::isfinite(m[c][r]))
+                return false;
+    return true;
+}
+
+// Singular, or too close to it for the inverse that unprojection takes to be finite.
+bool Invertible(const tgeom::mat4& m) {
+    const float d = glm::determinant(m);
+    return std::isfinite(d) && d != 0.f && Finite(glm::inverse(m));
+}
+
+} // namespace
+
 Camera::Camera() {
     CalcMatrices();
 }
@@ -11,6 +32,7 @@ void Camera::SetPerspective(float fovyDegrees, float nearPlane, float farPlane) 
     fovy_ = fovyDegrees;
     near_ = nearPlane;
     far_ = farPlane;
+    hostProjection_ = false;
 }
 
 void Camera::SetViewport(int width, int height) {
@@ -19,9 +41,48 @@ void Camera::SetViewport(int width, int height) {
 }
 
 void Camera::CalcMatrices() {
-    view_ = glm::lookAt(position_, target_, up_);
-    float aspect = height_ > 0 ? static_cast<float>(width_) / static_cast<float>(height_) : 1.f;
-    projection_ = glm::perspective(glm::radians(fovy_), aspect, near_, far_);
+    if (glm::length(target_ - position_) == 0.f) {
+        std::printf("Camera::CalcMatrices(): The position is on the target; the matrices are kept.\n");
+        return;
+    }
+    const tgeom::mat4 view = glm::lookAt(position_, target_, up_);
+    const float aspect = height_ > 0 ? static_cast<float>(width_) / static_cast<float>(height_) : 1.f;
+    const tgeom::mat4 projection =
+        hostProjection_ ? projection_ : glm::perspective(glm::radians(fovy_), aspect, near_, far_);
+    if (!Finite(view) || !Finite(projection) || !Invertible(projection * view)) {
+        std::printf("Camera::CalcMatrices(): The parameters give degenerate matrices; the matrices are "
+                    "kept.\n");
+        return;
+    }
+    view_ = view;
+    projection_ = projection;
+}
+
+bool Camera::SetMatrices(const tgeom::mat4& view, const tgeom::mat4& projection, int width, int height) {
+    if (width <= 0 || height <= 0) {
+        std::printf("Camera::SetMatrices(): The viewport %d x %d has no pixels.\n", width, height);
+        return false;
+    }
+    if (!Finite(view) || !Finite(projection) || !Invertible(view) || !Invertible(projection * view)) {
+        std::printf("Camera::SetMatrices(): The matrices are not finite or not invertible.\n");
+        return false;
+    }
+    const tgeom::mat4 world = glm::inverse(view);
+    const float distance = glm::length(target_ - position_);
+    position_ = tgeom::vec(world[3]);
+    target_ = position_ - glm::normalize(tgeom::vec(world[2])) * (distance > 0.f ? distance : 1.f);
+    up_ = glm::normalize(tgeom::vec(world[1]));
+    view_ = view;
+    projection_ = projection;
+    width_ = width;
+    height_ = height;
+    hostProjection_ = true;
+    return true;
+}
+
+bool Camera::Valid() const {
+    return width_ > 0 && height_ > 0 && Finite(view_) && Finite(projection_) &&
+           Invertible(projection_ * view_);
 }
 
 tgeom::vec Camera::ViewDir() const {

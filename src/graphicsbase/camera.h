@@ -6,7 +6,12 @@
 
 class RendererBase;
 
-/// Perspective camera looking from Position() at Target(). Call CalcMatrices() after changing it.
+/// Camera looking from Position() at Target(). Call CalcMatrices() after changing it, or hand it the
+/// host's own matrices with SetMatrices.
+///
+/// Matrix conventions: ViewMatrix() is glm::lookAt(Position(), Target(), UpVector()) (right-handed,
+/// the camera looks down its -z) and ProjectionMatrix() is glm::perspective(fovy, width / height,
+/// near, far) (clip z from -w to w), both column-major as glUniformMatrix4fv takes them unchanged.
 ///
 /// Window convention of ProjectPoint/UnProjectPoint: x from 0 at the left edge to Width() at the
 /// right, y from 0 at the bottom edge to Height() at the top (the GL window convention, not the
@@ -29,8 +34,22 @@ public:
     int Width() const { return width_; }
     int Height() const { return height_; }
 
-    /// Rebuilds the view and projection matrices from the current parameters.
+    /// Rebuilds the view matrix, and the projection unless the host's own is in use (SetMatrices),
+    /// from the current parameters. With the position on the target, or a non-finite or degenerate
+    /// result, it refuses with a message and keeps the matrices it had.
     void CalcMatrices();
+    /// Takes the host's own view and projection matrices (perspective or orthographic, any matrix
+    /// whose product is invertible) and its viewport in one call. Position, target (along the view
+    /// direction, at the distance the target had) and up vector are derived from the view matrix;
+    /// later CalcMatrices calls (a cube click) rebuild the view and keep this projection until
+    /// SetPerspective. Refused with a message, the camera unchanged, for a viewport without pixels
+    /// or non-finite or singular matrices.
+    bool SetMatrices(const tgeom::mat4& view, const tgeom::mat4& projection, int width, int height);
+    /// Whether the matrices and viewport can draw and pick: a positive viewport, finite matrices and an
+    /// invertible view-projection. Widgets draw nothing with a camera that is not.
+    bool Valid() const;
+    /// True after SetMatrices, until SetPerspective.
+    bool HostProjection() const { return hostProjection_; }
     const tgeom::mat4& ViewMatrix() const { return view_; }
     const tgeom::mat4& ProjectionMatrix() const { return projection_; }
     /// Unit vector from the position towards the target.
@@ -55,4 +74,5 @@ private:
     int height_ = 100;
     tgeom::mat4 view_{1.f};
     tgeom::mat4 projection_{1.f};
+    bool hostProjection_ = false;
 };

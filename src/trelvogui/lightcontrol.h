@@ -15,13 +15,14 @@ class GLVertexBuffer;
 /// Shows how the scene light falls on a ball, in a square viewport 10 pixels from the view's
 /// lower-right corner. Dragging turns the light's position about the world x axis (vertical motion)
 /// and y axis (horizontal motion) by 0.35 degrees a pixel, keeping its distance from the origin; the
-/// host reports the light change to the manager as after any light edit, and every widget that shares
-/// the light follows.
+/// manager notices the change at its next update and redraws every widget that shares the light.
 ///
 /// widgetHeight, marginX and marginY are kept for hosts that lay out around the widget; the drawing
 /// uses widgetWidth for both sides and 10-pixel margins.
 class TRELVOGUI_EXPORT LightControl : public GUI::Controls::Base {
 public:
+    /// The ball's tile writes this one secondary id.
+    static constexpr unsigned int kBall = 0;
     explicit LightControl(std::shared_ptr<DirectionalLight> light);
     ~LightControl() override;
 
@@ -44,6 +45,8 @@ public:
     void SetWidgetSize(int width, int height);
     void SetMargins(int x, int y);
     const std::shared_ptr<DirectionalLight>& Light() const { return light_; }
+
+    const DirectionalLight* SceneLight() const override { return light_.get(); }
 
 private:
     std::shared_ptr<GLSLProgram> program_;

@@ -1,5 +1,6 @@
 #include <trelvogui/manipulatorcontrol.h>
 
+#include <trelvogui/gui/guimanager.h>
 #include <trelvogui/manipulatorrenderer.h>
 
 #include <graphicsbase/camera.h>
@@ -129,7 +130,8 @@ void ManipulatorControl::SetVisible(bool v) {
 }
 
 void ManipulatorControl::DrawCustom() {
-    if (!camera_)
+    // A degenerate camera (no pixels, NaN or singular matrices) would draw and pick NaN: nothing.
+    if (!camera_ || !camera_->Valid())
         return;
     GL::GLScopedBindings hostState;
     camera_->SetMatrixParams(renderer_.get());
@@ -145,6 +147,11 @@ bool ManipulatorControl::LayerFootprint(int layerWidth, int layerHeight, GUI::Ge
 }
 
 glm::vec2 ManipulatorControl::toWindow(int x, int y) const {
+    // By default window point (x, height - y); with exact pointer rows the centre of the pointer's
+    // pixel, host row y being window row height - 1 - y.
+    const GUI::GUIManager* manager = Manager();
+    if (manager && manager->GetExactPointerRows())
+        return {static_cast<float>(x) + 0.5f, static_cast<float>(camera_->Height() - y) - 0.5f};
     return {static_cast<float>(x), static_cast<float>(camera_->Height()) - static_cast<float>(y)};
 }
 

@@ -27,6 +27,20 @@ class ManipulatorRenderer;
 class TRELVOGUI_EXPORT ManipulatorControl : public GUI::Controls::Base {
 public:
     using TransformationSignal = boost::signals2::signal<DrawFlags()>;
+    /// Secondary ids the handles write into the id layer (the event's sid, a GUIManager::Locate part).
+    enum Handle : unsigned int {
+        kNoHandle = 0,
+        kTranslateX = 1,
+        kTranslateY = 2,
+        kTranslateZ = 3,
+        kRotateX = 4,
+        kRotateY = 5,
+        kRotateZ = 6,
+        kScaleX = 7,
+        kScaleY = 8,
+        kScaleZ = 9,
+        kCentre = 10,
+    };
 
     TransformationSignal transformationSignal;
     /// Free for hosts; the library never fires them.
@@ -111,6 +125,8 @@ protected:
     /// One step of the drag under way; false when the pressed id is no handle.
     bool dragStep(const glm::vec2& mouse);
     void copyToAttached();
+
+    const Camera* SceneCamera() const override { return camera_.get(); }
 
 private:
     std::shared_ptr<Camera> camera_;

@@ -31,7 +31,7 @@ bool PlaneControl::Initialize() {
 }
 
 void PlaneControl::DrawCustom() {
-    if (!planarRenderer_ || !GetCamera())
+    if (!planarRenderer_ || !GetCamera() || !GetCamera()->Valid())
         return;
     GL::GLScopedBindings hostState;
     ManipulatorControl::DrawCustom();

@@ -164,7 +164,7 @@ bool TriadControl::Initialize() {
 }
 
 void TriadControl::DrawCustom() {
-    if (!ready_)
+    if (!ready_ || !camera_->Valid())
         return;
     // Culling, winding, polygon mode, viewport and the label unit are the host's again afterwards.
     GL::GLScopedBindings hostState;

@@ -17,11 +17,21 @@ class GLVertexBuffer;
 /// square viewport 10 pixels from the view's lower-left corner. Clicking a face moves the camera to
 /// that side of its target at the same distance (face = the event's secondary id: 0 -Y, 1 +Y, 2 +Z,
 /// 3 -X, 4 -Z, 5 +X). The host recomputes nothing: the camera's matrices are rebuilt here, and the
-/// host tells the manager the camera changed as after any camera move.
+/// manager notices the change at its next update, as it notices the host's own camera moves.
 ///
-/// Uses the camera and the light, so the manager redraws it whenever the host reports either changed.
+/// Uses the camera and the light, so the manager redraws it whenever either changes.
 class TRELVOGUI_EXPORT TriadControl : public GUI::Controls::Base {
 public:
+    /// Secondary ids the cube's faces write (the event's sid, a GUIManager::Locate part), named after
+    /// the axis direction the face shows; a click puts the camera on that side.
+    enum Face : unsigned int {
+        kFaceMinusY = 0,
+        kFacePlusY = 1,
+        kFacePlusZ = 2,
+        kFaceMinusX = 3,
+        kFaceMinusZ = 4,
+        kFacePlusX = 5,
+    };
     TriadControl(std::shared_ptr<Camera> camera, std::shared_ptr<DirectionalLight> light);
     /// Deletes the program, the geometry and the label texture (GL context current).
     ~TriadControl() override;
@@ -44,6 +54,9 @@ public:
     /// The side the next draw uses for the current camera size.
     int Side() const;
     unsigned int LabelTexture() const { return labelTexture_; }
+
+    const Camera* SceneCamera() const override { return camera_.get(); }
+    const DirectionalLight* SceneLight() const override { return light_.get(); }
 
 private:
     std::shared_ptr<Camera> camera_;

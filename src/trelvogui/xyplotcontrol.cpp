@@ -152,7 +152,7 @@ bool XYPlotControl::Hover(int x, int y) {
 DrawFlags XYPlotControl::OnMouseHover(GUI::Event* e) {
     if (!e || !Manager())
         return DRAW_NOTHING;
-    return Hover(e->x, Manager()->GetHeight() - e->y) ? DRAW_OVERLAY : DRAW_NOTHING;
+    return Hover(e->x, Manager()->OverlayRow(e->y)) ? DRAW_OVERLAY : DRAW_NOTHING;
 }
 
 DrawFlags XYPlotControl::OnMouseExit(GUI::Event* e) {
@@ -189,7 +189,7 @@ DrawFlags XYPlotControl::OnMouseWheel(GUI::Event* e, int delta) {
     const GUI::Geometry::Rectangle& p = v.plot;
     if (p.Width() <= 0 || p.Height() <= 0)
         return DRAW_NOTHING;
-    const double x = e->x, y = Manager()->GetHeight() - e->y;
+    const double x = e->x, y = Manager()->OverlayRow(e->y);
     const double factor = std::pow(kNotchZoom, delta / 120.0);
     // Over the plot both ways; over an axis (beside the plot) along that axis only.
     const bool alongX = y < p.yMin || (x >= p.xMin && y < p.yMax);

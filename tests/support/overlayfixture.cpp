@@ -45,7 +45,7 @@ DrawFlags OverlayTest::Release(int x, int y) {
 }
 
 DrawFlags OverlayTest::Click(int x, int y) {
-    const int hostY = manager->GetHeight() - y;
+    const int hostY = manager->HostRow(y);
     Press(x, hostY);
     return Release(x, hostY);
 }

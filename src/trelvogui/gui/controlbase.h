@@ -14,6 +14,9 @@
 #include <memory>
 #include <vector>
 
+class Camera;
+struct DirectionalLight;
+
 namespace GUI {
 class GUIManager;
 namespace Texture {
@@ -136,6 +139,11 @@ public:
     /// The wheel turned by `delta` (positive away from the user, 120 a notch) with the pointer over
     /// the control at the event's position. DRAW_NOTHING (the default) passes it on to the parent.
     virtual DrawFlags OnMouseWheel(GUI::Event* e, int delta);
+    /// The host camera and light the control draws with (null where it uses none). The manager
+    /// compares their matrices, viewport and values with those of the last update and redraws the
+    /// controls that follow a changed one, whether or not the host reported the change.
+    virtual const Camera* SceneCamera() const { return nullptr; }
+    virtual const DirectionalLight* SceneLight() const { return nullptr; }
 
     /// Expires when this control is destroyed. Code that calls out to host code (signals, callbacks)
     /// takes one first and stops touching the control when it has expired: a handler may delete the
@@ -167,6 +175,7 @@ public:
     /// but the controls no longer mark that manager stale.
     bool Unregister();
     GUI::GUIManager* Manager() { return manager_.get(); }
+    const GUI::GUIManager* Manager() const { return manager_.get(); }
     /// Set by the manager while the control is in its registry.
     void SetManagerRedrawFlag(bool* flag) { managerRedrawFlag_ = flag; }
     bool* ManagerRedrawFlag() { return managerRedrawFlag_; }

@@ -8,6 +8,8 @@
 #include <trelvogui/gui/renderers/openglrenderer.h>
 #include <trelvogui/gui/textureatlas.h>
 
+#include <graphicsbase/camera.h>
+#include <graphicsbase/directionallight.h>
 #include <graphicsbase/glerror.h>
 #include <graphicsbase/glloader.h>
 #include <graphicsbase/glscopedbindings.h>
@@ -332,15 +334,23 @@ void GUIManager::updateLayers() {
         delete s;
     cancelled_.clear();
 
-    bool camera = GetCameraUpdated();
-    bool light = GetLightUpdated();
-    if (camera || light) {
-        for (GUI::Controls::Base* control : Controls())
-            if ((camera && control->UsesCamera()) || (light && control->UsesLight()))
-                control->SetNeedsRedraw(true);
-        SetCameraUpdated(false);
-        SetLightUpdated(false);
+    const bool camera = GetCameraUpdated(), light = GetLightUpdated();
+    for (GUI::Controls::Base* control : Controls()) {
+        if (!control->UsesCamera() && !control->UsesLight())
+            continue;
+        // A host that changed its camera or light without saying so still gets a right picture.
+        bool stale = (camera && control->UsesCamera()) || (light && control->UsesLight());
+        const SceneState now = SceneState::Of(control->SceneCamera(), control->SceneLight());
+        SceneState& drawn = sceneStates_[control->GetId()];
+        if (!(now == drawn)) {
+            drawn = now;
+            stale = true;
+        }
+        if (stale)
+            control->SetNeedsRedraw(true);
     }
+    SetCameraUpdated(false);
+    SetLightUpdated(false);
 
     updating_ = false;
     if (!NeedsRedraw() || !renderer_ || !atlas_ || !layerFramebuffer_)
@@ -670,6 +680,63 @@ bool GUIManager::HitDetect(int x, int y, unsigned int* pid, unsigned int* sid) {
     return true;
 }
 
+bool GUIManager::Locate(GUI::Controls::Base* control, unsigned int part, PartLocation& where) {
+    if (!control || !Contains(control->GetId()) || Find(control->GetId()) != control) {
+        std::printf("GUIManager::Locate(): The control is null or not registered with this manager.\n");
+        return false;
+    }
+    std::vector<GLuint> ids(static_cast<size_t>(width_) * static_cast<size_t>(height_) * 4);
+    if (pickFramebuffer_ && !ids.empty()) {
+        GL::GLScopedBindings hostState;
+        glBindFramebuffer(GL_READ_FRAMEBUFFER, pickFramebuffer_);
+        GB_CHECK_GL(kFile);
+        WaitForLayers();
+        glReadPixels(0, 0, width_, height_, GL_RGBA_INTEGER, GL_UNSIGNED_INT, ids.data());
+        GB_CHECK_GL(kFile);
+    }
+    const unsigned int pid = control->GetId();
+    auto is = [&](int x, int y) {
+        if (x < 0 || x >= width_ || y < 0 || y >= height_)
+            return false;
+        const GLuint* t = &ids[(static_cast<size_t>(y) * width_ + x) * 4];
+        return t[0] == pid && (part == kAnyPart || t[1] == part);
+    };
+    PartLocation found;
+    found.overlay = {width_, 0, height_, 0};
+    long long sumX = 0, sumY = 0;
+    for (int y = 0; y < height_; ++y)
+        for (int x = 0; x < width_; ++x)
+            if (is(x, y)) {
+                found.overlay = {std::min(found.overlay.xMin, x), std::max(found.overlay.xMax, x + 1),
+                                 std::min(found.overlay.yMin, y), std::max(found.overlay.yMax, y + 1)};
+                sumX += x, sumY += y, ++found.pixels;
+            }
+    if (found.pixels == 0) {
+        std::printf("GUIManager::Locate(): Control %u draws no pixels with part %u.\n", pid, part);
+        return false;
+    }
+    // The pixel nearest the middle, preferring one whose neighbours two pixels away are the part too,
+    // so that a pointer a little off still lands on it.
+    const double cx = static_cast<double>(sumX) / found.pixels, cy = static_cast<double>(sumY) / found.pixels;
+    double best = -1.0;
+    for (int y = found.overlay.yMin; y < found.overlay.yMax; ++y)
+        for (int x = found.overlay.xMin; x < found.overlay.xMax; ++x) {
+            if (!is(x, y))
+                continue;
+            const bool deep = is(x + 2, y) && is(x - 2, y) && is(x, y + 2) && is(x, y - 2);
+            const double score = (x - cx) * (x - cx) + (y - cy) * (y - cy) + (deep ? 0.0 : 1e12);
+            if (best < 0.0 || score < best) {
+                best = score;
+                found.overlayPixel = {x, y};
+            }
+        }
+    found.host = {found.overlay.xMin, found.overlay.xMax, HostRow(found.overlay.yMax - 1),
+                  HostRow(found.overlay.yMin) + 1};
+    found.hostPixel = {found.overlayPixel.x, HostRow(found.overlayPixel.y)};
+    where = found;
+    return true;
+}
+
 bool GUIManager::AddAnimation(GUI::Animation::Sequence* sequence) {
     if (!sequence) {
         LogFile::Instance().AddLine(LogLevel::Warning, "GUIManager::AddAnimation(): The sequence is null.\n");
@@ -716,7 +783,7 @@ bool GUIManager::ClearAnimationOnControl(GUI::Controls::Base* control) {
 DrawFlags GUIManager::mousePressEvent(VX_UI::MouseEvent* e) {
     DrawFlags result = DRAW_NOTHING;
     if (e->buttons & VX_UI::BUTTON_LEFT) {
-        HitDetect(e->x, GUI::Geometry::SubSaturated(height_, e->y), &e->pid, &e->sid);
+        HitDetect(e->x, OverlayRow(e->y), &e->pid, &e->sid);
         pressTime_ = GUI::Clock::Ticks();
         if (GUI::Controls::Base* control = addressed(e->pid)) {
             GUI::Event event = controlEvent(*e);
@@ -749,7 +816,7 @@ DrawFlags GUIManager::mousePressEvent(VX_UI::MouseEvent* e) {
 DrawFlags GUIManager::mouseMoveEvent(VX_UI::MouseEvent* e) {
     DrawFlags result = DRAW_NOTHING;
     if (e->buttons == 0) {
-        HitDetect(e->x, GUI::Geometry::SubSaturated(height_, e->y), &e->pid, &e->sid);
+        HitDetect(e->x, OverlayRow(e->y), &e->pid, &e->sid);
         unsigned int last = pointer_.pid;
         if (e->pid != last) {
             if (GUI::Controls::Base* previous = addressed(last)) {
@@ -793,7 +860,7 @@ DrawFlags GUIManager::mouseReleaseEvent(VX_UI::MouseEvent* e) {
             if (GUI::Controls::Base* control = addressed(pressed))
                 result |= control->OnMouseUp(&event);
         }
-        HitDetect(e->x, GUI::Geometry::SubSaturated(height_, e->y), &e->pid, &e->sid);
+        HitDetect(e->x, OverlayRow(e->y), &e->pid, &e->sid);
         if (e->pid != pressed)
             if (GUI::Controls::Base* control = addressed(pressed))
                 result |= control->OnMouseExit(&event);
@@ -810,7 +877,7 @@ DrawFlags GUIManager::mouseWheel(VX_UI::MouseWheelEvent* e) {
     if (!e || e->delta == 0)
         return DRAW_NOTHING;
     VX_UI::MouseEvent at = pointer_;
-    HitDetect(at.x, GUI::Geometry::SubSaturated(height_, at.y), &at.pid, &at.sid);
+    HitDetect(at.x, OverlayRow(at.y), &at.pid, &at.sid);
     GUI::Event event = controlEvent(at);
     for (GUI::Controls::Base* control = addressed(at.pid); control;) {
         // The handler may delete the control (and its parents): stop if it did.
@@ -846,9 +913,28 @@ bool GUIManager::RemoveControl(GUI::Controls::Base* control) {
     ClearAnimationOnControl(control);
     layersWhole_ = true;
     footprints_.erase(control->GetId());
+    sceneStates_.erase(control->GetId());
     control->SetManagerRedrawFlag(nullptr);
     SetNeedsRedraw(true);
     return Factory::RemoveControl(control);
 }
 
+GUIManager::SceneState GUIManager::SceneState::Of(const Camera* camera, const DirectionalLight* light) {
+    SceneState s;
+    float* out = s.values.data();
+    if (camera) {
+        std::memcpy(out, &camera->ViewMatrix()[0][0], 16 * sizeof(float));
+        std::memcpy(out + 16, &camera->ProjectionMatrix()[0][0], 16 * sizeof(float));
+        out[32] = static_cast<float>(camera->Width());
+        out[33] = static_cast<float>(camera->Height());
+    }
+    if (light) {
+        const tgeom::vec4* parts[] = {&light->ambient, &light->diffuse, &light->specular};
+        for (int i = 0; i < 3; ++i)
+            std::memcpy(out + 34 + 4 * i, &(*parts[i])[0], 4 * sizeof(float));
+        std::memcpy(out + 46, &light->position[0], 3 * sizeof(float));
+    }
+    out[49] = (camera ? 1.f : 0.f) + (light ? 2.f : 0.f);
+    return s;
+}
 } // namespace GUI

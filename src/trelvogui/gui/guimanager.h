@@ -11,12 +11,15 @@
 
 #include <boost/signals2/signal.hpp>
 
+#include <array>
 #include <cstdint>
+#include <cstring>
 #include <map>
 #include <memory>
 #include <vector>
 
 class GLSLProgram;
+struct DirectionalLight;
 
 namespace GUI {
 namespace Renderer {
@@ -75,6 +78,23 @@ public:
     void WaitForLayers();
     /// Reads the ids under overlay pixel (x, y), y up; both are 0 outside the view. Always true.
     virtual bool HitDetect(int x, int y, unsigned int* pid, unsigned int* sid);
+    /// Where a control or one of its parts is drawn in the id layer, for hosts and tests that script
+    /// input. Bounds are half-open pixel rectangles; `overlayPixel` hit-tests to the part (a pixel
+    /// deep inside it where there is one, near its middle), `hostPixel` is the same pixel as a pointer
+    /// position (x, HostRow of its overlay row). Both follow GetExactPointerRows.
+    struct PartLocation {
+        GUI::Geometry::Rectangle overlay; ///< y up, 0 at the bottom
+        GUI::Geometry::Rectangle host;    ///< y down, as pointer positions (HostRow)
+        GUI::Geometry::Point overlayPixel;
+        GUI::Geometry::Point hostPixel;
+        int pixels = 0; ///< how many pixels carry the ids
+    };
+    /// Any secondary id: Locate finds the whole control.
+    static constexpr unsigned int kAnyPart = ~0u;
+    /// Reads the id layer back (one full read: not for every frame) and fills `where` for the pixels
+    /// of `control` with secondary id `part` (kAnyPart for all). False, with a message and `where`
+    /// unchanged, for a null or unregistered control or one with no such pixels in the last update.
+    bool Locate(GUI::Controls::Base* control, unsigned int part, PartLocation& where);
     /// Takes ownership of a started sequence; it is deleted when done.
     virtual bool AddAnimation(GUI::Animation::Sequence* sequence);
     /// Deletes every sequence that animates `control`.
@@ -123,6 +143,20 @@ public:
     /// Initialize. Views and control layers beyond it are clamped with a message.
     int GetMaxLayerSize() const { return maxLayerSize_; }
     int GetHeight() const { return height_; }
+    /// Pointer rows. By default host row y (y down, 0 at the top) is overlay row height - y (y up, 0
+    /// at the bottom), deliberately height - y and not height - 1 - y: a host y of 0 lands on overlay
+    /// row height, outside the view, and host y height on row 0. The same formula turns an overlay
+    /// row back into a host row: host row = height - overlay row. The gizmo casts its ray through
+    /// window point (x, height - y).
+    int OverlayRow(int hostY) const {
+        return GUI::Geometry::SubSaturated(exactPointerRows_ ? height_ - 1 : height_, hostY);
+    }
+    int HostRow(int overlayY) const { return OverlayRow(overlayY); }
+    /// Exact pointer rows (off by default): host row y is overlay row height - 1 - y both ways, so a
+    /// control's top and bottom rows are exactly the rows the pointer sees on it, and the gizmo casts
+    /// its ray through the pixel centre (x + 0.5, height - y - 0.5).
+    void SetExactPointerRows(bool on) { exactPointerRows_ = on; }
+    bool GetExactPointerRows() const { return exactPointerRows_; }
     /// Strict synchronisation draws the layers the plain way: a texture barrier before every draw,
     /// every control flushed and the update finished. By default barriers are issued only where draws
     /// overlap and nothing is flushed or finished; the layers come out the same (a test compares them
@@ -156,6 +190,16 @@ private:
     void deleteCompositeQuad();
     GUI::Controls::Base* addressed(unsigned int id) { return Contains(id) ? Find(id) : nullptr; }
 
+    /// What a camera- or light-following control drew with: view, projection, viewport, light.
+    struct SceneState {
+        std::array<float, 50> values{};
+        static SceneState Of(const Camera* camera, const DirectionalLight* light);
+        bool operator==(const SceneState& o) const {
+            return std::memcmp(&values, &o.values, sizeof values) == 0;
+        }
+    };
+    std::map<unsigned int, SceneState> sceneStates_;
+
     GUI::Renderer::Type rendererType_;
     GUI::Renderer::Base* renderer_ = nullptr;
     GUI::Texture::Atlas* atlas_ = nullptr;
@@ -185,6 +229,7 @@ private:
     int32_t layerUpdateCount_ = 0;
     bool explicitGammaCorrection_ = false;
     bool strictSynchronisation_ = false;
+    bool exactPointerRows_ = false;
     bool framebufferFetch_ = true;
     // A GLsync, kept opaque here so that the header needs no sync types.
     void* layersFence_ = nullptr;

@@ -4,6 +4,7 @@
 
 #include <trelvogui/gui/guimanager.h>
 
+#include <graphicsbase/camera.h>
 #include <graphicsbase/logfile.h>
 
 #include <GLFW/glfw3.h>
@@ -278,9 +279,19 @@ void GLFWBackend::onFramebufferSize(GLFWwindow* window, int width, int height) {
     if (self->previous_->framebufferSize)
         self->previous_->framebufferSize(window, width, height);
     // A minimised window reports 0 x 0; the overlay keeps its layers until it comes back.
-    if (width > 0 && height > 0)
+    if (width > 0 && height > 0) {
         self->withContext([&] { self->manager_->Resize(width, height); });
+        for (const std::shared_ptr<Camera>& camera : self->cameras_) {
+            camera->SetViewport(width, height);
+            camera->CalcMatrices();
+        }
+    }
     self->requested_ = true;
+}
+
+void GLFWBackend::FollowViewport(std::shared_ptr<Camera> camera) {
+    if (camera)
+        cameras_.push_back(std::move(camera));
 }
 
 } // namespace GUI

@@ -11,6 +11,9 @@
 
 #include <atomic>
 #include <memory>
+#include <vector>
+
+class Camera;
 
 struct GLFWwindow;
 
@@ -76,6 +79,10 @@ public:
     /// them here.
     bool Touch(const VX_UI::TouchEvent& event);
 
+    /// Keeps the camera's viewport at the framebuffer size on resizes (and rebuilds its matrices), so
+    /// widgets are drawn and picked where the host's scene is. Null is ignored.
+    void FollowViewport(std::shared_ptr<Camera> camera);
+
     /// The wheel delta for one notch of a mouse wheel; finer touchpad scrolling is accumulated.
     static constexpr int kWheelNotch = 120;
 
@@ -104,6 +111,7 @@ private:
     int buttons_ = 0;
     int modifiers_ = 0;
     double wheel_ = 0.0;
+    std::vector<std::shared_ptr<Camera>> cameras_;
     std::atomic<bool> requested_{true};
     int frames_ = 0;
     bool traceFrames_ = false;
