@@ -20,6 +20,7 @@
 #include <GL/glew.h>
 
 #include <cmath>
+#include <functional>
 #include <map>
 
 namespace {
@@ -404,6 +405,26 @@ TEST_F(GizmoTest, RingDragsTurnBySnappedStepsWithTheTurningSense) {
     }
 }
 
+TEST_F(GizmoTest, ARayParallelToTheRingsPlaneKeepsTheTurnMadeSoFar) {
+    ManipulatorControl gizmo(camera);
+    Add(gizmo);
+    const glm::vec2 o = Window(gizmo.getFrame().getPosition()), grab = HandlePoint(gizmo, 4);
+    const tgeom::quat press = gizmo.getFrame().getOrientation();
+    PressAt(grab);
+    const glm::vec2 r = grab - o, turned = o + glm::vec2(r.x * 0.9f - r.y * 0.44f, r.x * 0.44f + r.y * 0.9f);
+    MoveTo(turned, 1);
+    const tgeom::quat before = gizmo.getFrame().getOrientation();
+    ASSERT_GT(TurnBetween(press, before).first, 10.f * kDegree);
+    // The host switches to a view straight down -z: every ray now runs parallel to the x ring's plane.
+    ASSERT_TRUE(
+        camera->SetMatrices(glm::lookAt(glm::vec3(0.f, 0.f, 10.f), glm::vec3(0.f), glm::vec3(0.f, 1.f, 0.f)),
+                            glm::ortho(-4.f, 4.f, -3.f, 3.f, 0.1f, 50.f), kW, kH));
+    MoveTo(turned + glm::vec2(30.f, 20.f), 1);
+    EXPECT_LT(TurnBetween(before, gizmo.getFrame().getOrientation()).first, 1e-4f);
+    ReleaseAt(turned + glm::vec2(30.f, 20.f));
+    EXPECT_LT(TurnBetween(before, gizmo.getFrame().getOrientation()).first, 1e-4f);
+}
+
 TEST_F(GizmoTest, ARingClickTurnsAQuarterAboutTheFramesOwnAxisButAQuickRingDragDoesNot) {
     ManipulatorControl gizmo(camera);
     Add(gizmo);
@@ -519,6 +540,19 @@ TEST_F(GizmoTest, PressingTheGizmoKeepsItBeneathThePanelsOverTheScene) {
 TEST_F(GizmoTest, AttachingAndReportingEdges) {
     ManipulatorControl gizmo(camera);
     ASSERT_TRUE(gizmo.Initialize());
+    // Every setter that changes the picture asks for a redraw.
+    const std::pair<const char*, std::function<void()>> setters[] = {
+        {"setPosition", [&] { gizmo.setPosition(0.f, 1.f, 0.f); }},
+        {"setOrientation", [&] { gizmo.setOrientation(0.f, 1.f, 0.f, 0.f); }},
+        {"setScale", [&] { gizmo.setScale(2.f, 1.f, 1.f); }},
+        {"enableTranslation", [&] { gizmo.enableTranslation(true, false, true); }}};
+    for (const auto& [name, set] : setters) {
+        gizmo.ClearNeedsRedraw();
+        set();
+        EXPECT_TRUE(gizmo.NeedsRedraw()) << name;
+    }
+    gizmo.setOrientation(1.f, 0.f, 0.f, 0.f);
+    gizmo.setScale(1.f, 1.f, 1.f);
     auto first = std::make_shared<LocalFrame>();
     first->setPosition({1.f, 2.f, 3.f});
     gizmo.attachFrame(first);

@@ -95,6 +95,7 @@ void ManipulatorControl::setOrientation(float w, float x, float y, float z) {
 void ManipulatorControl::setScale(float x, float y, float z) {
     getFrame().setScale({x, y, z});
     prevFrame_.setScale({x, y, z});
+    SetNeedsRedraw(true);
 }
 
 void ManipulatorControl::enableTranslation(bool x, bool y, bool z) {
@@ -247,6 +248,7 @@ DrawFlags ManipulatorControl::OnMouseDown(GUI::Event* e) {
         break;
     }
     planeDirection(pressMouse_, dragAxis_, pressDirection_);
+    lastDirection_ = pressDirection_;
     std::weak_ptr<const void> alive = LifeToken();
     processPressEvent();
     if (!alive.expired())
@@ -294,8 +296,11 @@ bool ManipulatorControl::dragStep(const glm::vec2& mouse) {
         frame.setPosition(moved);
         transformation_.setPosition(moved - before);
     } else if (IsRing(activeHandle_)) {
-        tgeom::vec v = pressDirection_;
+        // A ray parallel to the ring's plane meets it nowhere: the turn stays where the last usable
+        // ray put it rather than jumping back to the press orientation.
+        tgeom::vec v = lastDirection_;
         planeDirection(currentMouse_, dragAxis_, v);
+        lastDirection_ = v;
         // The angle between the two directions; atan2 keeps it exact near 0, where acos of a dot
         // product a rounding error below 1 would already turn by half a milliradian.
         tgeom::vec across = glm::cross(pressDirection_, v);

@@ -148,6 +148,7 @@ private:
     glm::vec2 currentMouse_{0.f};
     tgeom::quat pressOrientation_{1.f, 0.f, 0.f, 0.f};
     tgeom::vec pressDirection_{1.f, 0.f, 0.f};
+    tgeom::vec lastDirection_{1.f, 0.f, 0.f};
     float rotationIncrement_ = 0.0872665f;
     bool uniformScaling_ = false;
     bool rotationIncrementOn_ = false;
