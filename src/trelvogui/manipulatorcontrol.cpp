@@ -249,11 +249,42 @@ DrawFlags ManipulatorControl::OnMouseDown(GUI::Event* e) {
     }
     planeDirection(pressMouse_, dragAxis_, pressDirection_);
     lastDirection_ = pressDirection_;
+    pressFrame_ = frame;
+    if (attachedFrame_)
+        attachedPressFrame_ = *attachedFrame_;
+    dragging_ = activeHandle_ >= 1 && activeHandle_ <= static_cast<int>(kCentre); // a handle, not a stray id
     std::weak_ptr<const void> alive = LifeToken();
     processPressEvent();
+    if (alive.expired())
+        return DRAW_OVERLAY;
+    if (dragging_)
+        dragStartedSignal(pressFrame_, getFrame());
     if (!alive.expired())
         SetNeedsRedraw(true);
     return DRAW_OVERLAY;
+}
+
+DrawFlags ManipulatorControl::OnCancelDrag(GUI::Event*) {
+    if (!dragging_)
+        return DRAW_NOTHING;
+    dragging_ = false;
+    const LocalFrame abandoned = getFrame();
+    getFrame() = pressFrame_;
+    if (attachedFrame_)
+        *attachedFrame_ = attachedPressFrame_;
+    // Later moves of the still-held button and its release belong to no drag.
+    activeHandle_ = 0;
+    centreDragged_ = false;
+    moved_ = true;
+    scale_ = 1.0;
+    lastScale_ = 1.0;
+    lastPosition_ = pressFrame_.getPosition();
+    lastOrientation_ = pressFrame_.getOrientation();
+    std::weak_ptr<const void> alive = LifeToken();
+    dragCancelledSignal(pressFrame_, abandoned);
+    if (!alive.expired())
+        SetNeedsRedraw(true);
+    return DRAW_OVERLAY | DRAW_SCENE;
 }
 
 DrawFlags ManipulatorControl::OnDoubleClick(GUI::Event*) {
@@ -389,6 +420,12 @@ DrawFlags ManipulatorControl::OnMouseUp(GUI::Event*) {
     DrawFlags r = processReleaseEvent();
     if (alive.expired())
         return r | DRAW_OVERLAY;
+    if (dragging_) {
+        dragging_ = false;
+        dragEndedSignal(pressFrame_, getFrame());
+        if (alive.expired())
+            return r | DRAW_OVERLAY;
+    }
     if (r != DRAW_NOTHING || centre) {
         SetNeedsRedraw(true);
         return DRAW_OVERLAY;
