@@ -174,3 +174,29 @@ void main() { gl_Position = vec4(0.0); }
         EXPECT_EQ(Layers().Pid(60, 101) == axis.GetId(), c.drawsBand);
     }
 }
+
+TEST_F(AxisGLTest, ATurnedAxisLaysOutItsLabelsAsOneMadeThatWay) {
+    const std::pair<AxisControl::Orientation, AxisControl::Orientation> turns[] = {
+        {AxisControl::AlongYMin, AxisControl::AlongXMax},
+        {AxisControl::AlongXMin, AxisControl::AlongYMax},
+        {AxisControl::AlongYMax, AxisControl::AlongYMin}};
+    for (const auto& [from, to] : turns) {
+        SCOPED_TRACE(std::to_string(from) + " -> " + std::to_string(to));
+        AxisControl turned, made;
+        turned.SetTitle(L"t");
+        made.SetTitle(L"t");
+        Build(turned, from, kSquare);
+        turned.SetOrientation(to);
+        turned.SetRectangle(kSquare); // the next layout
+        Build(made, to, kSquare);
+        EXPECT_EQ(turned.GetTitleLabel()->GetOrientation(), made.GetTitleLabel()->GetOrientation());
+        ASSERT_EQ(turned.GetNumberLabels().size(), made.GetNumberLabels().size());
+        for (std::size_t i = 0; i < made.GetNumberLabels().size(); ++i) {
+            GUI::Controls::Label* a = turned.GetNumberLabels()[i];
+            GUI::Controls::Label* b = made.GetNumberLabels()[i];
+            EXPECT_EQ(a->GetHorizontalAlignment(), b->GetHorizontalAlignment()) << i;
+            EXPECT_EQ(a->GetVerticalAlignment(), b->GetVerticalAlignment()) << i;
+            EXPECT_EQ(a->GetRectangle(), b->GetRectangle()) << i;
+        }
+    }
+}

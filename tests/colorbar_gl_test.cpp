@@ -146,7 +146,8 @@ TEST_F(ColorBarGLTest, UpdateColorMapReplacesTheTextureWithTheRequestedSampling)
     EXPECT_EQ(TextureParameter(second, GL_TEXTURE_MIN_FILTER), GL_LINEAR);
     EXPECT_EQ(TextureParameter(second, GL_TEXTURE_MAG_FILTER), GL_LINEAR);
 
-    // The bar shows the new colours.
+    // The bar shows the new colours, and a later map is shown at the next update without any other
+    // change asking for a redraw.
     ASSERT_TRUE(bar.Initialize());
     bar.UpdateColorMap(kSteps, false);
     bar.SetRectangle({0, 40, 0, 200});
@@ -154,6 +155,10 @@ TEST_F(ColorBarGLTest, UpdateColorMapReplacesTheTextureWithTheRequestedSampling)
     manager->UpdateLayers();
     EXPECT_EQ(Layers().Color(20, 10), Bytes(kSteps[0]));
     EXPECT_EQ(Layers().Color(20, 190), Bytes(kSteps[3]));
+    bar.UpdateColorMap({kSteps[3], kSteps[2], kSteps[1], kSteps[0]}, false);
+    EXPECT_TRUE(bar.NeedsRedraw());
+    manager->UpdateLayers();
+    EXPECT_EQ(Layers().Color(20, 10), Bytes(kSteps[3]));
 
     // No colours: a zero-width texture and no GL error left behind (the fixture fails on a logged one).
     bar.UpdateColorMap({}, true);

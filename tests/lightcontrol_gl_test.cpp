@@ -6,6 +6,7 @@
 #include <trelvogui/lightcontrol.h>
 
 #include <graphicsbase/directionallight.h>
+#include <graphicsbase/uievents.h>
 
 #include <glm/glm.hpp>
 
@@ -172,4 +173,71 @@ TEST_F(LightTest, WithoutInitializeNothingIsDrawn) {
     manager->UpdateLayers();
     // The registered widget covers the same corner; the bare one adds nothing and logs no GL error.
     EXPECT_EQ(PidAt(208, 47), widget->GetId());
+}
+
+TEST_F(LightTest, ADragReportsItsEdgesAndEscapeOrAnotherButtonPutsTheLightBack) {
+    int started = 0, ended = 0, cancelled = 0;
+    glm::vec3 reportedPress(0.f), reportedNow(0.f);
+    auto record = [&](int& count) {
+        return [&](const tgeom::vec& atPress, const tgeom::vec& now) {
+            ++count;
+            reportedPress = atPress;
+            reportedNow = now;
+        };
+    };
+    widget->dragStartedSignal.connect(record(started));
+    widget->dragEndedSignal.connect(record(ended));
+    widget->dragCancelledSignal.connect(record(cancelled));
+    const glm::vec3 first = light->position;
+    Drag(3, -2, 4);
+    EXPECT_EQ(std::make_pair(started, ended), std::make_pair(1, 1));
+    EXPECT_EQ(reportedPress, first);
+    EXPECT_EQ(reportedNow, light->position);
+    EXPECT_NE(light->position, first);
+    VX_UI::KeyEvent escape;
+    escape.key = 27;
+    EXPECT_EQ(manager->keyPress(&escape), DRAW_NOTHING) << "no drag, nothing to cancel";
+
+    const int x = 256 - 10 - 37, y = 256 - 10 - 37;
+    for (unsigned key : {27u, 256u, 0x01000000u, 0u}) {
+        SCOPED_TRACE(key);
+        const glm::vec3 atPress = light->position;
+        now += 1000;
+        Press(x, y);
+        Move(x + 20, y + 10, x, y, 1);
+        ASSERT_NE(light->position, atPress);
+        manager->UpdateLayers();
+        escape.key = key;
+        const DrawFlags flags = key != 0 ? manager->keyPress(&escape) : Press(x + 20, y + 10, 3);
+        EXPECT_EQ(flags & DRAW_LIGHT, DRAW_LIGHT);
+        EXPECT_TRUE(manager->NeedsRedraw());
+        EXPECT_EQ(light->position, atPress);
+        EXPECT_EQ(ended, 1);
+        Move(x + 40, y, x + 20, y + 10, 1);
+        now += 1000;
+        Release(x + 40, y);
+        EXPECT_EQ(light->position, atPress) << "the held button turns the light no more";
+        EXPECT_EQ(ended, 1) << "a cancelled drag does not end";
+    }
+    EXPECT_EQ(cancelled, 4);
+
+    // A slot may delete the widget.
+    for (int which = 0; which < 3; ++which) {
+        widget.reset();
+        auto* doomed = new LightControl(light);
+        ASSERT_TRUE(doomed->Initialize());
+        doomed->Register(manager);
+        manager->UpdateLayers();
+        LightControl::DragSignal* signals[] = {&doomed->dragStartedSignal, &doomed->dragEndedSignal,
+                                               &doomed->dragCancelledSignal};
+        signals[which]->connect([doomed](const tgeom::vec&, const tgeom::vec&) { delete doomed; });
+        now += 1000;
+        Press(x, y);
+        Move(x + 5, y, x, y, 1);
+        escape.key = which == 2 ? 27 : 65;
+        manager->keyPress(&escape);
+        now += 1000;
+        Release(x + 5, y);
+        EXPECT_TRUE(manager->Controls().empty()) << which;
+    }
 }

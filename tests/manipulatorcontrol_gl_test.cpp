@@ -20,6 +20,7 @@
 #include <GL/glew.h>
 
 #include <cmath>
+#include <functional>
 #include <map>
 
 namespace {
@@ -404,6 +405,97 @@ TEST_F(GizmoTest, RingDragsTurnBySnappedStepsWithTheTurningSense) {
     }
 }
 
+TEST_F(GizmoTest, ARayParallelToTheRingsPlaneKeepsTheTurnMadeSoFar) {
+    ManipulatorControl gizmo(camera);
+    Add(gizmo);
+    const glm::vec2 o = Window(gizmo.getFrame().getPosition()), grab = HandlePoint(gizmo, 4);
+    const tgeom::quat press = gizmo.getFrame().getOrientation();
+    PressAt(grab);
+    const glm::vec2 r = grab - o, turned = o + glm::vec2(r.x * 0.9f - r.y * 0.44f, r.x * 0.44f + r.y * 0.9f);
+    MoveTo(turned, 1);
+    const tgeom::quat before = gizmo.getFrame().getOrientation();
+    ASSERT_GT(TurnBetween(press, before).first, 10.f * kDegree);
+    // The host switches to a view straight down -z: every ray now runs parallel to the x ring's plane.
+    ASSERT_TRUE(
+        camera->SetMatrices(glm::lookAt(glm::vec3(0.f, 0.f, 10.f), glm::vec3(0.f), glm::vec3(0.f, 1.f, 0.f)),
+                            glm::ortho(-4.f, 4.f, -3.f, 3.f, 0.1f, 50.f), kW, kH));
+    MoveTo(turned + glm::vec2(30.f, 20.f), 1);
+    EXPECT_LT(TurnBetween(before, gizmo.getFrame().getOrientation()).first, 1e-4f);
+    ReleaseAt(turned + glm::vec2(30.f, 20.f));
+    EXPECT_LT(TurnBetween(before, gizmo.getFrame().getOrientation()).first, 1e-4f);
+}
+
+TEST_F(GizmoTest, ADragReportsItsEdgesAndEscapeOrAnotherButtonPutsItBackExactly) {
+    ManipulatorControl gizmo(camera);
+    Add(gizmo);
+    gizmo.setOrientation(std::cos(0.2f), 0.f, std::sin(0.2f), 0.f);
+    manager->UpdateLayers();
+    auto attached = std::make_shared<LocalFrame>(gizmo.getFrame());
+    attached->setScale({2.f, 2.f, 2.f});
+    gizmo.attachFrame(attached);
+    int started = 0, ended = 0, cancelled = 0;
+    LocalFrame reportedPress, reportedNow;
+    auto record = [&](int& count) {
+        return [&](const LocalFrame& atPress, const LocalFrame& now) {
+            ++count;
+            reportedPress = atPress;
+            reportedNow = now;
+        };
+    };
+    gizmo.dragStartedSignal.connect(record(started));
+    gizmo.dragEndedSignal.connect(record(ended));
+    gizmo.dragCancelledSignal.connect(record(cancelled));
+    auto same = [](const LocalFrame& a, const LocalFrame& b) {
+        return a.getPosition() == b.getPosition() && a.getOrientation() == b.getOrientation() &&
+               a.getScale() == b.getScale();
+    };
+
+    // A finished drag: one start and one end carrying the press pose and the released one.
+    const LocalFrame before = gizmo.getFrame();
+    Drag(HandlePoint(gizmo, 1), HandlePoint(gizmo, 1) + glm::vec2(40.f, 5.f));
+    EXPECT_EQ(std::make_pair(started, ended), std::make_pair(1, 1));
+    EXPECT_TRUE(same(reportedPress, before));
+    EXPECT_TRUE(same(reportedNow, gizmo.getFrame()));
+    EXPECT_FALSE(same(before, gizmo.getFrame()));
+    EXPECT_FALSE(input->keyPressEvent(256, 0)) << "Escape with no drag does nothing";
+    EXPECT_EQ(cancelled, 0);
+    manager->UpdateLayers();
+
+    const std::function<bool()> cancels[] = {
+        [&] { return input->keyPressEvent(27, 0); }, [&] { return input->keyPressEvent(256, 0); },
+        [&] { return input->keyPressEvent(0x01000000, 0); },
+        [&] { return input->mousePressEvent(lastX, lastY, lastX, lastY, 3, 0); }};
+    for (int id : {2, 5, 8, 10})
+        for (std::size_t how = 0; how < std::size(cancels); ++how) {
+            SCOPED_TRACE("handle " + std::to_string(id) + ", cancel " + std::to_string(how));
+            const LocalFrame gizmoAtPress = gizmo.getFrame(), attachedAtPress = *attached;
+            const glm::vec2 grab = HandlePoint(gizmo, id);
+            PressAt(grab);
+            MoveTo(grab + glm::vec2(25.f, 30.f), 1);
+            ASSERT_FALSE(same(gizmo.getFrame(), gizmoAtPress));
+            const int before = cancelled;
+            gizmo.ClearNeedsRedraw();
+            scene.ClearDrawFlags();
+            EXPECT_TRUE(cancels[how]());
+            EXPECT_EQ(cancelled - before, 1);
+            EXPECT_TRUE(scene.GetDrawFlags() & DRAW_SCENE);
+            EXPECT_TRUE(gizmo.NeedsRedraw());
+            EXPECT_TRUE(same(gizmo.getFrame(), gizmoAtPress));
+            EXPECT_TRUE(same(*attached, attachedAtPress));
+            EXPECT_TRUE(same(reportedPress, gizmoAtPress));
+            // The held button's later moves, a quick release and a second Escape change nothing.
+            MoveTo(grab + glm::vec2(60.f, -20.f), 1);
+            ReleaseAt(grab, 50);
+            EXPECT_FALSE(input->keyPressEvent(256, 0));
+            EXPECT_TRUE(same(gizmo.getFrame(), gizmoAtPress));
+            EXPECT_TRUE(same(*attached, attachedAtPress));
+            EXPECT_EQ(cancelled - before, 1);
+            EXPECT_EQ(ended, 1) << "a cancelled drag does not end";
+            EXPECT_FALSE(gizmo.rotatonIncrementOn()) << "nor does it become a centre click";
+            manager->UpdateLayers();
+        }
+}
+
 TEST_F(GizmoTest, ARingClickTurnsAQuarterAboutTheFramesOwnAxisButAQuickRingDragDoesNot) {
     ManipulatorControl gizmo(camera);
     Add(gizmo);
@@ -473,6 +565,23 @@ TEST_F(GizmoTest, ScaleHandlesStopAtAFloorAndUniformScalingScalesEveryAxis) {
     EXPECT_EQ(attached->getScale(), s);
 }
 
+TEST_F(GizmoTest, ADragSignalsSlotMayDeleteTheGizmo) {
+    for (int which = 0; which < 3; ++which) {
+        SCOPED_TRACE(which);
+        auto* gizmo = new ManipulatorControl(camera);
+        Add(*gizmo);
+        ManipulatorControl::DragSignal* signals[] = {&gizmo->dragStartedSignal, &gizmo->dragEndedSignal,
+                                                     &gizmo->dragCancelledSignal};
+        signals[which]->connect([gizmo](const LocalFrame&, const LocalFrame&) { delete gizmo; });
+        const glm::vec2 grab = HandlePoint(*gizmo, 1);
+        PressAt(grab);
+        MoveTo(grab + glm::vec2(20.f, 0.f), 1);
+        input->keyPressEvent(which == 2 ? 27 : 65, 0);
+        ReleaseAt(grab + glm::vec2(20.f, 0.f));
+        EXPECT_TRUE(manager->Controls().empty());
+    }
+}
+
 TEST_F(GizmoTest, ASlotOrAnOverrideMayDeleteTheGizmoInTheMiddleOfADragStep) {
     struct Deleting : ManipulatorControl {
         using ManipulatorControl::ManipulatorControl;
@@ -519,6 +628,19 @@ TEST_F(GizmoTest, PressingTheGizmoKeepsItBeneathThePanelsOverTheScene) {
 TEST_F(GizmoTest, AttachingAndReportingEdges) {
     ManipulatorControl gizmo(camera);
     ASSERT_TRUE(gizmo.Initialize());
+    // Every setter that changes the picture asks for a redraw.
+    const std::pair<const char*, std::function<void()>> setters[] = {
+        {"setPosition", [&] { gizmo.setPosition(0.f, 1.f, 0.f); }},
+        {"setOrientation", [&] { gizmo.setOrientation(0.f, 1.f, 0.f, 0.f); }},
+        {"setScale", [&] { gizmo.setScale(2.f, 1.f, 1.f); }},
+        {"enableTranslation", [&] { gizmo.enableTranslation(true, false, true); }}};
+    for (const auto& [name, set] : setters) {
+        gizmo.ClearNeedsRedraw();
+        set();
+        EXPECT_TRUE(gizmo.NeedsRedraw()) << name;
+    }
+    gizmo.setOrientation(1.f, 0.f, 0.f, 0.f);
+    gizmo.setScale(1.f, 1.f, 1.f);
     auto first = std::make_shared<LocalFrame>();
     first->setPosition({1.f, 2.f, 3.f});
     gizmo.attachFrame(first);

@@ -173,6 +173,15 @@ TEST_F(TriadTest, OnClickReturns17ForFacesAndIgnoresOtherPartIds) {
         EXPECT_EQ(triad->OnClick(&e), DRAW_NOTHING);
     }
     EXPECT_EQ(camera->ViewMatrix(), view) << "the matrices were rebuilt by the face click only";
+
+    // With the camera at its target no view can be taken: refused, nothing turns NaN.
+    camera->SetPosition(camera->Target());
+    const glm::vec3 up = camera->UpVector();
+    e.sid = 2;
+    EXPECT_EQ(triad->OnClick(&e), DRAW_NOTHING);
+    EXPECT_TRUE(log->Contains("TriadControl::OnClick(): The camera is at its target"));
+    EXPECT_EQ(camera->Position(), camera->Target());
+    EXPECT_EQ(camera->UpVector(), up);
 }
 
 // The host's state around DrawCustom is checked with every other entry point in glstate_gl_test.cpp.

@@ -454,26 +454,6 @@ void AxisControl::RebuildNumberLabels() {
     numberLabels_.reserve(wanted);
     for (std::size_t i = 0; i < wanted; ++i) {
         auto* label = new GUI::Controls::Label();
-        label->SetHorizontalAlignment(1);
-        label->SetVerticalAlignment(2);
-        switch (orientation_) {
-        case AlongYMin:
-            label->SetHorizontalAlignment(1);
-            label->SetVerticalAlignment(0);
-            break;
-        case AlongYMax:
-            label->SetHorizontalAlignment(1);
-            label->SetVerticalAlignment(2);
-            break;
-        case AlongXMax:
-            label->SetHorizontalAlignment(2);
-            label->SetVerticalAlignment(1);
-            break;
-        case AlongXMin:
-            label->SetHorizontalAlignment(0);
-            label->SetVerticalAlignment(1);
-            break;
-        }
         label->SetColor(fontColor_);
         numberLabels_.push_back(label);
         AddChild(label);
@@ -515,6 +495,13 @@ void AxisControl::PlaceNumbers() {
     const int w = r.Width();
     const int h = r.Height();
     const int l = tickLength_;
+    // Aligned on every layout, not only when made: the orientation may have changed since.
+    const int horizontal[] = {1, 1, 2, 0};
+    const int vertical[] = {0, 2, 1, 1};
+    for (GUI::Controls::Label* label : numberLabels_) {
+        label->SetHorizontalAlignment(horizontal[orientation_]);
+        label->SetVerticalAlignment(vertical[orientation_]);
+    }
     const std::size_t count = std::min(numberLabels_.size(), tickFractions_.size());
     for (std::size_t i = 0; i < count; ++i) {
         const float f = tickFractions_[i];
@@ -543,14 +530,15 @@ void AxisControl::LayoutTitle() {
         titleLabel_->SetFontSize(16);
         titleLabel_->SetHorizontalAlignment(1);
         titleLabel_->SetVerticalAlignment(1);
-        if (IsHorizontal(orientation_))
-            titleLabel_->SetOrientation(0);
-        else if (IsVertical(orientation_))
-            titleLabel_->SetOrientation(1);
         titleLabel_->SetColor(fontColor_);
         titleLabel_->SetText(title_);
         AddChild(titleLabel_);
     }
+    // Turned on every layout: a horizontal axis made vertical reads its title along the band.
+    if (IsHorizontal(orientation_))
+        titleLabel_->SetOrientation(0);
+    else if (IsVertical(orientation_))
+        titleLabel_->SetOrientation(1);
     const GUI::Geometry::Rectangle& r = GetRectangle();
     const int w = r.Width();
     const int h = r.Height();

@@ -74,6 +74,7 @@ void ColorBar::UpdateColorMap(const std::vector<GUI::Color>& colors, bool smooth
     glTexImage1D(GL_TEXTURE_1D, 0, GL_RGBA, static_cast<GLsizei>(colors.size()), 0, GL_RGBA, GL_UNSIGNED_BYTE,
                  colors.empty() ? nullptr : colors.data());
     GB_CHECK_GL(kFile);
+    SetNeedsRedraw(true);
 }
 
 void ColorBar::DrawCustom() {

@@ -109,7 +109,50 @@ void LightControl::DrawCustom() {
     drawing.end();
 }
 
+DrawFlags LightControl::OnMouseDown(GUI::Event* e) {
+    const DrawFlags result = Base::OnMouseDown(e);
+    cancelled_ = false;
+    if (!light_)
+        return result;
+    pressPosition_ = light_->position;
+    dragging_ = true;
+    std::weak_ptr<const void> alive = LifeToken();
+    dragStartedSignal(pressPosition_, light_->position);
+    return alive.expired() ? result | DRAW_OVERLAY : result;
+}
+
+DrawFlags LightControl::OnMouseUp(GUI::Event* e) {
+    const DrawFlags result = Base::OnMouseUp(e);
+    cancelled_ = false;
+    if (!dragging_ || !light_)
+        return result;
+    dragging_ = false;
+    std::weak_ptr<const void> alive = LifeToken();
+    dragEndedSignal(pressPosition_, light_->position);
+    return alive.expired() ? result | DRAW_OVERLAY : result;
+}
+
+DrawFlags LightControl::OnCancelDrag(GUI::Event*) {
+    if (!dragging_ || !light_)
+        return DRAW_NOTHING;
+    dragging_ = false;
+    const tgeom::vec abandoned = light_->position;
+    light_->position = pressPosition_;
+    // Moves of the still-held button until its release turn the light no more.
+    cancelled_ = true;
+    std::weak_ptr<const void> alive = LifeToken();
+    dragCancelledSignal(pressPosition_, abandoned);
+    if (alive.expired())
+        return DRAW_LIGHT | DRAW_OVERLAY;
+    SetNeedsRedraw(true);
+    if (GUI::GUIManager* manager = Manager())
+        manager->SetLightUpdated(true);
+    return DRAW_LIGHT | DRAW_OVERLAY;
+}
+
 DrawFlags LightControl::OnMouseDrag(GUI::Event*, int dx, int dy) {
+    if (cancelled_)
+        return DRAW_NOTHING;
     const float a = -(static_cast<float>(dy) * kDegreesPerPixel) * kRadiansPerDegree;
     const float b = static_cast<float>(dx) * kDegreesPerPixel * kRadiansPerDegree;
     glm::mat4 m = glm::rotate(glm::mat4(1.f), a, glm::vec3(1.f, 0.f, 0.f));

@@ -5,6 +5,9 @@
 #include <trelvogui/trelvogui_export.h>
 
 #include <graphicsbase/drawflags.h>
+#include <graphicsbase/tgeom.h>
+
+#include <boost/signals2/signal.hpp>
 
 #include <memory>
 
@@ -23,6 +26,15 @@ class TRELVOGUI_EXPORT LightControl : public GUI::Controls::Base {
 public:
     /// The ball's tile writes this one secondary id.
     static constexpr unsigned int kBall = 0;
+    /// The light's position at the press and as it is now (at the release, or at the cancel).
+    using DragSignal = boost::signals2::signal<void(const tgeom::vec& atPress, const tgeom::vec& now)>;
+    /// A press starts a drag and its release ends it: one undo step per drag for a host.
+    DragSignal dragStartedSignal;
+    DragSignal dragEndedSignal;
+    /// Escape or another button during a drag: the light is back at its press position when this
+    /// fires, and no end follows.
+    DragSignal dragCancelledSignal;
+
     explicit LightControl(std::shared_ptr<DirectionalLight> light);
     ~LightControl() override;
 
@@ -33,6 +45,10 @@ public:
     bool LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) override;
     /// Turns the light by the drag; returns 33.
     DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy) override;
+    DrawFlags OnMouseDown(GUI::Event* e) override;
+    DrawFlags OnMouseUp(GUI::Event* e) override;
+    /// Puts the light back where the drag under way found it. Nothing without a drag.
+    DrawFlags OnCancelDrag(GUI::Event* e) override;
     /// With the GL context current: builds "LightWidget.vs" + "LightWidget.fs" and the quad. False
     /// when a shader fails to load or the program does not link.
     virtual bool Initialize();
@@ -57,4 +73,7 @@ private:
     int widgetHeight_ = 75;
     int marginX_ = 10;
     int marginY_ = 10;
+    tgeom::vec pressPosition_{0.f};
+    bool dragging_ = false;
+    bool cancelled_ = false; // until the cancelled drag's button comes up
 };

@@ -95,6 +95,7 @@ void ManipulatorControl::setOrientation(float w, float x, float y, float z) {
 void ManipulatorControl::setScale(float x, float y, float z) {
     getFrame().setScale({x, y, z});
     prevFrame_.setScale({x, y, z});
+    SetNeedsRedraw(true);
 }
 
 void ManipulatorControl::enableTranslation(bool x, bool y, bool z) {
@@ -247,11 +248,43 @@ DrawFlags ManipulatorControl::OnMouseDown(GUI::Event* e) {
         break;
     }
     planeDirection(pressMouse_, dragAxis_, pressDirection_);
+    lastDirection_ = pressDirection_;
+    pressFrame_ = frame;
+    if (attachedFrame_)
+        attachedPressFrame_ = *attachedFrame_;
+    dragging_ = activeHandle_ >= 1 && activeHandle_ <= static_cast<int>(kCentre); // a handle, not a stray id
     std::weak_ptr<const void> alive = LifeToken();
     processPressEvent();
+    if (alive.expired())
+        return DRAW_OVERLAY;
+    if (dragging_)
+        dragStartedSignal(pressFrame_, getFrame());
     if (!alive.expired())
         SetNeedsRedraw(true);
     return DRAW_OVERLAY;
+}
+
+DrawFlags ManipulatorControl::OnCancelDrag(GUI::Event*) {
+    if (!dragging_)
+        return DRAW_NOTHING;
+    dragging_ = false;
+    const LocalFrame abandoned = getFrame();
+    getFrame() = pressFrame_;
+    if (attachedFrame_)
+        *attachedFrame_ = attachedPressFrame_;
+    // Later moves of the still-held button and its release belong to no drag.
+    activeHandle_ = 0;
+    centreDragged_ = false;
+    moved_ = true;
+    scale_ = 1.0;
+    lastScale_ = 1.0;
+    lastPosition_ = pressFrame_.getPosition();
+    lastOrientation_ = pressFrame_.getOrientation();
+    std::weak_ptr<const void> alive = LifeToken();
+    dragCancelledSignal(pressFrame_, abandoned);
+    if (!alive.expired())
+        SetNeedsRedraw(true);
+    return DRAW_OVERLAY | DRAW_SCENE;
 }
 
 DrawFlags ManipulatorControl::OnDoubleClick(GUI::Event*) {
@@ -294,8 +327,11 @@ bool ManipulatorControl::dragStep(const glm::vec2& mouse) {
         frame.setPosition(moved);
         transformation_.setPosition(moved - before);
     } else if (IsRing(activeHandle_)) {
-        tgeom::vec v = pressDirection_;
+        // A ray parallel to the ring's plane meets it nowhere: the turn stays where the last usable
+        // ray put it rather than jumping back to the press orientation.
+        tgeom::vec v = lastDirection_;
         planeDirection(currentMouse_, dragAxis_, v);
+        lastDirection_ = v;
         // The angle between the two directions; atan2 keeps it exact near 0, where acos of a dot
         // product a rounding error below 1 would already turn by half a milliradian.
         tgeom::vec across = glm::cross(pressDirection_, v);
@@ -384,6 +420,12 @@ DrawFlags ManipulatorControl::OnMouseUp(GUI::Event*) {
     DrawFlags r = processReleaseEvent();
     if (alive.expired())
         return r | DRAW_OVERLAY;
+    if (dragging_) {
+        dragging_ = false;
+        dragEndedSignal(pressFrame_, getFrame());
+        if (alive.expired())
+            return r | DRAW_OVERLAY;
+    }
     if (r != DRAW_NOTHING || centre) {
         SetNeedsRedraw(true);
         return DRAW_OVERLAY;

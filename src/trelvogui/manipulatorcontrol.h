@@ -42,7 +42,16 @@ public:
         kCentre = 10,
     };
 
+    /// The frame at the press and as it is now (at the release, or when the drag was cancelled).
+    using DragSignal = boost::signals2::signal<void(const LocalFrame& atPress, const LocalFrame& now)>;
+
     TransformationSignal transformationSignal;
+    /// A press on a handle starts a drag and its release ends it: one undo step per drag for a host.
+    DragSignal dragStartedSignal;
+    DragSignal dragEndedSignal;
+    /// Escape or another button during a drag: the gizmo and the attached frame are back at their
+    /// press state when this fires, and no end follows.
+    DragSignal dragCancelledSignal;
     /// Free for hosts; the library never fires them.
     TransformationSignal reservedSignal1;
     TransformationSignal reservedSignal2;
@@ -65,6 +74,9 @@ public:
     /// A click on a ring turns the gizmo a quarter turn about that ring's axis.
     DrawFlags OnClick(GUI::Event* e) override;
     void SetVisible(bool v) override;
+    /// Puts the gizmo and the attached frame back where the drag under way started. Nothing without
+    /// a drag.
+    DrawFlags OnCancelDrag(GUI::Event* e) override;
     /// Builds the renderer (current GL context needed). False if its shaders fail.
     virtual bool Initialize();
 
@@ -148,11 +160,16 @@ private:
     glm::vec2 currentMouse_{0.f};
     tgeom::quat pressOrientation_{1.f, 0.f, 0.f, 0.f};
     tgeom::vec pressDirection_{1.f, 0.f, 0.f};
+    tgeom::vec lastDirection_{1.f, 0.f, 0.f};
     float rotationIncrement_ = 0.0872665f;
     bool uniformScaling_ = false;
     bool rotationIncrementOn_ = false;
     bool centreDragged_ = false;
     int hoveredHandle_ = 0;
+    // The poses at the press, to give back on a cancel and to report with the drag's edges.
+    LocalFrame pressFrame_;
+    LocalFrame attachedPressFrame_;
+    bool dragging_ = false;
     // Whether the pointer moved since the press: a quick drag also ends as a click, which must not
     // add a quarter turn to the turn the drag made.
     bool moved_ = false;

@@ -12,6 +12,7 @@
 #include <graphicsbase/glscopedbindings.h>
 #include <graphicsbase/glslprogram.h>
 #include <graphicsbase/glvertexbuffer.h>
+#include <graphicsbase/logfile.h>
 #include <graphicsbase/pngreader.h>
 #include <graphicsbase/resources.h>
 #include <graphicsbase/ui3delementreader.h>
@@ -228,6 +229,14 @@ DrawFlags TriadControl::OnClick(GUI::Event* e) {
         return DRAW_NOTHING;
     const tgeom::vec target = camera_->Target();
     const float distance = glm::length(camera_->Position() - target);
+    // With the camera at its target there is no distance to keep: every view would sit at the
+    // target and look nowhere.
+    if (!(distance > 0.f) || !std::isfinite(distance)) {
+        LogFile::Instance().AddLine(LogLevel::Warning,
+                                    "TriadControl::OnClick(): The camera is at its target; no view is "
+                                    "taken.\n");
+        return DRAW_NOTHING;
+    }
     const FaceView& view = kFaceViews[e->sid];
     camera_->SetPosition(target + distance * view.direction);
     camera_->SetUpVector(view.up);

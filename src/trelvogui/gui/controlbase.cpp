@@ -621,4 +621,8 @@ DrawFlags Base::OnMouseWheel(GUI::Event*, int) {
     return DRAW_NOTHING;
 }
 
+DrawFlags Base::OnCancelDrag(GUI::Event*) {
+    return DRAW_NOTHING;
+}
+
 } // namespace GUI::Controls

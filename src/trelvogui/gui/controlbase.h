@@ -144,6 +144,9 @@ public:
     /// controls that follow a changed one, whether or not the host reported the change.
     virtual const Camera* SceneCamera() const { return nullptr; }
     virtual const DirectionalLight* SceneLight() const { return nullptr; }
+    /// The left-button drag this control holds is to be abandoned: Escape was pressed or another
+    /// button went down. DRAW_NOTHING (the default) leaves the event to the manager's usual routing.
+    virtual DrawFlags OnCancelDrag(GUI::Event* e);
 
     /// Expires when this control is destroyed. Code that calls out to host code (signals, callbacks)
     /// takes one first and stops touching the control when it has expired: a handler may delete the

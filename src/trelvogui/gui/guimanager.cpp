@@ -780,7 +780,33 @@ bool GUIManager::ClearAnimationOnControl(GUI::Controls::Base* control) {
     return true;
 }
 
+DrawFlags GUIManager::cancelDrag() {
+    if (!(pointer_.buttons & VX_UI::BUTTON_LEFT))
+        return DRAW_NOTHING;
+    GUI::Controls::Base* captured = addressed(pointer_.pid);
+    if (!captured)
+        return DRAW_NOTHING;
+    GUI::Event event = controlEvent(pointer_);
+    return captured->OnCancelDrag(&event);
+}
+
+DrawFlags GUIManager::keyPress(VX_UI::KeyEvent* e) {
+    constexpr unsigned int kEscapeSdl = 27, kEscapeGlfw = 256, kEscapeQt = 0x01000000;
+    if (!e || (e->key != kEscapeSdl && e->key != kEscapeGlfw && e->key != kEscapeQt))
+        return DRAW_NOTHING;
+    const DrawFlags result = cancelDrag();
+    if (result != DRAW_NOTHING)
+        e->accepted = 1;
+    return result;
+}
+
 DrawFlags GUIManager::mousePressEvent(VX_UI::MouseEvent* e) {
+    // Another button pressed during a left-button drag may cancel it; the drag keeps the pointer.
+    if (e->buttons & ~VX_UI::BUTTON_LEFT) {
+        const DrawFlags cancelled = cancelDrag();
+        if (cancelled != DRAW_NOTHING)
+            return cancelled;
+    }
     DrawFlags result = DRAW_NOTHING;
     if (e->buttons & VX_UI::BUTTON_LEFT) {
         HitDetect(e->x, OverlayRow(e->y), &e->pid, &e->sid);

@@ -111,6 +111,9 @@ public:
     /// Offers the wheel to the control under the pointer (where the last pointer event left it), then
     /// to its parents, until one consumes it.
     DrawFlags mouseWheel(VX_UI::MouseWheelEvent* e) override;
+    /// Escape during a left-button drag (the Escape codes of the SDL, GLFW and Qt backends) offers
+    /// the dragged control a cancel; every other key is ignored.
+    DrawFlags keyPress(VX_UI::KeyEvent* e) override;
 
     /// Raises the flag (firing the signal on a false-to-true change); never clears it.
     void SetNeedsRedraw(bool v);
@@ -181,6 +184,8 @@ public:
     unsigned int GetLayerFramebuffer() const { return layerFramebuffer_; }
 
 private:
+    /// Offers the control holding the left-button drag a cancel; DRAW_NOTHING when none takes it.
+    DrawFlags cancelDrag();
     void deleteLayers();
     void updateLayers();
     void fireDeferredSignals();
