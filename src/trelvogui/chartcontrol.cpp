@@ -225,11 +225,15 @@ bool ChartControl::LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry
 }
 
 void ChartControl::DrawCustom() {
+    GL::GLScopedBindings hostState;
+    DrawChart();
+}
+
+void ChartControl::DrawChart() {
     const ChartView view = View();
     const GUI::Geometry::Rectangle& p = view.plot;
     if (p.Width() <= 0 || p.Height() <= 0)
         return;
-    GL::GLScopedBindings hostState;
     // The margins keep the picture behind them but carry the chart's id, so that a wheel over the
     // axes reaches the chart: four strips around the plot area, so that no pixel is drawn twice.
     const GUI::Geometry::Rectangle& whole = GetRectangle();

@@ -81,6 +81,8 @@ public:
     ChartView View();
 
 protected:
+    /// The chart's drawing without the host-state guard, for subclasses that draw more inside theirs.
+    void DrawChart();
     /// Pixels around the plot area: room for the y axis, the x axis and the title.
     static constexpr int kLeft = 72, kBottom = 48, kTop = 26, kRight = 14;
     void UpdateAxes();

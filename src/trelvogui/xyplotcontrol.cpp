@@ -202,7 +202,7 @@ DrawFlags XYPlotControl::OnMouseWheel(GUI::Event* e, int delta) {
 
 void XYPlotControl::DrawCustom() {
     GL::GLScopedBindings hostState;
-    ChartControl::DrawCustom();
+    DrawChart();
     if (!hoveredSet_ || hovered_ >= hoveredSet_->Size())
         return;
     const ChartView v = View();
