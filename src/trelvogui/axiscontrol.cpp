@@ -30,6 +30,9 @@ constexpr const char* kFile = "axiscontrol";
 // The band's marks, in pixels: a baseline along the edge and a mark across the band at each tick.
 constexpr float kBaselineDepth = 2.f;
 constexpr float kMarkWidth = 2.f;
+// Font heights of the numbers and the title at display scale 1.
+constexpr float kNumberFont = 16.f;
+constexpr float kTitleFont = 16.f;
 // Marks closer than a mark and a gap merge into a solid band, and every tick owns a label control:
 // no more intervals than that, and never more than a few thousand however long the axis.
 constexpr int kMinTickPitch = 4;
@@ -201,6 +204,19 @@ bool AxisControl::Initialize() {
     return BuildGeometry();
 }
 
+int AxisControl::Px(float pixels) const {
+    return ScaledPixels(pixels);
+}
+
+void AxisControl::OnDisplayScale(float) {
+    // Fonts, tick lengths and the spacing of ticks are all in pixels: lay out afresh.
+    for (GUI::Controls::Label* label : numberLabels_)
+        label->SetFontSize(static_cast<unsigned int>(Px(kNumberFont)));
+    if (titleLabel_)
+        titleLabel_->SetFontSize(static_cast<unsigned int>(Px(kTitleFont)));
+    Update();
+}
+
 void AxisControl::SetRectangle(GUI::Geometry::Rectangle r) {
     std::weak_ptr<const void> alive = LifeToken();
     Base::SetRectangle(r);
@@ -300,9 +316,9 @@ std::wstring AxisControl::GetTitle() const {
 void AxisControl::Update() {
     const GUI::Geometry::Rectangle& r = GetRectangle();
     if (IsHorizontal(orientation_))
-        intervalCount_ = TruncateToInt(static_cast<float>(r.Width()) / static_cast<float>(tickSpacing_));
+        intervalCount_ = TruncateToInt(static_cast<float>(r.Width()) / static_cast<float>(Px(tickSpacing_)));
     else if (IsVertical(orientation_))
-        intervalCount_ = TruncateToInt(static_cast<float>(r.Height()) / static_cast<float>(tickSpacing_));
+        intervalCount_ = TruncateToInt(static_cast<float>(r.Height()) / static_cast<float>(Px(tickSpacing_)));
     if (intervalCount_ < 1)
         intervalCount_ = 1;
     // An explicit request wins over the spacing.
@@ -368,7 +384,7 @@ int AxisControl::WantedIntervals() {
         return std::max(1, tickCount_ + 1);
     const GUI::Geometry::Rectangle& r = GetRectangle();
     const int length = IsVertical(orientation_) ? r.Height() : r.Width();
-    return std::max(1, length / tickSpacing_);
+    return std::max(1, length / Px(tickSpacing_));
 }
 
 double AxisControl::FractionOf(double value) const {
@@ -431,7 +447,7 @@ void AxisControl::ComputeLogTicks(int wanted) {
     const GUI::Geometry::Rectangle& r = GetRectangle();
     const float length = static_cast<float>(IsVertical(orientation_) ? r.Height() : r.Width());
     const float decadePixels = length / static_cast<float>(std::log10(hi) - std::log10(lo));
-    if (every == 1 && decadePixels >= kMinorDecadePixels)
+    if (every == 1 && decadePixels >= kMinorDecadePixels * DisplayScale())
         for (int k = firstDecade - 1; k <= lastDecade; ++k)
             for (int j = 2; j <= 9; ++j) {
                 const double v = j * PowerOfTen(k);
@@ -455,6 +471,7 @@ void AxisControl::RebuildNumberLabels() {
     for (std::size_t i = 0; i < wanted; ++i) {
         auto* label = new GUI::Controls::Label();
         label->SetColor(fontColor_);
+        label->SetFontSize(static_cast<unsigned int>(Px(kNumberFont)));
         numberLabels_.push_back(label);
         AddChild(label);
     }
@@ -494,7 +511,7 @@ void AxisControl::PlaceNumbers() {
     const GUI::Geometry::Rectangle& r = GetRectangle();
     const int w = r.Width();
     const int h = r.Height();
-    const int l = tickLength_;
+    const int l = Px(tickLength_);
     // Aligned on every layout, not only when made: the orientation may have changed since.
     const int horizontal[] = {1, 1, 2, 0};
     const int vertical[] = {0, 2, 1, 1};
@@ -502,6 +519,10 @@ void AxisControl::PlaceNumbers() {
         label->SetHorizontalAlignment(horizontal[orientation_]);
         label->SetVerticalAlignment(vertical[orientation_]);
     }
+    // Number boxes: 50 by 20 pixels at display scale 1.
+    const int wide = Px(50.f);
+    const int half = wide / 2;
+    const int high = Px(20.f);
     const std::size_t count = std::min(numberLabels_.size(), tickFractions_.size());
     for (std::size_t i = 0; i < count; ++i) {
         const float f = tickFractions_[i];
@@ -509,16 +530,16 @@ void AxisControl::PlaceNumbers() {
         const int u = TruncateToInt(static_cast<float>(h) * f);
         switch (orientation_) {
         case AlongYMin:
-            numberLabels_[i]->SetRectangle({t - 25, t + 25, l, l + 20});
+            numberLabels_[i]->SetRectangle({t - half, t + half, l, l + high});
             break;
         case AlongYMax:
-            numberLabels_[i]->SetRectangle({t - 25, t + 25, h - l - 20, h - l});
+            numberLabels_[i]->SetRectangle({t - half, t + half, h - l - high, h - l});
             break;
         case AlongXMax:
-            numberLabels_[i]->SetRectangle({w - l - 50, w - l, u - 10, u + 10});
+            numberLabels_[i]->SetRectangle({w - l - wide, w - l, u - high / 2, u + high / 2});
             break;
         case AlongXMin:
-            numberLabels_[i]->SetRectangle({l, l + 50, u - 10, u + 10});
+            numberLabels_[i]->SetRectangle({l, l + wide, u - high / 2, u + high / 2});
             break;
         }
     }
@@ -527,7 +548,7 @@ void AxisControl::PlaceNumbers() {
 void AxisControl::LayoutTitle() {
     if (!titleLabel_) {
         titleLabel_ = new GUI::Controls::Label();
-        titleLabel_->SetFontSize(16);
+        titleLabel_->SetFontSize(static_cast<unsigned int>(Px(kTitleFont)));
         titleLabel_->SetHorizontalAlignment(1);
         titleLabel_->SetVerticalAlignment(1);
         titleLabel_->SetColor(fontColor_);
@@ -542,19 +563,20 @@ void AxisControl::LayoutTitle() {
     const GUI::Geometry::Rectangle& r = GetRectangle();
     const int w = r.Width();
     const int h = r.Height();
-    const int l = tickLength_;
+    const int l = Px(tickLength_);
+    const int font = Px(kTitleFont);
     switch (orientation_) {
     case AlongYMin:
-        titleLabel_->SetRectangle({0, w, h, h + 16});
+        titleLabel_->SetRectangle({0, w, h, h + font});
         break;
     case AlongYMax:
-        titleLabel_->SetRectangle({0, w, h - l - 40, h - l - 24});
+        titleLabel_->SetRectangle({0, w, h - l - Px(40.f), h - l - Px(24.f)});
         break;
     case AlongXMax:
-        titleLabel_->SetRectangle({0, 16, 0, h});
+        titleLabel_->SetRectangle({0, font, 0, h});
         break;
     case AlongXMin:
-        titleLabel_->SetRectangle({w, w + 16, 0, h});
+        titleLabel_->SetRectangle({w, w + font, 0, h});
         break;
     }
 }
@@ -581,14 +603,14 @@ bool AxisControl::BuildGeometry() {
     // length and depth.
     const GUI::Geometry::Rectangle& r = GetRectangle();
     const float length = static_cast<float>(IsVertical(orientation_) ? r.Height() : r.Width());
-    const float depth = static_cast<float>(tickLength_);
+    const float depth = static_cast<float>(Px(tickLength_));
     const float rgba[4] = {fontColor_.r / 255.f, fontColor_.g / 255.f, fontColor_.b / 255.f,
                            fontColor_.a / 255.f};
     bandVertices_.clear();
     if (length > 0.f && depth != 0.f) {
-        const float baseline = std::min(1.f, kBaselineDepth / std::fabs(depth));
+        const float baseline = std::min(1.f, kBaselineDepth * DisplayScale() / std::fabs(depth));
         AppendQuad(bandVertices_, 0.f, 1.f, 0.f, baseline, rgba);
-        const float mark = std::min(1.f, kMarkWidth / length);
+        const float mark = std::min(1.f, kMarkWidth * DisplayScale() / length);
         auto addMark = [&](float f, float across) {
             // The same pixel the number label is centred on; the x-min orientation runs its band
             // from the top down, so its marks are mirrored to stay beside their numbers.
@@ -619,7 +641,7 @@ void AxisControl::DrawCustom() {
     const GUI::Geometry::Rectangle& r = GetRectangle();
     const float w = static_cast<float>(r.Width());
     const float h = static_cast<float>(r.Height());
-    const float l = static_cast<float>(tickLength_);
+    const float l = static_cast<float>(Px(tickLength_));
     glm::vec3 scale(1.f);
     glm::vec3 corner(0.f);
     float angle = 0.f;

@@ -41,6 +41,7 @@ public:
 
     /// Draws the tick band; nothing until Initialize has succeeded.
     void DrawCustom() override;
+    void OnDisplayScale(float scale) override;
     /// Stores the rectangle and lays the axis out again (ticks, numbers, title, band).
     void SetRectangle(GUI::Geometry::Rectangle r) override;
 
@@ -108,6 +109,8 @@ public:
     GUI::Controls::Label* GetTitleLabel() const { return titleLabel_; }
 
 private:
+    /// A pixel length at display scale 1, at the current scale.
+    int Px(float pixels) const;
     void Update();
     void ComputeTicks();
     void RebuildNumberLabels();

@@ -14,6 +14,10 @@
 #include <cstdio>
 #include <limits>
 
+namespace {
+constexpr unsigned int kTitleFont = 15;
+} // namespace
+
 ChartControl::ChartControl() : marks_(std::make_unique<trelvo::detail::ChartMarks>()) {
     xAxis_ = new AxisControl();
     yAxis_ = new AxisControl();
@@ -27,7 +31,7 @@ ChartControl::ChartControl() : marks_(std::make_unique<trelvo::detail::ChartMark
         AddChild(axis);
     }
     title_ = new GUI::Controls::Label();
-    title_->SetFontSize(15);
+    title_->SetFontSize(kTitleFont);
     title_->SetHorizontalAlignment(1);
     title_->SetVerticalAlignment(1);
     title_->SetColor({230, 236, 242, 255});
@@ -53,12 +57,22 @@ void ChartControl::SetRectangle(GUI::Geometry::Rectangle r) {
     Layout();
 }
 
+ChartControl::Insets ChartControl::Margins() const {
+    return {ScaledPixels(72.f), ScaledPixels(48.f), ScaledPixels(26.f), ScaledPixels(14.f)};
+}
+
+void ChartControl::OnDisplayScale(float) {
+    title_->SetFontSize(static_cast<unsigned int>(ScaledPixels(kTitleFont)));
+    Layout();
+}
+
 void ChartControl::Layout() {
     const GUI::Geometry::Rectangle& r = GetControlRectangle();
-    const int w = std::max(r.Width(), kLeft + kRight + 1), h = std::max(r.Height(), kBottom + kTop + 1);
-    xAxis_->SetRectangle({kLeft, w - kRight, 0, kBottom});
-    yAxis_->SetRectangle({0, kLeft, kBottom, h - kTop});
-    title_->SetRectangle({kLeft, w - kRight, h - kTop + 2, h});
+    const Insets m = Margins();
+    const int w = std::max(r.Width(), m.left + m.right + 1), h = std::max(r.Height(), m.bottom + m.top + 1);
+    xAxis_->SetRectangle({m.left, w - m.right, 0, m.bottom});
+    yAxis_->SetRectangle({0, m.left, m.bottom, h - m.top});
+    title_->SetRectangle({m.left, w - m.right, h - m.top + ScaledPixels(2.f), h});
     UpdateAxes();
 }
 
@@ -187,8 +201,11 @@ bool ChartControl::FitToData(double margin) {
     if (!any)
         return false;
     const GUI::Geometry::Rectangle plot = PlotArea();
-    NiceBounds(x0, x1, margin, logX_, std::max(1, plot.Width() / std::max(1, xAxis_->GetTickSpacing())));
-    NiceBounds(y0, y1, margin, logY_, std::max(1, plot.Height() / std::max(1, yAxis_->GetTickSpacing())));
+    auto intervals = [this](int length, const AxisControl* axis) {
+        return std::max(1, length / std::max(1, ScaledPixels(static_cast<float>(axis->GetTickSpacing()))));
+    };
+    NiceBounds(x0, x1, margin, logX_, intervals(plot.Width(), xAxis_));
+    NiceBounds(y0, y1, margin, logY_, intervals(plot.Height(), yAxis_));
     return SetRanges(x0, x1, y0, y1);
 }
 
@@ -207,8 +224,9 @@ void ChartControl::SetBackgroundColor(const GUI::Color& color) {
 
 GUI::Geometry::Rectangle ChartControl::PlotArea() {
     const GUI::Geometry::Rectangle& r = GetRectangle();
-    return {r.xMin + kLeft, std::max(r.xMin + kLeft, r.xMax - kRight), r.yMin + kBottom,
-            std::max(r.yMin + kBottom, r.yMax - kTop)};
+    const Insets m = Margins();
+    return {r.xMin + m.left, std::max(r.xMin + m.left, r.xMax - m.right), r.yMin + m.bottom,
+            std::max(r.yMin + m.bottom, r.yMax - m.top)};
 }
 
 ChartView ChartControl::View() {
@@ -216,11 +234,12 @@ ChartView ChartControl::View() {
     view.plot = PlotArea();
     view.xMin = xMin_, view.xMax = xMax_, view.yMin = yMin_, view.yMax = yMax_;
     view.xLog = logX_, view.yLog = logY_;
+    view.pixelScale = DisplayScale();
     return view;
 }
 
 bool ChartControl::LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) {
-    area = trelvo::detail::GrownFootprint(GetRectangle(), 16, layerWidth, layerHeight);
+    area = trelvo::detail::GrownFootprint(GetRectangle(), ScaledPixels(16.f), layerWidth, layerHeight);
     return true;
 }
 

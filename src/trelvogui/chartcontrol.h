@@ -35,6 +35,7 @@ public:
     virtual bool Initialize();
 
     void DrawCustom() override;
+    void OnDisplayScale(float scale) override;
     /// The rectangle and a margin: the numbers at the ends of the axes reach a little beyond the rectangle. A
     /// root chart is then redrawn only there when it changes.
     bool LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) override;
@@ -84,7 +85,11 @@ protected:
     /// The chart's drawing without the host-state guard, for subclasses that draw more inside theirs.
     void DrawChart();
     /// Pixels around the plot area: room for the y axis, the x axis and the title.
-    static constexpr int kLeft = 72, kBottom = 48, kTop = 26, kRight = 14;
+    struct Insets {
+        int left, bottom, top, right;
+    };
+    /// 72, 48, 26 and 14 pixels at display scale 1.
+    Insets Margins() const;
     void UpdateAxes();
 
 private:

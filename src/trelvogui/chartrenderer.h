@@ -13,6 +13,7 @@ struct TRELVOGUI_EXPORT ChartView {
     GUI::Geometry::Rectangle plot{0, 0, 0, 0}; ///< the plot area in overlay pixels
     double xMin = 0.0, xMax = 1.0, yMin = 0.0, yMax = 1.0;
     bool xLog = false, yLog = false;
+    float pixelScale = 1.f; ///< the display scale: line widths and marker sizes are multiplied by it
 
     /// Overlay pixel of a data value (fractional; NaN where it has none).
     double PixelX(double x) const;

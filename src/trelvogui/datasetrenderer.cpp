@@ -451,7 +451,8 @@ void DataSetRenderer::Draw(const ChartView& view, unsigned pid, unsigned sid) {
     const int columns = view.plot.Width();
     if (n == 0 || columns <= 0 || view.plot.Height() <= 0)
         return;
-    PathBuilder path(vertices_, view.plot, style_, lineWidth_, markerSize_);
+    PathBuilder path(vertices_, view.plot, style_, lineWidth_ * view.pixelScale,
+                     markerSize_ * view.pixelScale);
     const double lo = std::min(view.xMin, view.xMax), hi = std::max(view.xMin, view.xMax);
     // On a logarithmic y axis a sample that is not positive has no place: it is left out (said once).
     auto reportLog = [this] {

@@ -15,11 +15,14 @@
 #include <cstdio>
 
 namespace {
-constexpr int kTitle = 34;   // title row on top, clear of the top number, which overhangs the bar
-constexpr int kNumbers = 62; // the axis: numbers and band beside the bar
-constexpr int kBar = 22;     // the bar's thickness
-constexpr int kGap = 3;      // between the bar and the histogram
-constexpr int kBinPixels = 4;
+// Pixel sizes at display scale 1.
+constexpr float kTitle = 34.f;         // title row on top, clear of the top number, which overhangs the bar
+constexpr float kNumbers = 62.f;       // the axis: numbers and band beside the bar (vertical layout)
+constexpr float kNumbersAcross = 36.f; // the same below a horizontal bar
+constexpr float kBar = 22.f;           // the bar's thickness
+constexpr float kGap = 3.f;            // between the bar and the histogram
+constexpr float kBinPixels = 4.f;
+constexpr unsigned int kTitleFont = 15;
 } // namespace
 
 LegendControl::LegendControl() : marks_(std::make_unique<trelvo::detail::ChartMarks>()) {
@@ -28,7 +31,7 @@ LegendControl::LegendControl() : marks_(std::make_unique<trelvo::detail::ChartMa
     axis_->SetAxisType(AxisControl::NiceSteps);
     axis_->SetFontColor({230, 236, 242, 255});
     title_ = new GUI::Controls::Label();
-    title_->SetFontSize(15);
+    title_->SetFontSize(kTitleFont);
     title_->SetHorizontalAlignment(1);
     title_->SetVerticalAlignment(1);
     title_->SetColor({230, 236, 242, 255});
@@ -62,28 +65,35 @@ void LegendControl::SetLayout(Layout layout) {
     Arrange();
 }
 
+void LegendControl::OnDisplayScale(float) {
+    title_->SetFontSize(static_cast<unsigned int>(ScaledPixels(kTitleFont)));
+    Arrange();
+}
+
 void LegendControl::Arrange() {
     const GUI::Geometry::Rectangle& r = GetControlRectangle();
-    const int w = std::max(r.Width(), 1), h = std::max(r.Height(), kTitle + 1);
-    const int body = h - kTitle;
-    title_->SetRectangle({0, w, body + 12, h});
+    const int titleRow = ScaledPixels(kTitle), bar = ScaledPixels(kBar), gap = ScaledPixels(kGap);
+    const int w = std::max(r.Width(), 1), h = std::max(r.Height(), titleRow + 1);
+    const int body = h - titleRow;
+    title_->SetRectangle({0, w, body + ScaledPixels(12.f), h});
     if (layout_ == Vertical) {
+        const int numbers = ScaledPixels(kNumbers);
         axis_->SetOrientation(AxisControl::AlongXMax);
         axis_->SetTickSpacing(40);
-        axis_->SetRectangle({0, kNumbers, 0, body});
-        bar_->SetRectangle({kNumbers, kNumbers + kBar, 0, body});
-        histogramArea_ = {kNumbers + kBar + kGap, std::max(kNumbers + kBar + kGap, w), 0, body};
+        axis_->SetRectangle({0, numbers, 0, body});
+        bar_->SetRectangle({numbers, numbers + bar, 0, body});
+        histogramArea_ = {numbers + bar + gap, std::max(numbers + bar + gap, w), 0, body};
     } else {
-        const int numbers = 36;
+        const int numbers = ScaledPixels(kNumbersAcross);
         axis_->SetOrientation(AxisControl::AlongYMax);
         axis_->SetTickSpacing(70);
         axis_->SetRectangle({0, w, 0, numbers});
-        bar_->SetRectangle({0, w, numbers, numbers + kBar});
-        histogramArea_ = {0, w, numbers + kBar + kGap, std::max(numbers + kBar + kGap, body)};
+        bar_->SetRectangle({0, w, numbers, numbers + bar});
+        histogramArea_ = {0, w, numbers + bar + gap, std::max(numbers + bar + gap, body)};
     }
     // About one bin every few pixels along the bar.
     const int along = layout_ == Vertical ? body : w;
-    histogram_.SetBinCount(static_cast<std::size_t>(std::max(1, along / kBinPixels)));
+    histogram_.SetBinCount(static_cast<std::size_t>(std::max(1, along / ScaledPixels(kBinPixels))));
     axis_->SetRange(static_cast<float>(lo_), static_cast<float>(hi_));
     SetNeedsRedraw(true);
 }
@@ -131,7 +141,7 @@ void LegendControl::SetHistogramColor(const GUI::Color& color) {
 }
 
 bool LegendControl::LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) {
-    area = trelvo::detail::GrownFootprint(GetRectangle(), 28, layerWidth, layerHeight);
+    area = trelvo::detail::GrownFootprint(GetRectangle(), ScaledPixels(28.f), layerWidth, layerHeight);
     return true;
 }
 

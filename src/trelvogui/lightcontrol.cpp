@@ -19,6 +19,7 @@
 namespace {
 constexpr const char* kFile = "lightcontrol";
 constexpr float kDegreesPerPixel = 0.35f;
+constexpr float kMargin = 10.f;
 constexpr float kRadiansPerDegree = 0.017453292f;
 
 using GUI::Renderer::detail::SetUniformQuiet;
@@ -74,8 +75,9 @@ bool LightControl::Initialize() {
 }
 
 bool LightControl::LayerFootprint(int layerWidth, int, GUI::Geometry::Rectangle& area) {
-    const int side = program_ && quadBuffer_ && light_ ? widgetWidth_ : 0;
-    area = {layerWidth - side - 10, layerWidth - 10, 10, 10 + side};
+    const int side = program_ && quadBuffer_ && light_ ? ScaledPixels(static_cast<float>(widgetWidth_)) : 0;
+    const int margin = ScaledPixels(kMargin);
+    area = {layerWidth - side - margin, layerWidth - margin, margin, margin + side};
     return true;
 }
 
@@ -88,8 +90,10 @@ void LightControl::DrawCustom() {
     glGetIntegerv(GL_VIEWPORT, viewport);
     GB_CHECK_GL(kFile);
     // widgetHeight and the margin fields do not take part: the square is widgetWidth on both sides,
-    // 10 pixels in from the right and bottom edges.
-    glViewport(viewport[2] - widgetWidth_ - 10, 10, widgetWidth_, widgetWidth_);
+    // 10 pixels (at display scale 1) in from the right and bottom edges.
+    const int side = ScaledPixels(static_cast<float>(widgetWidth_));
+    const int margin = ScaledPixels(kMargin);
+    glViewport(viewport[2] - side - margin, margin, side, side);
     GB_CHECK_GL(kFile);
 
     GLSLProgram& drawing = GUI::Renderer::detail::BeginTargetDraw(*program_, fetchProgram_.get());
@@ -153,8 +157,10 @@ DrawFlags LightControl::OnCancelDrag(GUI::Event*) {
 DrawFlags LightControl::OnMouseDrag(GUI::Event*, int dx, int dy) {
     if (cancelled_)
         return DRAW_NOTHING;
-    const float a = -(static_cast<float>(dy) * kDegreesPerPixel) * kRadiansPerDegree;
-    const float b = static_cast<float>(dx) * kDegreesPerPixel * kRadiansPerDegree;
+    // The same hand movement turns the light alike at every display scale.
+    const float perPixel = kDegreesPerPixel / DisplayScale();
+    const float a = -(static_cast<float>(dy) * perPixel) * kRadiansPerDegree;
+    const float b = static_cast<float>(dx) * perPixel * kRadiansPerDegree;
     glm::mat4 m = glm::rotate(glm::mat4(1.f), a, glm::vec3(1.f, 0.f, 0.f));
     m = glm::rotate(m, b, glm::vec3(0.f, 1.f, 0.f));
     if (light_)

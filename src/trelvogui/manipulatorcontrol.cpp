@@ -137,12 +137,14 @@ void ManipulatorControl::DrawCustom() {
     GL::GLScopedBindings hostState;
     camera_->SetMatrixParams(renderer_.get());
     renderer_->setPid(GetId());
+    renderer_->setPixelScale(DisplayScale());
     renderer_->Render();
 }
 
 bool ManipulatorControl::LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) {
     if (!camera_ || !renderer_)
         return false;
+    renderer_->setPixelScale(DisplayScale());
     area = renderer_->LayerFootprint(layerWidth, layerHeight);
     return true;
 }
@@ -213,7 +215,9 @@ double ManipulatorControl::scaleFactor(const tgeom::vec& axis) const {
     glm::vec2 s0, d;
     if (!projectedAxis(axis, s0, d))
         return scale_;
-    double factor = 1.0 + 0.005 * static_cast<double>(glm::dot(currentMouse_ - pressMouse_, d));
+    // The same hand movement scales alike at every display scale.
+    const double perPixel = 0.005 / static_cast<double>(DisplayScale());
+    double factor = 1.0 + perPixel * static_cast<double>(glm::dot(currentMouse_ - pressMouse_, d));
     return factor < 0.05 ? 0.05 : factor;
 }
 

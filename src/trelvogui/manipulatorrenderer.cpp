@@ -215,6 +215,7 @@ void ManipulatorRenderer::drawAxis(int axis) {
     if (alpha <= 0.f)
         return; // invisible and, below half coverage, unpickable: nothing to draw
     float turn = std::atan2(u.y, u.x) - kPi / 2.f;
+    const float px = pixelScale_;
     const unsigned int arrowId = static_cast<unsigned int>(axis + 1);
     const unsigned int boxId = static_cast<unsigned int>(axis + 7);
     const glm::vec2 flat(1.f, 1.f);
@@ -223,19 +224,19 @@ void ManipulatorRenderer::drawAxis(int axis) {
         glm::vec4 color = handleColor(axis, arrowId);
         color.a = alpha;
         // A thin shaft from the centre handle to the head reads as an arrow and widens the grip.
-        float from = centreSize_ * kRingRadius;
-        float to = s * kArrowDistance;
+        float from = centreSize_ * kRingRadius * px;
+        float to = s * kArrowDistance * px;
         if (to > from)
-            drawMesh(*scaleBox_, PlaceInPlane(o + u * (0.5f * (from + to)), turn, 1.5f, 0.5f * (to - from)),
-                     color, arrowId, flat);
-        drawMesh(*arrowHead_, PlaceInPlane(o + u * (s * kArrowDistance), turn, 10.f, 30.f * s), color,
-                 arrowId, flat);
+            drawMesh(*scaleBox_,
+                     PlaceInPlane(o + u * (0.5f * (from + to)), turn, 1.5f * px, 0.5f * (to - from)), color,
+                     arrowId, flat);
+        drawMesh(*arrowHead_, PlaceInPlane(o + u * to, turn, 10.f * px, 30.f * s * px), color, arrowId, flat);
     }
     if (box) {
         glm::vec4 color = handleColor(axis, boxId);
         color.a = alpha;
-        drawMesh(*scaleBox_, PlaceInPlane(o + u * (s * kBoxDistance), turn, 10.f, 10.f * s), color, boxId,
-                 flat);
+        drawMesh(*scaleBox_, PlaceInPlane(o + u * (s * kBoxDistance * px), turn, 10.f * px, 10.f * s * px),
+                 color, boxId, flat);
     }
 }
 
@@ -256,7 +257,7 @@ void ManipulatorRenderer::drawRing(int axis) {
     auto extent = [&](const tgeom::vec& a, const glm::vec2& u) {
         float along = glm::dot(a, view);
         float s = std::max(std::sqrt(std::max(0.f, 1.f - along * along)), ringMinimumThickness_);
-        return u * (kRingRadius * s * (along > 0.f ? -1.f : 1.f));
+        return u * (kRingRadius * pixelScale_ * s * (along > 0.f ? -1.f : 1.f));
     };
     glm::vec2 b1 = extent(a1, u1);
     glm::vec2 b2 = extent(a2, u2);
@@ -293,7 +294,7 @@ void ManipulatorRenderer::DrawCircle() {
     glm::vec2 o, u;
     if (!projectAxis(frame_.xvector(), o, u))
         return;
-    float radius = centreSize_ * kRingRadius;
+    float radius = centreSize_ * kRingRadius * pixelScale_;
     drawMesh(polyCircle_ ? *hexRing_ : *roundRing_, PlaceInPlane(o, 0.f, radius, radius), handleColor(-1, 10),
              10, glm::vec2(1.f, 1.f));
 }
@@ -311,7 +312,8 @@ GUI::Geometry::Rectangle ManipulatorRenderer::LayerFootprint(int layerWidth, int
     // circle mapped onto two projected axes of at most kRingRadius each, a scale box sits at
     // kBoxDistance with a half-diagonal under 15, and the centre ring's radius is centreSize times
     // half of kRingRadius. Two pixels more for rasterisation at the edges.
-    const float reach = std::max({2.f * kRingRadius, kBoxDistance + 15.f, centreSize_ * kRingRadius}) + 2.f;
+    const float reach =
+        std::max({2.f * kRingRadius, kBoxDistance + 15.f, centreSize_ * kRingRadius}) * pixelScale_ + 2.f;
     // The pixel projection spans the camera's size; the layer's viewport may be another size.
     const float fx = static_cast<float>(layerWidth) / static_cast<float>(camera->Width());
     const float fy = static_cast<float>(layerHeight) / static_cast<float>(camera->Height());

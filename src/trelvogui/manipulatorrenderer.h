@@ -65,6 +65,9 @@ public:
     bool visiblePolyCircle() const { return polyCircle_; }
     void setVisible(bool v) { SetVisible(v); }
     void setPid(unsigned int pid) { pid_ = pid; }
+    /// Multiplies every handle's pixel size and distance (the display scale); 1 by default.
+    void setPixelScale(float scale) { pixelScale_ = scale; }
+    float pixelScale() const { return pixelScale_; }
     unsigned int pid() const { return pid_; }
     /// The hovered handle's id (0 = none); that handle is drawn mixed with the highlight colour.
     void setHighlightDof(unsigned int id) { highlightDof_ = id; }
@@ -108,6 +111,7 @@ private:
     // The centre's outer radius as a fraction of the ring radius, the least thickness of a ring seen
     // edge-on (so it stays pickable) as a fraction of the radius, and the shade of a band's thin end.
     float centreSize_ = 0.2f;
+    float pixelScale_ = 1.f;
     float ringMinimumThickness_ = 0.04f;
     float bandShade_ = 0.7f;
     int primaryId_ = 200;

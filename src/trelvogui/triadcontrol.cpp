@@ -31,6 +31,8 @@ constexpr const char* kModule = "TrelvoGUI.dll";
 constexpr GLint kLabelUnit = 8;
 constexpr int kCubeVertices = 36;
 constexpr int kFaces = 6;
+// From the view's lower-left corner to the cube's square, in pixels at display scale 1.
+constexpr float kMargin = 10.f;
 
 // Where a click on each face puts the camera (a direction from the target) and its up vector.
 struct FaceView {
@@ -68,13 +70,15 @@ void TriadControl::SetMinimumSize(int pixels) {
 
 bool TriadControl::LayerFootprint(int, int, GUI::Geometry::Rectangle& area) {
     const int side = ready_ ? Side() : 0;
-    area = {10, 10 + side, 10, 10 + side};
+    const int margin = ScaledPixels(kMargin);
+    area = {margin, margin + side, margin, margin + side};
     return true;
 }
 
 int TriadControl::Side() const {
     const int shorter = camera_ ? std::min(camera_->Width(), camera_->Height()) : 0;
-    return std::max(minimumSize_, static_cast<int>(std::floor(shorter / 15.0)));
+    return std::max(ScaledPixels(static_cast<float>(minimumSize_)),
+                    static_cast<int>(std::floor(shorter / 15.0)));
 }
 
 bool TriadControl::Initialize() {
@@ -181,7 +185,8 @@ void TriadControl::DrawCustom() {
     glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
     GB_CHECK_GL(kFile);
     const int side = Side();
-    glViewport(10, 10, side, side);
+    const int margin = ScaledPixels(kMargin);
+    glViewport(margin, margin, side, side);
     GB_CHECK_GL(kFile);
 
     glActiveTexture(GL_TEXTURE0 + kLabelUnit);

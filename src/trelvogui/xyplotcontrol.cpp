@@ -22,6 +22,7 @@ constexpr std::uint64_t kDoubleClick = 400;
 // A wheel notch zooms by this factor.
 constexpr double kNotchZoom = 0.8;
 constexpr float kMarker = 7.f;
+constexpr unsigned int kReadoutFont = 12;
 
 std::wstring Widened(const char* text) {
     std::wstring out;
@@ -35,7 +36,7 @@ std::wstring Widened(const char* text) {
 XYPlotControl::XYPlotControl() : marker_(std::make_unique<trelvo::detail::ChartMarks>()) {
     for (GUI::Controls::Label** label : {&statistics_, &readout_}) {
         *label = new GUI::Controls::Label();
-        (*label)->SetFontSize(12);
+        (*label)->SetFontSize(kReadoutFont);
         (*label)->SetVerticalAlignment(1);
         (*label)->SetColor({230, 236, 242, 255});
         AddChild(*label);
@@ -58,12 +59,21 @@ void XYPlotControl::SetRectangle(GUI::Geometry::Rectangle r) {
     PlaceLabels();
 }
 
+void XYPlotControl::OnDisplayScale(float scale) {
+    ChartControl::OnDisplayScale(scale);
+    for (GUI::Controls::Label* label : {statistics_, readout_})
+        label->SetFontSize(static_cast<unsigned int>(ScaledPixels(kReadoutFont)));
+    PlaceLabels();
+}
+
 void XYPlotControl::PlaceLabels() {
     // Inside the plot area's top edge: the statistics, and the readout in the row below.
     const GUI::Geometry::Rectangle& r = GetControlRectangle();
-    const int top = r.Height() - kTop;
-    statistics_->SetRectangle({kLeft + 6, r.Width() - kRight - 6, top - 20, top - 2});
-    readout_->SetRectangle({kLeft + 6, r.Width() - kRight - 6, top - 38, top - 20});
+    const Insets m = Margins();
+    const int top = r.Height() - m.top;
+    const int left = m.left + ScaledPixels(6.f), right = r.Width() - m.right - ScaledPixels(6.f);
+    statistics_->SetRectangle({left, right, top - ScaledPixels(20.f), top - ScaledPixels(2.f)});
+    readout_->SetRectangle({left, right, top - ScaledPixels(38.f), top - ScaledPixels(20.f)});
 }
 
 bool XYPlotControl::AddDataSet(DataSetRenderer* set) {
@@ -210,7 +220,7 @@ void XYPlotControl::DrawCustom() {
     if (!std::isfinite(px) || !std::isfinite(py))
         return;
     vertices_.clear();
-    const float h = kMarker / 2, fx = static_cast<float>(px), fy = static_cast<float>(py);
+    const float h = kMarker * v.pixelScale / 2, fx = static_cast<float>(px), fy = static_cast<float>(py);
     trelvo::detail::ChartMarks::AppendRectangle(vertices_, fx - h, fy - h, fx + h, fy + h);
     marker_->Draw(vertices_, GLVertexBuffer::Triangles, {255, 255, 255, 255}, GetId(), 0, v.plot);
 }

@@ -25,6 +25,7 @@ public:
 
     bool Initialize() override;
     void DrawCustom() override;
+    void OnDisplayScale(float scale) override;
     void SetRectangle(GUI::Geometry::Rectangle r) override;
 
     DrawFlags OnMouseHover(GUI::Event* e) override;

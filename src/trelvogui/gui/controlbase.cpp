@@ -8,6 +8,7 @@
 #include <graphicsbase/logfile.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace GUI::Controls {
 namespace {
@@ -619,6 +620,16 @@ bool Base::Unregister() {
 
 DrawFlags Base::OnMouseWheel(GUI::Event*, int) {
     return DRAW_NOTHING;
+}
+
+void Base::OnDisplayScale(float) {}
+
+float Base::DisplayScale() const {
+    return manager_ ? manager_->GetDisplayScale() : 1.f;
+}
+
+int Base::ScaledPixels(float pixels) const {
+    return static_cast<int>(std::lround(pixels * DisplayScale()));
 }
 
 DrawFlags Base::OnCancelDrag(GUI::Event*) {

@@ -147,6 +147,14 @@ public:
     /// The left-button drag this control holds is to be abandoned: Escape was pressed or another
     /// button went down. DRAW_NOTHING (the default) leaves the event to the manager's usual routing.
     virtual DrawFlags OnCancelDrag(GUI::Event* e);
+    /// The manager's display scale changed: controls that keep a layout measured in pixels redo it.
+    /// The manager redraws every control afterwards; the default does nothing.
+    virtual void OnDisplayScale(float scale);
+
+    /// The manager's display scale (1 without a manager): every pixel size of a widget is multiplied by it.
+    float DisplayScale() const;
+    /// A length given in pixels at display scale 1, at the current scale (rounded to whole pixels).
+    int ScaledPixels(float pixels) const;
 
     /// Expires when this control is destroyed. Code that calls out to host code (signals, callbacks)
     /// takes one first and stops touching the control when it has expired: a handler may delete the

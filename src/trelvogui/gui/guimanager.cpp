@@ -21,11 +21,14 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <functional>
 #include <string>
 
 namespace GUI {
 namespace {
 const char* kFile = "gui/guimanager";
+constexpr float kMinDisplayScale = 0.5f;
+constexpr float kMaxDisplayScale = 4.f;
 
 GUI::Event controlEvent(const VX_UI::MouseEvent& e) {
     return GUI::Event{e.x, e.y, e.pid, e.sid};
@@ -158,6 +161,29 @@ void GUIManager::SetNeedsRedraw(bool v) {
     // camera change restaling widgets) are drawn by that same update and need no new frame.
     if (raised && !updating_)
         RedrawRequestSignal();
+}
+
+bool GUIManager::SetDisplayScale(float scale) {
+    if (!(scale >= kMinDisplayScale && scale <= kMaxDisplayScale)) {
+        std::printf("GUIManager::SetDisplayScale(): %g is outside %g to %g\n", static_cast<double>(scale),
+                    static_cast<double>(kMinDisplayScale), static_cast<double>(kMaxDisplayScale));
+        return false;
+    }
+    if (scale == displayScale_)
+        return true;
+    displayScale_ = scale;
+    // Every layer holds pixels drawn at the old scale; controls that lay out in pixels redo it first.
+    std::function<void(GUI::Controls::Base*)> rescale = [&](GUI::Controls::Base* control) {
+        control->OnDisplayScale(scale);
+        control->SetNeedsRedraw(true);
+        for (GUI::Controls::Base* child : *control->Children())
+            rescale(child);
+    };
+    for (GUI::Controls::Base* control : Controls())
+        rescale(control);
+    layersWhole_ = true;
+    SetNeedsRedraw(true);
+    return true;
 }
 
 void GUIManager::SetUpsideDown(bool upsideDown) {

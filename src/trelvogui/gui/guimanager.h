@@ -121,6 +121,11 @@ public:
     /// Mirrors the composite's texture coordinates vertically (rebuilds the quad).
     void SetUpsideDown(bool upsideDown);
     bool GetUpsideDown() const { return upsideDown_; }
+    /// Device pixels per layout pixel (default 1): every pixel size of the 3D widgets and data
+    /// controls is multiplied by it, so a window with a device-pixel ratio of 2 draws them as large
+    /// as a ratio-1 window does. Refused with a message outside 0.5 to 4; a change redraws everything.
+    bool SetDisplayScale(float scale);
+    float GetDisplayScale() const { return displayScale_; }
     /// Where the view's lower-left corner lies in the host's framebuffer, in pixels (default 0, 0), for
     /// a view that does not start at the window's corner. Draw composites there; pointer events stay in
     /// the view's own pixels.
@@ -224,6 +229,7 @@ private:
     int height_ = 100;
     bool needsRedraw_ = false;
     bool upsideDown_ = false;
+    float displayScale_ = 1.f;
     GUI::Geometry::Point origin_;
     std::vector<GUI::Animation::Sequence*> animations_;
     std::vector<GUI::Animation::Sequence*> cancelled_;
