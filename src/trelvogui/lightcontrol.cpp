@@ -103,13 +103,29 @@ void LightControl::DrawCustom() {
         glUniform1ui(location, GetId());
         GB_CHECK_GL(kFile);
     }
+    // Disabled: greyed, half transparent and without ids, so the pointer reaches what is behind.
+    SetUniformQuiet(program, "dimmed", static_cast<GLint>(Enabled() ? 0 : 1));
     // The tile is translucent and composes over what the overlay drew before it, like every UI draw.
     GUI::Renderer::detail::TargetBarrier(&drawing == program_.get());
     quadBuffer_->draw(GLVertexBuffer::Triangles);
     drawing.end();
 }
 
+void LightControl::SetEnabled(bool v) {
+    if (!v)
+        OnCancelDrag(nullptr);
+    Base::SetEnabled(v);
+}
+
+void LightControl::SetVisible(bool v) {
+    if (!v)
+        OnCancelDrag(nullptr);
+    Base::SetVisible(v);
+}
+
 DrawFlags LightControl::OnMouseDown(GUI::Event* e) {
+    if (!Enabled() || !Visible())
+        return DRAW_NOTHING;
     const DrawFlags result = Base::OnMouseDown(e);
     cancelled_ = false;
     if (!light_)

@@ -49,6 +49,10 @@ public:
     DrawFlags OnMouseUp(GUI::Event* e) override;
     /// Puts the light back where the drag under way found it. Nothing without a drag.
     DrawFlags OnCancelDrag(GUI::Event* e) override;
+    /// Disabled, the widget draws dimmed and lets the pointer through to what is behind it; disabling
+    /// or hiding it during a drag cancels the drag.
+    void SetEnabled(bool v) override;
+    void SetVisible(bool v) override;
     /// With the GL context current: builds "LightWidget.vs" + "LightWidget.fs" and the quad. False
     /// when a shader fails to load or the program does not link.
     virtual bool Initialize();

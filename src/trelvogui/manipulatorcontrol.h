@@ -16,7 +16,8 @@ class Camera;
 class ManipulatorRenderer;
 
 /// A gizmo in the overlay's control tree, drawn over the host's 3D view with the host's camera. A
-/// press on a handle (the event's secondary id: 1-3 arrows, 4-6 rings, 7-9 scale boxes, 10 centre)
+/// press on a handle (the event's secondary id: 1-3 arrows, 4-6 rings, 7-9 scale boxes, 10 centre,
+/// 11-13 the optional plane squares)
 /// starts a drag that moves, turns or scales the gizmo's frame, keeps an attached frame in step and
 /// fires `transformationSignal` after every step; `getTransformation` holds that step's change.
 ///
@@ -40,6 +41,11 @@ public:
         kScaleY = 8,
         kScaleZ = 9,
         kCentre = 10,
+        /// The squares between two arrows (setPlaneHandles): a drag moves in the plane normal to x,
+        /// y or z.
+        kTranslateYZ = 11,
+        kTranslateZX = 12,
+        kTranslateXY = 13,
     };
 
     /// The frame at the press and as it is now (at the release, or when the drag was cancelled).
@@ -73,7 +79,11 @@ public:
     DrawFlags OnMouseHover(GUI::Event* e) override;
     /// A click on a ring turns the gizmo a quarter turn about that ring's axis.
     DrawFlags OnClick(GUI::Event* e) override;
+    /// Hiding or disabling the gizmo during a drag cancels the drag.
     void SetVisible(bool v) override;
+    /// A disabled gizmo draws dimmed and leaves the id layer to what lies behind it, so the pointer
+    /// passes through to that.
+    void SetEnabled(bool v) override;
     /// Puts the gizmo and the attached frame back where the drag under way started. Nothing without
     /// a drag.
     DrawFlags OnCancelDrag(GUI::Event* e) override;
@@ -109,6 +119,34 @@ public:
     /// The snapping step in radians.
     float rotationIncrement() { return rotationIncrement_; }
     void setRotationIncrement(float radians);
+    /// Arrow, plane-square and centre moves snap to whole steps (world units) of the motion from the
+    /// press, counted along the handle axes. Off by default; the step is 1.
+    bool translationIncrementOn() const { return translationIncrementOn_; }
+    void setTranslationIncrementOn(bool v) { translationIncrementOn_ = v; }
+    float translationIncrement() const { return translationIncrement_; }
+    /// False, with a message and the step kept, for a step that is not finite and positive or is
+    /// above 1e6.
+    bool setTranslationIncrement(float step);
+    /// Scale drags snap the factor of the drag (1 at the press) to whole steps. Off by default; the
+    /// step is 0.1.
+    bool scaleIncrementOn() const { return scaleIncrementOn_; }
+    void setScaleIncrementOn(bool v) { scaleIncrementOn_ = v; }
+    float scaleIncrement() const { return scaleIncrement_; }
+    /// False, with a message and the step kept, for a step that is not finite and positive or is
+    /// above 100.
+    bool setScaleIncrement(float step);
+    /// While any of these modifier bits is held (the latest pointer or key event's modifiers, in the
+    /// backend's encoding: Ctrl is 0x2 with GLFW, 0xC0 with SDL, 0x04000000 with Qt), every kind of
+    /// snapping is inverted for the drag. 0 (the default) turns the inversion off.
+    void setSnapInvertModifiers(unsigned int mask) { snapInvertModifiers_ = mask; }
+    unsigned int snapInvertModifiers() const { return snapInvertModifiers_; }
+    /// Arrows, rings and plane squares follow the world axes instead of the frame's, and moves and
+    /// turns act about them; the scale boxes stay on the frame's axes and scale it along them.
+    void setWorldAxes(bool v);
+    bool worldAxes() const { return worldAxes_; }
+    /// Adds the three plane squares (kTranslateYZ, kTranslateZX, kTranslateXY). Off by default.
+    void setPlaneHandles(bool v);
+    bool planeHandles() const;
     /// Per-step deltas against the pose at the previous call; applies the step's scale to the frames.
     void calculateTransformations();
 
@@ -132,6 +170,16 @@ protected:
     bool projectedAxis(const tgeom::vec& axis, glm::vec2& start, glm::vec2& direction) const;
     /// 1 + 0.005 per pixel of pointer motion along the projected axis, never below 0.05.
     double scaleFactor(const tgeom::vec& axis) const;
+    /// Where the pointer's ray meets the plane through the press position with normal `normal`; false
+    /// (and `hit` unchanged) when it runs parallel to the plane or does not unproject.
+    bool rayPlane(const glm::vec2& mouse, const tgeom::vec& normal, tgeom::vec& hit) const;
+    /// The axis a handle of axis index 0-2 works along: the world's or the frame's.
+    tgeom::vec handleAxis(int index) const;
+    /// Whether snapping of the given setting applies now (the invert modifiers flip it).
+    bool snapping(bool setting) const;
+    /// `offset` with its components along the handle axes rounded to whole translation steps when
+    /// translation snapping applies.
+    tgeom::vec snapOffset(const tgeom::vec& offset) const;
     /// A host pointer position in the camera's window coordinates.
     glm::vec2 toWindow(int x, int y) const;
     /// One step of the drag under way; false when the pressed id is no handle.
@@ -165,6 +213,15 @@ private:
     bool uniformScaling_ = false;
     bool rotationIncrementOn_ = false;
     bool centreDragged_ = false;
+    float translationIncrement_ = 1.f;
+    float scaleIncrement_ = 0.1f;
+    bool translationIncrementOn_ = false;
+    bool scaleIncrementOn_ = false;
+    bool worldAxes_ = false;
+    unsigned int snapInvertModifiers_ = 0;
+    // Where the pointer's ray met the dragged plane square's plane at the press: plane moves keep
+    // the grab offset.
+    tgeom::vec pressPlanePoint_{0.f};
     int hoveredHandle_ = 0;
     // The poses at the press, to give back on a cancel and to report with the drag's edges.
     LocalFrame pressFrame_;

@@ -21,7 +21,7 @@ class GLVertexBuffer;
 /// handle around the pose it owns (`getFrame`). Handles are flat meshes placed, turned and sized in
 /// window pixels around the projected origin, so the gizmo keeps its size on screen at any distance.
 /// Every handle writes the control's id and its own secondary id (1-3 arrows, 4-6 rings, 7-9 boxes,
-/// 10 centre) into the id layer.
+/// 10 centre, 11-13 the optional plane squares normal to x, y and z) into the id layer.
 ///
 /// Pixel convention: handles are placed in the camera's window coordinates exactly as
 /// Camera::ProjectPoint returns them (origin bottom-left, y up), and drawn with a projection of the
@@ -73,8 +73,22 @@ public:
     void setDOFMask(unsigned int mask);
     unsigned int DOFMask() const { return dofMask_; }
     int primaryId() const { return primaryId_; }
-    /// Whether handle id (1-9) is shown and pickable.
-    bool handleEnabled(int id) const { return id >= 1 && id <= 9 && handles_[id - 1]; }
+    /// Whether handle id (1-9, 11-13) is shown and pickable. A plane square needs both of its
+    /// plane's arrows.
+    bool handleEnabled(int id) const {
+        if (id >= 11 && id <= 13)
+            return planeHandles_ && handles_[(id - 10) % 3] && handles_[(id - 9) % 3];
+        return id >= 1 && id <= 9 && handles_[id - 1];
+    }
+    /// The three plane squares between pairs of arrows (off by default).
+    void setPlaneHandles(bool v) { planeHandles_ = v; }
+    bool planeHandles() const { return planeHandles_; }
+    /// Arrows, rings and plane squares along the world axes; the scale boxes stay on the frame's.
+    void setWorldAxes(bool v) { worldAxes_ = v; }
+    bool worldAxes() const { return worldAxes_; }
+    /// Greyed and at most half opaque: a dimmed gizmo writes no ids, so picking sees what is behind.
+    void setDimmed(bool v) { dimmed_ = v; }
+    bool dimmed() const { return dimmed_; }
 
     /// The frame's rotation with the stored translation in the translation column.
     void modelMatrix(glm::mat4& m) const;
@@ -82,11 +96,14 @@ public:
 private:
     void drawAxis(int axis);
     void drawRing(int axis);
+    void drawPlane(int normal);
     bool projectAxis(const tgeom::vec& axis, glm::vec2& origin, glm::vec2& direction) const;
     glm::vec4 handleColor(int axis, unsigned int id) const;
     void drawMesh(const GLVertexBuffer& mesh, const glm::mat4& model, const glm::vec4& color, unsigned int id,
                   const glm::vec2& colorpos);
+    /// The axis the arrows, rings and plane squares follow (world or frame); `localAxis` the frame's.
     tgeom::vec axisVector(int axis) const;
+    tgeom::vec localAxis(int axis) const;
 
     LocalFrame frame_;
     std::unique_ptr<GLVertexBuffer> arrowHead_;
@@ -105,6 +122,9 @@ private:
     bool handles_[9] = {true, true, true, true, true, true, true, true, true};
     bool centre_ = true;
     bool polyCircle_ = false;
+    bool planeHandles_ = false;
+    bool worldAxes_ = false;
+    bool dimmed_ = false;
     // The centre's outer radius as a fraction of the ring radius, the least thickness of a ring seen
     // edge-on (so it stays pickable) as a fraction of the radius, and the shade of a band's thin end.
     float centreSize_ = 0.2f;

@@ -792,7 +792,10 @@ DrawFlags GUIManager::cancelDrag() {
 
 DrawFlags GUIManager::keyPress(VX_UI::KeyEvent* e) {
     constexpr unsigned int kEscapeSdl = 27, kEscapeGlfw = 256, kEscapeQt = 0x01000000;
-    if (!e || (e->key != kEscapeSdl && e->key != kEscapeGlfw && e->key != kEscapeQt))
+    if (!e)
+        return DRAW_NOTHING;
+    modifiers_ = e->modifiers;
+    if (e->key != kEscapeSdl && e->key != kEscapeGlfw && e->key != kEscapeQt)
         return DRAW_NOTHING;
     const DrawFlags result = cancelDrag();
     if (result != DRAW_NOTHING)
@@ -800,7 +803,14 @@ DrawFlags GUIManager::keyPress(VX_UI::KeyEvent* e) {
     return result;
 }
 
+DrawFlags GUIManager::keyRelease(VX_UI::KeyEvent* e) {
+    if (e)
+        modifiers_ = e->modifiers;
+    return DRAW_NOTHING;
+}
+
 DrawFlags GUIManager::mousePressEvent(VX_UI::MouseEvent* e) {
+    modifiers_ = static_cast<unsigned int>(e->modifiers);
     // Another button pressed during a left-button drag may cancel it; the drag keeps the pointer.
     if (e->buttons & ~VX_UI::BUTTON_LEFT) {
         const DrawFlags cancelled = cancelDrag();
@@ -840,6 +850,7 @@ DrawFlags GUIManager::mousePressEvent(VX_UI::MouseEvent* e) {
 }
 
 DrawFlags GUIManager::mouseMoveEvent(VX_UI::MouseEvent* e) {
+    modifiers_ = static_cast<unsigned int>(e->modifiers);
     DrawFlags result = DRAW_NOTHING;
     if (e->buttons == 0) {
         HitDetect(e->x, OverlayRow(e->y), &e->pid, &e->sid);
@@ -872,6 +883,7 @@ DrawFlags GUIManager::mouseMoveEvent(VX_UI::MouseEvent* e) {
 }
 
 DrawFlags GUIManager::mouseReleaseEvent(VX_UI::MouseEvent* e) {
+    modifiers_ = static_cast<unsigned int>(e->modifiers);
     DrawFlags result = DRAW_NOTHING;
     if ((pointer_.buttons & VX_UI::BUTTON_LEFT) && pointer_.pid != 0 && Contains(pointer_.pid)) {
         const unsigned int pressed = pointer_.pid;

@@ -114,6 +114,11 @@ public:
     /// Escape during a left-button drag (the Escape codes of the SDL, GLFW and Qt backends) offers
     /// the dragged control a cancel; every other key is ignored.
     DrawFlags keyPress(VX_UI::KeyEvent* e) override;
+    /// Only notes the modifiers (see Modifiers).
+    DrawFlags keyRelease(VX_UI::KeyEvent* e) override;
+    /// The modifier bits of the latest pointer or key event, in the host backend's own encoding:
+    /// for controls whose drags change with a held key.
+    unsigned int Modifiers() const { return modifiers_; }
 
     /// Raises the flag (firing the signal on a false-to-true change); never clears it.
     void SetNeedsRedraw(bool v);
@@ -218,6 +223,7 @@ private:
     unsigned int quadVertexArray_ = 0;
     unsigned int quadVertexBuffer_ = 0;
     VX_UI::MouseEvent pointer_;
+    unsigned int modifiers_ = 0;
     uint64_t pressTime_ = 0;
     uint64_t clickWindow_ = 200;
     int width_ = 100;
