@@ -26,6 +26,8 @@
 #include <string>
 #include <tuple>
 
+using namespace GraphicsBase;
+
 namespace {
 constexpr int kW = 640;
 constexpr int kH = 480;

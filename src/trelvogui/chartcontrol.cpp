@@ -14,6 +14,8 @@
 #include <cstdio>
 #include <limits>
 
+using namespace GraphicsBase;
+
 ChartControl::ChartControl() : marks_(std::make_unique<trelvo::detail::ChartMarks>()) {
     xAxis_ = new AxisControl();
     yAxis_ = new AxisControl();

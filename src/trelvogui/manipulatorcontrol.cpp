@@ -11,6 +11,8 @@
 #include <cmath>
 #include <cstdio>
 
+using namespace GraphicsBase;
+
 namespace {
 constexpr float kQuarterTurn = 1.5707964f;
 

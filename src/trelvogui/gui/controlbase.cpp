@@ -9,6 +9,8 @@
 
 #include <algorithm>
 
+using namespace GraphicsBase;
+
 namespace GUI::Controls {
 namespace {
 // Depth of SetNeedsRedraw calls that climb from a child to its parent: a control marked from below

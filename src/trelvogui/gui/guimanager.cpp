@@ -23,6 +23,8 @@
 #include <cstdio>
 #include <string>
 
+using namespace GraphicsBase;
+
 namespace GUI {
 namespace {
 const char* kFile = "gui/guimanager";
@@ -35,7 +37,9 @@ GUI::Event controlEvent(const VX_UI::MouseEvent& e) {
 GUIManager::GUIManager(GUI::Renderer::Type type) : rendererType_(type) {}
 
 GUIManager::~GUIManager() {
-    if (!GraphicsBase::CanReleaseGL()) {
+    const bool holdsGL = quadVertexArray_ || quadVertexBuffer_ || layerFramebuffer_ || pickFramebuffer_ ||
+                         colorLayer_ || idLayer_ || depthLayer_ || layersFence_;
+    if (holdsGL && !GraphicsBase::CanReleaseGL()) {
         // Only the names are forgotten; the context frees the objects when it goes.
         quadVertexArray_ = quadVertexBuffer_ = 0;
         layerFramebuffer_ = pickFramebuffer_ = colorLayer_ = idLayer_ = depthLayer_ = 0;

@@ -18,8 +18,12 @@
 #include <memory>
 #include <vector>
 
+namespace GraphicsBase {
 class GLSLProgram;
+}
+namespace GraphicsBase {
 struct DirectionalLight;
+}
 
 namespace GUI {
 namespace Renderer {
@@ -40,8 +44,8 @@ class Sequence;
 /// then per frame UpdateLayers and Draw after the host's own scene. Pointer events arrive through
 /// the InputHandler entry points, directly or through a GUIInputManager. Destroy the manager while
 /// its context is current.
-class TRELVOGUI_EXPORT GUIManager : public GLRendererBase,
-                                    public InputHandler,
+class TRELVOGUI_EXPORT GUIManager : public GraphicsBase::GLRendererBase,
+                                    public GraphicsBase::InputHandler,
                                     public GUI::Controls::Factory {
 public:
     /// Fired when the needs-redraw flag goes from false to true: the host's cue to schedule a frame.
@@ -105,17 +109,17 @@ public:
     void Draw() override;
     void draw() override { Draw(); }
 
-    DrawFlags mousePressEvent(VX_UI::MouseEvent* e) override;
-    DrawFlags mouseMoveEvent(VX_UI::MouseEvent* e) override;
-    DrawFlags mouseReleaseEvent(VX_UI::MouseEvent* e) override;
+    GraphicsBase::DrawFlags mousePressEvent(GraphicsBase::VX_UI::MouseEvent* e) override;
+    GraphicsBase::DrawFlags mouseMoveEvent(GraphicsBase::VX_UI::MouseEvent* e) override;
+    GraphicsBase::DrawFlags mouseReleaseEvent(GraphicsBase::VX_UI::MouseEvent* e) override;
     /// Offers the wheel to the control under the pointer (where the last pointer event left it), then
     /// to its parents, until one consumes it.
-    DrawFlags mouseWheel(VX_UI::MouseWheelEvent* e) override;
+    GraphicsBase::DrawFlags mouseWheel(GraphicsBase::VX_UI::MouseWheelEvent* e) override;
     /// Escape during a left-button drag (the Escape codes of the SDL, GLFW and Qt backends) offers
     /// the dragged control a cancel; every other key is ignored.
-    DrawFlags keyPress(VX_UI::KeyEvent* e) override;
+    GraphicsBase::DrawFlags keyPress(GraphicsBase::VX_UI::KeyEvent* e) override;
     /// Only notes the modifiers (see Modifiers).
-    DrawFlags keyRelease(VX_UI::KeyEvent* e) override;
+    GraphicsBase::DrawFlags keyRelease(GraphicsBase::VX_UI::KeyEvent* e) override;
     /// The modifier bits of the latest pointer or key event, in the host backend's own encoding:
     /// for controls whose drags change with a held key.
     unsigned int Modifiers() const { return modifiers_; }
@@ -190,7 +194,7 @@ public:
 
 private:
     /// Offers the control holding the left-button drag a cancel; DRAW_NOTHING when none takes it.
-    DrawFlags cancelDrag();
+    GraphicsBase::DrawFlags cancelDrag();
     void deleteLayers();
     void updateLayers();
     void fireDeferredSignals();
@@ -203,7 +207,7 @@ private:
     /// What a camera- or light-following control drew with: view, projection, viewport, light.
     struct SceneState {
         std::array<float, 50> values{};
-        static SceneState Of(const Camera* camera, const DirectionalLight* light);
+        static SceneState Of(const GraphicsBase::Camera* camera, const GraphicsBase::DirectionalLight* light);
         bool operator==(const SceneState& o) const {
             return std::memcmp(&values, &o.values, sizeof values) == 0;
         }
@@ -213,8 +217,8 @@ private:
     GUI::Renderer::Type rendererType_;
     GUI::Renderer::Base* renderer_ = nullptr;
     GUI::Texture::Atlas* atlas_ = nullptr;
-    std::unique_ptr<GLSLProgram> compositeProgram_;
-    std::unique_ptr<GLSLProgram> gammaProgram_;
+    std::unique_ptr<GraphicsBase::GLSLProgram> compositeProgram_;
+    std::unique_ptr<GraphicsBase::GLSLProgram> gammaProgram_;
     unsigned int layerFramebuffer_ = 0;
     unsigned int pickFramebuffer_ = 0;
     unsigned int colorLayer_ = 0;
@@ -222,7 +226,7 @@ private:
     unsigned int depthLayer_ = 0;
     unsigned int quadVertexArray_ = 0;
     unsigned int quadVertexBuffer_ = 0;
-    VX_UI::MouseEvent pointer_;
+    GraphicsBase::VX_UI::MouseEvent pointer_;
     unsigned int modifiers_ = 0;
     uint64_t pressTime_ = 0;
     uint64_t clickWindow_ = 200;
