@@ -55,6 +55,11 @@ public:
     bool MouseRelease(int x, int y, int buttons);
     /// A wheel turn with the pointer where the last pointer event left it (120 a notch).
     bool MouseWheel(int delta);
+    /// A key press (GLFW key codes: Escape is 256) with the given modifier bits.
+    bool KeyPress(unsigned int key, unsigned int modifiers = 0);
+    /// Puts the cube and the gizmo back where the last finished gizmo drag started; the host's undo,
+    /// one step per drag. False when there is nothing to undo.
+    bool UndoGizmoDrag();
 
     void SetDrawFlags(GraphicsBase::DrawFlags flags) override;
     /// Lines describing what the last events reached.
@@ -129,6 +134,13 @@ private:
     int lastY_ = 0;
     std::vector<std::string> journal_;
     std::vector<std::string> stepNotes_;
+    // The host's undo stack of gizmo drags: the gizmo's and the cube's pose when each drag started.
+    struct GizmoUndo {
+        GraphicsBase::LocalFrame gizmo;
+        GraphicsBase::LocalFrame cube;
+    };
+    std::vector<GizmoUndo> gizmoUndo_;
+    GraphicsBase::LocalFrame cubeAtPress_;
     GLuint cubeProgram_ = 0;
     GLuint cubeVao_ = 0;
     GLuint cubeVbo_ = 0;
