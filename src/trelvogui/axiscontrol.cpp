@@ -171,6 +171,7 @@ AxisControl::AxisControl() {
     // Its tick band may sit beside the rectangle (orientation 3): a cached layer holding an axis is
     // redrawn whole.
     SetDrawsOutsideRenderRectangle(true);
+    SetDimsWhenDisabled(true);
 }
 
 AxisControl::~AxisControl() {

@@ -17,6 +17,7 @@
 using namespace GraphicsBase;
 
 ChartControl::ChartControl() : marks_(std::make_unique<trelvo::detail::ChartMarks>()) {
+    SetDimsWhenDisabled(true);
     xAxis_ = new AxisControl();
     yAxis_ = new AxisControl();
     xAxis_->SetOrientation(AxisControl::AlongYMax);

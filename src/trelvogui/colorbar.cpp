@@ -21,7 +21,9 @@ constexpr const char* kFile = "colorbar";
 constexpr GLint kColorMapUnit = 8;
 } // namespace
 
-ColorBar::ColorBar() = default;
+ColorBar::ColorBar() {
+    SetDimsWhenDisabled(true);
+}
 
 ColorBar::~ColorBar() {
     delete vertexBuffer_;

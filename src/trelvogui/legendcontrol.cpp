@@ -25,6 +25,7 @@ constexpr int kBinPixels = 4;
 } // namespace
 
 LegendControl::LegendControl() : marks_(std::make_unique<trelvo::detail::ChartMarks>()) {
+    SetDimsWhenDisabled(true);
     bar_ = new GUI::Controls::ColorBar();
     axis_ = new AxisControl();
     axis_->SetAxisType(AxisControl::NiceSteps);

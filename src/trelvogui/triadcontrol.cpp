@@ -54,6 +54,7 @@ TriadControl::TriadControl(std::shared_ptr<Camera> camera, std::shared_ptr<Direc
     : camera_(std::move(camera)), light_(std::move(light)), program_(std::make_unique<GLSLProgram>()) {
     SetUsesCamera(true);
     SetUsesLight(true);
+    SetDimsWhenDisabled(true);
 }
 
 TriadControl::~TriadControl() {

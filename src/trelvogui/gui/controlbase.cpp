@@ -1,6 +1,7 @@
 #include <trelvogui/gui/controlbase.h>
 
 #include <trelvogui/gui/guimanager.h>
+#include <trelvogui/gui/renderers/detail/disabledlook.h>
 #include <trelvogui/gui/renderers/renderer.h>
 #include <trelvogui/gui/texture.h>
 #include <trelvogui/gui/textureatlas.h>
@@ -8,6 +9,7 @@
 #include <graphicsbase/logfile.h>
 
 #include <algorithm>
+#include <optional>
 
 using namespace GraphicsBase;
 
@@ -125,6 +127,9 @@ void Base::DrawToTexture(GUI::Texture::Atlas* atlas) {
 void Base::DrawWithChildren(GUI::Texture::Atlas* atlas) {
     if (!Visible())
         return;
+    std::optional<GUI::Renderer::detail::DisabledLook> look;
+    if (dimsWhenDisabled_ && !Enabled())
+        look.emplace();
     DrawControl(atlas);
     DrawCustom();
     for (Base* child : children_)
@@ -166,6 +171,9 @@ bool Base::collectDamage(GUI::Geometry::Rectangle& damage, bool& any) {
 void Base::drawWithChildrenIn(GUI::Texture::Atlas* atlas, const GUI::Geometry::Rectangle& region) {
     if (!Visible())
         return;
+    std::optional<GUI::Renderer::detail::DisabledLook> look;
+    if (dimsWhenDisabled_ && !Enabled())
+        look.emplace();
     DrawControl(atlas);
     DrawCustom();
     for (Base* child : children_)

@@ -202,6 +202,9 @@ protected:
     /// beside it): a cached layer that holds one is always redrawn whole.
     void SetDrawsOutsideRenderRectangle(bool v) { drawsOutside_ = v; }
     void SetUsesLight(bool v) { usesLight_ = v; }
+    /// For data controls and scene widgets: disabled, the subtree is drawn faded and writes no ids,
+    /// so the pointer reaches what lies behind it.
+    void SetDimsWhenDisabled(bool v) { dimsWhenDisabled_ = v; }
 
 private:
     /// Removes the subtree from the registry it was entered into (and marks it unregistered).
@@ -272,6 +275,7 @@ private:
     bool damaged_ = true;
     bool drawn_ = false;
     bool drawsOutside_ = false;
+    bool dimsWhenDisabled_ = false;
     bool redrewPartially_ = false;
     GUI::Geometry::Rectangle drawnRectangle_{0, 0, 0, 0};
     GUI::Geometry::Rectangle redrawnRegion_{0, 0, 0, 0};
