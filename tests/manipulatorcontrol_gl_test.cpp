@@ -925,6 +925,15 @@ TEST_F(GizmoTest, PlaneOutlineFollowsTheFrameAndHidesWithIt) {
     box = outlineBox();
     EXPECT_NEAR(static_cast<float>(box[1] - box[0]) / static_cast<float>(box[3] - box[2]), 2.f, 0.05f);
     EXPECT_FALSE(Handles(plane.GetId()).empty());
+
+    // Disabled, the outline fades with the gizmo (no pure white left) and nothing is picked.
+    plane.SetEnabled(false);
+    manager->UpdateLayers();
+    EXPECT_EQ(outlineBox()[1], -1);
+    EXPECT_TRUE(Handles(plane.GetId()).empty());
+    plane.SetEnabled(true);
+    manager->UpdateLayers();
+    EXPECT_EQ(outlineBox(), box);
 }
 
 TEST_F(GizmoTest, ShadersLackingUniformsAreReportedAndDrawingGoesOn) {

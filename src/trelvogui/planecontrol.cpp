@@ -1,9 +1,12 @@
 #include <trelvogui/planecontrol.h>
 
+#include <trelvogui/gui/renderers/detail/disabledlook.h>
 #include <trelvogui/manipulatorrenderer.h>
 
 #include <graphicsbase/camera.h>
 #include <graphicsbase/glscopedbindings.h>
+
+#include <optional>
 
 using namespace GraphicsBase;
 
@@ -38,6 +41,10 @@ void PlaneControl::DrawCustom() {
     GL::GLScopedBindings hostState;
     ManipulatorControl::DrawCustom();
     GetCamera()->SetMatrixParams(planarRenderer_.get());
+    // The gizmo dims itself; the outline fades with it.
+    std::optional<GUI::Renderer::detail::DisabledLook> look;
+    if (!Enabled())
+        look.emplace();
     planarRenderer_->Draw();
 }
 
