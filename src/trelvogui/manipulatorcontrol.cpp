@@ -34,7 +34,7 @@ bool IsHandle(int id) {
 }
 // The scale factor of a drag never falls below this.
 constexpr double kMinimumScale = 0.05;
-// The largest snap steps taken: beyond them a step snaps everything to the press and says nothing.
+// Larger snap steps are refused: they would silently snap every drag back to its press.
 constexpr float kMaxTranslationIncrement = 1e6f;
 constexpr float kMaxScaleIncrement = 100.f;
 constexpr float kMaxRotationIncrement = 6.2831855f;
