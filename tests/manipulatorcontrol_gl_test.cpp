@@ -787,17 +787,23 @@ TEST_F(GizmoTest, SnapStepsThatCannotWorkAreRefusedAndTheLastGoodOneKept) {
 }
 
 TEST_F(GizmoTest, ADragSignalsSlotMayDeleteTheGizmo) {
-    for (int which = 0; which < 3; ++which) {
+    // Started, ended, then cancelled by Escape, by disabling and by hiding the gizmo.
+    for (int which = 0; which < 5; ++which) {
         SCOPED_TRACE(which);
         auto* gizmo = new ManipulatorControl(camera);
         Add(*gizmo);
         ManipulatorControl::DragSignal* signals[] = {&gizmo->dragStartedSignal, &gizmo->dragEndedSignal,
                                                      &gizmo->dragCancelledSignal};
-        signals[which]->connect([gizmo](const LocalFrame&, const LocalFrame&) { delete gizmo; });
+        signals[std::min(which, 2)]->connect([gizmo](const LocalFrame&, const LocalFrame&) { delete gizmo; });
         const glm::vec2 grab = HandlePoint(*gizmo, 1);
         PressAt(grab);
         MoveTo(grab + glm::vec2(20.f, 0.f), 1);
-        input->keyPressEvent(which == 2 ? 27 : 65, 0);
+        if (which == 3)
+            gizmo->SetEnabled(false);
+        else if (which == 4)
+            gizmo->SetVisible(false);
+        else
+            input->keyPressEvent(which == 2 ? 27 : 65, 0);
         ReleaseAt(grab + glm::vec2(20.f, 0.f));
         EXPECT_TRUE(manager->Controls().empty());
     }

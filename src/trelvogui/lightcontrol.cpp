@@ -114,15 +114,21 @@ void LightControl::DrawCustom() {
 }
 
 void LightControl::SetEnabled(bool v) {
+    // A slot of the cancel may delete the widget.
+    std::weak_ptr<const void> alive = LifeToken();
     if (!v)
         OnCancelDrag(nullptr);
-    Base::SetEnabled(v);
+    if (!alive.expired())
+        Base::SetEnabled(v);
 }
 
 void LightControl::SetVisible(bool v) {
+    // A slot of the cancel may delete the widget.
+    std::weak_ptr<const void> alive = LifeToken();
     if (!v)
         OnCancelDrag(nullptr);
-    Base::SetVisible(v);
+    if (!alive.expired())
+        Base::SetVisible(v);
 }
 
 DrawFlags LightControl::OnMouseDown(GUI::Event* e) {
