@@ -113,24 +113,6 @@ void LightControl::DrawCustom() {
     drawing.end();
 }
 
-void LightControl::SetEnabled(bool v) {
-    // A slot of the cancel may delete the widget.
-    std::weak_ptr<const void> alive = LifeToken();
-    if (!v)
-        OnCancelDrag(nullptr);
-    if (!alive.expired())
-        Base::SetEnabled(v);
-}
-
-void LightControl::SetVisible(bool v) {
-    // A slot of the cancel may delete the widget.
-    std::weak_ptr<const void> alive = LifeToken();
-    if (!v)
-        OnCancelDrag(nullptr);
-    if (!alive.expired())
-        Base::SetVisible(v);
-}
-
 DrawFlags LightControl::OnMouseDown(GUI::Event* e) {
     if (!Enabled() || !Visible())
         return DRAW_NOTHING;

@@ -28,6 +28,9 @@ class GLVertexBuffer;
 ///
 /// widgetHeight, marginX and marginY are kept for hosts that lay out around the widget; the drawing
 /// uses widgetWidth for both sides and 10-pixel margins.
+///
+/// Disabled (SetEnabled(false)), the widget draws dimmed and writes no ids, so the pointer reaches
+/// what lies behind it.
 class TRELVOGUI_EXPORT LightControl : public GUI::Controls::Base {
 public:
     /// The ball's tile writes this one secondary id.
@@ -56,10 +59,6 @@ public:
     GraphicsBase::DrawFlags OnMouseUp(GUI::Event* e) override;
     /// Puts the light back where the drag under way found it. Nothing without a drag.
     GraphicsBase::DrawFlags OnCancelDrag(GUI::Event* e) override;
-    /// Disabled, the widget draws dimmed and lets the pointer through to what is behind it; disabling
-    /// or hiding it during a drag cancels the drag.
-    void SetEnabled(bool v) override;
-    void SetVisible(bool v) override;
     /// With the GL context current: builds "LightWidget.vs" + "LightWidget.fs" and the quad. False
     /// when a shader fails to load or the program does not link.
     virtual bool Initialize();

@@ -173,23 +173,13 @@ bool ManipulatorControl::planeHandles() const {
 }
 
 void ManipulatorControl::SetVisible(bool v) {
-    // A slot of the cancel may delete the gizmo.
+    // Hiding cancels a drag under way, whose slot may delete the gizmo.
     std::weak_ptr<const void> alive = LifeToken();
-    if (!v)
-        OnCancelDrag(nullptr);
+    Base::SetVisible(v);
     if (alive.expired())
         return;
-    Base::SetVisible(v);
     SetNeedsRedraw(true);
     renderer_->setVisible(v);
-}
-
-void ManipulatorControl::SetEnabled(bool v) {
-    std::weak_ptr<const void> alive = LifeToken();
-    if (!v)
-        OnCancelDrag(nullptr);
-    if (!alive.expired())
-        Base::SetEnabled(v);
 }
 
 void ManipulatorControl::DrawCustom() {

@@ -27,6 +27,9 @@ class ManipulatorRenderer;
 /// window coordinates (y up, see Camera) once, so every ray computation works in one convention.
 /// Connect a slot to `transformationSignal` before the first drag: without one the step is still
 /// made, and a refusal is logged once per press.
+///
+/// Disabled (SetEnabled(false)), the gizmo draws dimmed and writes no ids, so the pointer reaches
+/// what lies behind it.
 class TRELVOGUI_EXPORT ManipulatorControl : public GUI::Controls::Base {
 public:
     using TransformationSignal = boost::signals2::signal<GraphicsBase::DrawFlags()>;
@@ -82,11 +85,7 @@ public:
     GraphicsBase::DrawFlags OnMouseHover(GUI::Event* e) override;
     /// A click on a ring turns the gizmo a quarter turn about that ring's axis.
     GraphicsBase::DrawFlags OnClick(GUI::Event* e) override;
-    /// Hiding or disabling the gizmo during a drag cancels the drag.
     void SetVisible(bool v) override;
-    /// A disabled gizmo draws dimmed and leaves the id layer to what lies behind it, so the pointer
-    /// passes through to that.
-    void SetEnabled(bool v) override;
     /// Puts the gizmo and the attached frame back where the drag under way started. Nothing without
     /// a drag.
     GraphicsBase::DrawFlags OnCancelDrag(GUI::Event* e) override;

@@ -395,13 +395,24 @@ bool Base::UsesLight() {
 }
 
 void Base::SetEnabled(bool v) {
+    if (!v && !giveUpDrag())
+        return;
     enabled_ = v;
     SetNeedsRedraw(true);
 }
 
 void Base::SetVisible(bool v) {
+    if (!v && !giveUpDrag())
+        return;
     visible_ = v;
     SetNeedsRedraw(true);
+}
+
+bool Base::giveUpDrag() {
+    // A control switched off in the middle of its drag puts the drag back; a slot may delete it.
+    std::weak_ptr<const void> alive = life_;
+    OnCancelDrag(nullptr);
+    return !alive.expired();
 }
 
 void Base::SetPressed(bool v) {

@@ -105,6 +105,7 @@ public:
     virtual bool LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area);
     virtual bool UsesCamera();
     virtual bool UsesLight();
+    /// Disabling or hiding a control cancels the drag it holds (OnCancelDrag).
     virtual void SetEnabled(bool v);
     virtual void SetVisible(bool v);
     virtual void SetPressed(bool v);
@@ -211,6 +212,8 @@ private:
     void leaveRegistry();
     /// Whether `control` is this control or one of its ancestors.
     bool isSelfOrAncestor(Base* control);
+    /// OnCancelDrag for a control being switched off; false when a slot deleted the control.
+    bool giveUpDrag();
     /// Marks this control, its ancestors and the manager stale without virtual calls (destructors).
     void markStale();
     /// The union of where the changed controls of this subtree were drawn last time and will be drawn
