@@ -11,7 +11,7 @@
 // the plot: TrelvoGUI's copy and pyramid against the float array the peer reads); and whether the
 // spike is in the picture, as "SPIKE chart <contestant> <n> <0|1>".
 //
-//     chart_peer_bench [--blocks B] [--frames F] [--n N]
+//     chart_peer_bench [--blocks B] [--frames F] [--n N] [--case NAME]
 #include <trelvogui/datasetrenderer.h>
 #include <trelvogui/gui/guimanager.h>
 #include <trelvogui/xyplotcontrol.h>
@@ -179,12 +179,15 @@ bool SpikeVisible() {
 
 int main(int argc, char** argv) {
     int blocks = 6, frames = 6;
+    const char* only = nullptr;
     std::vector<std::size_t> sizes{1000, 100000, 1000000, 10000000};
     for (int i = 1; i + 1 < argc; ++i) {
         if (!std::strcmp(argv[i], "--blocks"))
             blocks = std::atoi(argv[++i]);
         else if (!std::strcmp(argv[i], "--frames"))
             frames = std::atoi(argv[++i]);
+        else if (!std::strcmp(argv[i], "--case"))
+            only = argv[++i];
         else if (!std::strcmp(argv[i], "--n"))
             sizes = {static_cast<std::size_t>(std::atoll(argv[++i]))};
     }
@@ -209,6 +212,8 @@ int main(int argc, char** argv) {
                               {"pan", &TrelvoPlot::Pan, &PeerPlot::Pan},
                               {"zoom", &TrelvoPlot::Zoom, &PeerPlot::Zoom}};
         for (const Case& c : cases) {
+            if (only && std::strcmp(only, c.name) != 0)
+                continue;
             peer::Sample t, a, f;
             for (int block = 0; block < blocks; ++block) {
                 for (int k = 0; k < frames; ++k)

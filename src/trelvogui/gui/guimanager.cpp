@@ -628,6 +628,11 @@ void GUIManager::Draw() {
     glUniform1i(GUI::Renderer::detail::UniformLocation(program, "texid_UI"), 15);
     GB_CHECK_GL(kFile);
 
+    // Hands what the host drew so far to the driver before the layer is sampled: a software rasteriser
+    // otherwise finishes the host's pending drawing (its full-view clear, say) on this thread before
+    // it lets the layer be read, which made an idle frame cost the host's pixels.
+    glFlush();
+    GB_CHECK_GL(kFile);
     glBindVertexArray(quadVertexArray_);
     GB_CHECK_GL(kFile);
     // Four vertices: the quad's whole contents.
