@@ -77,6 +77,29 @@ void ChartControl::UpdateAxes() {
     SetNeedsRedraw(true);
 }
 
+void ChartControl::SetNeedsRedraw(bool v) {
+    if (v && localChanges_ == 0)
+        damageWhole_ = true;
+    Base::SetNeedsRedraw(v);
+}
+
+void ChartControl::AddLayerDamage(const GUI::Geometry::Rectangle& area) {
+    if (area.Width() <= 0 || area.Height() <= 0)
+        return;
+    if (damage_.Width() <= 0 || damage_.Height() <= 0)
+        damage_ = area;
+    else
+        damage_.Include(area);
+}
+
+bool ChartControl::TakeLayerDamage(GUI::Geometry::Rectangle& area) {
+    const bool confined = !damageWhole_;
+    area = damage_;
+    damageWhole_ = false;
+    damage_ = {0, 0, 0, 0};
+    return confined;
+}
+
 void ChartControl::SetTitle(const std::wstring& title) {
     title_->SetText(title);
 }

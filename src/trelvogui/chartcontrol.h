@@ -40,6 +40,10 @@ public:
     bool LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) override;
     /// Lays the plot area, axes and title out for the new rectangle.
     void SetRectangle(GUI::Geometry::Rectangle r) override;
+    /// A redraw request from the chart or any part of it counts as a change of the whole chart, except
+    /// inside a LocalChange, whose areas the chart names itself.
+    void SetNeedsRedraw(bool v) override;
+    bool TakeLayerDamage(GUI::Geometry::Rectangle& area) override;
 
     AxisControl* XAxis() { return xAxis_; }
     AxisControl* YAxis() { return yAxis_; }
@@ -81,6 +85,21 @@ public:
     ChartView View();
 
 protected:
+    /// While one lives, redraw requests are small changes whose areas the chart adds with
+    /// AddLayerDamage (a hover marker, a readout), so that the layers are redrawn only there.
+    class LocalChange {
+    public:
+        explicit LocalChange(ChartControl& chart) : chart_(chart) { ++chart_.localChanges_; }
+        ~LocalChange() { --chart_.localChanges_; }
+        LocalChange(const LocalChange&) = delete;
+        LocalChange& operator=(const LocalChange&) = delete;
+
+    private:
+        ChartControl& chart_;
+    };
+    /// Overlay pixels that a LocalChange changes.
+    void AddLayerDamage(const GUI::Geometry::Rectangle& area);
+
     /// The chart's drawing without the host-state guard, for subclasses that draw more inside theirs.
     void DrawChart();
     /// Pixels around the plot area: room for the y axis, the x axis and the title.
@@ -102,4 +121,7 @@ private:
     GUI::Color gridColor_{58, 64, 76, 255};
     GUI::Color background_{24, 28, 36, 255};
     std::vector<float> vertices_;
+    int localChanges_ = 0;
+    bool damageWhole_ = true;
+    GUI::Geometry::Rectangle damage_{0, 0, 0, 0};
 };

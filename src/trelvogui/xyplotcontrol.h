@@ -53,6 +53,10 @@ private:
     void UpdateStatistics();
     void PlaceLabels();
     bool Hover(int x, int y);
+    /// The hover marker's centre in overlay pixels; false when none is shown.
+    bool MarkerCentre(const ChartView& view, float& x, float& y) const;
+    /// The pixels the hover marker covers (empty when none).
+    GUI::Geometry::Rectangle MarkerArea(const ChartView& view) const;
 
     DataSetRenderer* first_ = nullptr;
     std::unique_ptr<trelvo::detail::ChartMarks> marker_;

@@ -625,4 +625,8 @@ DrawFlags Base::OnCancelDrag(GUI::Event*) {
     return DRAW_NOTHING;
 }
 
+bool Base::TakeLayerDamage(GUI::Geometry::Rectangle&) {
+    return false;
+}
+
 } // namespace GUI::Controls

@@ -401,8 +401,13 @@ void GUIManager::updateLayers() {
             const bool knows = !control->Visible() || control->LayerFootprint(width_, height_, now);
             auto known = footprints_.find(control->GetId());
             if (stale) {
+                // Asked whenever the root is stale, so that it forgets what it collected.
+                GUI::Geometry::Rectangle part{0, 0, 0, 0};
+                const bool confined = control->TakeLayerDamage(part);
                 if (known == footprints_.end() || !knows) {
                     whole = true;
+                } else if (confined && control->Visible() && now == known->second) {
+                    include(damage, damaged, part);
                 } else {
                     include(damage, damaged, known->second);
                     include(damage, damaged, now);
