@@ -13,6 +13,8 @@
 
 #include <memory>
 
+using namespace GraphicsBase;
+
 namespace {
 constexpr int kWidth = 1280;
 constexpr int kHeight = 720;

@@ -21,6 +21,8 @@
 
 #include <cstdio>
 
+using namespace GraphicsBase;
+
 namespace demo {
 namespace {
 

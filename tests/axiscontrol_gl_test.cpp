@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace GraphicsBase;
+
 using GUI::Geometry::Rectangle;
 using trelvo::test::LayerPixels;
 using trelvo::test::ReadLayers;

@@ -21,6 +21,8 @@
 #include <string>
 #include <vector>
 
+using namespace GraphicsBase;
+
 using trelvo::test::LayerPixels;
 
 namespace {

@@ -14,6 +14,8 @@
 #include <string>
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace {
 
 const double kNaN = std::numeric_limits<double>::quiet_NaN();

@@ -41,6 +41,8 @@
 #include <string>
 #include <vector>
 
+using namespace GraphicsBase;
+
 using namespace GUI::Controls;
 
 namespace {

@@ -15,6 +15,8 @@
 
 #include <GL/glew.h>
 
+using namespace GraphicsBase;
+
 namespace {
 
 constexpr float kDegree = 0.017453292f;

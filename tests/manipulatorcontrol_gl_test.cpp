@@ -23,6 +23,8 @@
 #include <functional>
 #include <map>
 
+using namespace GraphicsBase;
+
 namespace {
 constexpr int kW = 640;
 constexpr int kH = 480;

@@ -33,6 +33,8 @@
 #include <memory>
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace {
 constexpr int kWidth = 1280, kHeight = 720;
 // The plot area of both: 600 x 300 pixels with its lower-left corner at (200, 200), y up.

@@ -4,6 +4,8 @@
 
 #include <GL/glew.h>
 
+namespace GraphicsBase {
+
 namespace GL {
 namespace {
 const char* kFile = "glscopedbindings";
@@ -169,3 +171,5 @@ GLScopedBindings::~GLScopedBindings() {
 }
 
 } // namespace GL
+
+} // namespace GraphicsBase

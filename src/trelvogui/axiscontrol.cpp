@@ -23,6 +23,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+using namespace GraphicsBase;
+
 namespace {
 
 constexpr const char* kFile = "axiscontrol";

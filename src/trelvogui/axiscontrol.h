@@ -7,8 +7,12 @@
 #include <string>
 #include <vector>
 
+namespace GraphicsBase {
 class GLSLProgram;
+}
+namespace GraphicsBase {
 class GLVertexBuffer;
+}
 
 namespace GUI::Controls {
 class Label;
@@ -142,9 +146,10 @@ private:
     bool reportedLogRange_ = false;
     GUI::Controls::Label* titleLabel_ = nullptr;
     std::vector<GUI::Controls::Label*> numberLabels_;
-    GLSLProgram* program_ = nullptr;
-    std::unique_ptr<GLSLProgram> fetchProgram_; // the fast path's build, where the context offers fetch
-    GLVertexBuffer* vertexBuffer_ = nullptr;
+    GraphicsBase::GLSLProgram* program_ = nullptr;
+    std::unique_ptr<GraphicsBase::GLSLProgram>
+        fetchProgram_; // the fast path's build, where the context offers fetch
+    GraphicsBase::GLVertexBuffer* vertexBuffer_ = nullptr;
     // Scratch for the band's vertices, kept so that a re-layout does not allocate again.
     std::vector<float> bandVertices_;
 };

@@ -14,6 +14,8 @@
 #include <cstdio>
 #include <limits>
 
+using namespace GraphicsBase;
+
 ChartControl::ChartControl() : marks_(std::make_unique<trelvo::detail::ChartMarks>()) {
     xAxis_ = new AxisControl();
     yAxis_ = new AxisControl();
@@ -84,19 +86,18 @@ void ChartControl::SetNeedsRedraw(bool v) {
 }
 
 void ChartControl::AddLayerDamage(const GUI::Geometry::Rectangle& area) {
-    if (area.Width() <= 0 || area.Height() <= 0)
-        return;
-    if (damage_.Width() <= 0 || damage_.Height() <= 0)
-        damage_ = area;
-    else
-        damage_.Include(area);
+    if (area.Width() > 0 && area.Height() > 0 && damage_.size() < kMostDamagePieces)
+        damage_.push_back(area);
+    else if (area.Width() > 0 && area.Height() > 0)
+        damageWhole_ = true;
 }
 
-bool ChartControl::TakeLayerDamage(GUI::Geometry::Rectangle& area) {
+bool ChartControl::TakeLayerDamage(std::vector<GUI::Geometry::Rectangle>& areas) {
     const bool confined = !damageWhole_;
-    area = damage_;
+    if (confined)
+        areas.insert(areas.end(), damage_.begin(), damage_.end());
     damageWhole_ = false;
-    damage_ = {0, 0, 0, 0};
+    damage_.clear();
     return confined;
 }
 

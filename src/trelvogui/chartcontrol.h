@@ -43,7 +43,7 @@ public:
     /// A redraw request from the chart or any part of it counts as a change of the whole chart, except
     /// inside a LocalChange, whose areas the chart names itself.
     void SetNeedsRedraw(bool v) override;
-    bool TakeLayerDamage(GUI::Geometry::Rectangle& area) override;
+    bool TakeLayerDamage(std::vector<GUI::Geometry::Rectangle>& areas) override;
 
     AxisControl* XAxis() { return xAxis_; }
     AxisControl* YAxis() { return yAxis_; }
@@ -123,5 +123,7 @@ private:
     std::vector<float> vertices_;
     int localChanges_ = 0;
     bool damageWhole_ = true;
-    GUI::Geometry::Rectangle damage_{0, 0, 0, 0};
+    // Hovers between two updates add a few pieces each; past this many the chart is redrawn whole.
+    static constexpr std::size_t kMostDamagePieces = 16;
+    std::vector<GUI::Geometry::Rectangle> damage_;
 };

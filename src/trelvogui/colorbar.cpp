@@ -10,6 +10,8 @@
 
 #include <cstdio>
 
+using namespace GraphicsBase;
+
 namespace GUI::Controls {
 
 namespace {

@@ -10,6 +10,8 @@
 #include <limits>
 #include <numeric>
 
+using namespace GraphicsBase;
+
 namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();

@@ -9,6 +9,8 @@
 #include <cstdio>
 #include <limits>
 
+using namespace GraphicsBase;
+
 HistogramRenderer::HistogramRenderer() : marks_(std::make_unique<trelvo::detail::ChartMarks>()) {}
 
 HistogramRenderer::~HistogramRenderer() = default;

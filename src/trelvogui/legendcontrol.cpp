@@ -14,6 +14,8 @@
 #include <cmath>
 #include <cstdio>
 
+using namespace GraphicsBase;
+
 namespace {
 constexpr int kTitle = 34;   // title row on top, clear of the top number, which overhangs the bar
 constexpr int kNumbers = 62; // the axis: numbers and band beside the bar

@@ -16,6 +16,8 @@
 
 #include <algorithm>
 
+using namespace GraphicsBase;
+
 namespace {
 constexpr const char* kFile = "lightcontrol";
 constexpr float kDegreesPerPixel = 0.35f;

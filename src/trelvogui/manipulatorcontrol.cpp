@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <cmath>
 
+using namespace GraphicsBase;
+
 namespace {
 constexpr float kQuarterTurn = 1.5707964f;
 

@@ -12,7 +12,9 @@
 
 #include <memory>
 
+namespace GraphicsBase {
 class Camera;
+}
 class ManipulatorRenderer;
 
 /// A gizmo in the overlay's control tree, drawn over the host's 3D view with the host's camera. A
@@ -26,7 +28,7 @@ class ManipulatorRenderer;
 /// made, and a refusal is logged once per press.
 class TRELVOGUI_EXPORT ManipulatorControl : public GUI::Controls::Base {
 public:
-    using TransformationSignal = boost::signals2::signal<DrawFlags()>;
+    using TransformationSignal = boost::signals2::signal<GraphicsBase::DrawFlags()>;
     /// Secondary ids the handles write into the id layer (the event's sid, a GUIManager::Locate part).
     enum Handle : unsigned int {
         kNoHandle = 0,
@@ -43,7 +45,8 @@ public:
     };
 
     /// The frame at the press and as it is now (at the release, or when the drag was cancelled).
-    using DragSignal = boost::signals2::signal<void(const LocalFrame& atPress, const LocalFrame& now)>;
+    using DragSignal = boost::signals2::signal<void(const GraphicsBase::LocalFrame& atPress,
+                                                    const GraphicsBase::LocalFrame& now)>;
 
     TransformationSignal transformationSignal;
     /// A press on a handle starts a drag and its release ends it: one undo step per drag for a host.
@@ -57,43 +60,43 @@ public:
     TransformationSignal reservedSignal2;
     TransformationSignal reservedSignal3;
 
-    explicit ManipulatorControl(std::shared_ptr<Camera> camera);
+    explicit ManipulatorControl(std::shared_ptr<GraphicsBase::Camera> camera);
     ~ManipulatorControl() override;
 
     void DrawCustom() override;
     /// Where the gizmo can draw: a square around its projected centre.
     bool LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) override;
-    DrawFlags OnMouseDown(GUI::Event* e) override;
-    DrawFlags OnDoubleClick(GUI::Event* e) override;
-    DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy) override;
-    DrawFlags OnMouseUp(GUI::Event* e) override;
-    DrawFlags OnMouseEnter(GUI::Event* e) override;
-    DrawFlags OnMouseExit(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnMouseDown(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnDoubleClick(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy) override;
+    GraphicsBase::DrawFlags OnMouseUp(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnMouseEnter(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnMouseExit(GUI::Event* e) override;
     /// Moving from one handle to another inside the gizmo moves the highlight along.
-    DrawFlags OnMouseHover(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnMouseHover(GUI::Event* e) override;
     /// A click on a ring turns the gizmo a quarter turn about that ring's axis.
-    DrawFlags OnClick(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnClick(GUI::Event* e) override;
     void SetVisible(bool v) override;
     /// Puts the gizmo and the attached frame back where the drag under way started. Nothing without
     /// a drag.
-    DrawFlags OnCancelDrag(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnCancelDrag(GUI::Event* e) override;
     /// Builds the renderer (current GL context needed). False if its shaders fail.
     virtual bool Initialize();
 
     /// Hooks for derived controls and hosts; each returns 0 here.
-    virtual DrawFlags processPressEvent();
-    virtual DrawFlags processMoveEvent();
-    virtual DrawFlags processReleaseEvent();
-    virtual DrawFlags processTapEvent();
+    virtual GraphicsBase::DrawFlags processPressEvent();
+    virtual GraphicsBase::DrawFlags processMoveEvent();
+    virtual GraphicsBase::DrawFlags processReleaseEvent();
+    virtual GraphicsBase::DrawFlags processTapEvent();
     /// Fires `transformationSignal` and returns its last slot's value, or 0 when no slot is connected.
-    virtual DrawFlags processTransformation();
+    virtual GraphicsBase::DrawFlags processTransformation();
 
     /// Keeps `frame` in step with the gizmo and moves the gizmo onto it. A null frame changes nothing.
-    void attachFrame(std::shared_ptr<LocalFrame> frame);
+    void attachFrame(std::shared_ptr<GraphicsBase::LocalFrame> frame);
     void releaseFrame();
-    LocalFrame& getFrame();
-    LocalFrame& getPrevFrame() { return prevFrame_; }
-    LocalFrame& getTransformation() { return transformation_; }
+    GraphicsBase::LocalFrame& getFrame();
+    GraphicsBase::LocalFrame& getPrevFrame() { return prevFrame_; }
+    GraphicsBase::LocalFrame& getTransformation() { return transformation_; }
     /// Copies the attached frame's pose (or the gizmo's, with none attached) into the previous frame.
     void resetPrevFrame();
     void setPosition(float x, float y, float z);
@@ -113,62 +116,63 @@ public:
     void calculateTransformations();
 
     const std::shared_ptr<ManipulatorRenderer>& GetRenderer() const { return renderer_; }
-    const std::shared_ptr<Camera>& GetCamera() const { return camera_; }
+    const std::shared_ptr<GraphicsBase::Camera>& GetCamera() const { return camera_; }
     int ActiveHandle() const { return activeHandle_; }
     int HoveredHandle() const { return hoveredHandle_; }
-    const tgeom::vec& DeltaPosition() const { return deltaPosition_; }
-    const tgeom::quat& DeltaOrientation() const { return deltaOrientation_; }
-    const tgeom::vec& ScaleStep() const { return scaleStep_; }
+    const GraphicsBase::tgeom::vec& DeltaPosition() const { return deltaPosition_; }
+    const GraphicsBase::tgeom::quat& DeltaOrientation() const { return deltaOrientation_; }
+    const GraphicsBase::tgeom::vec& ScaleStep() const { return scaleStep_; }
 
 protected:
     /// Unit vector from the press position to where the pointer's ray meets the plane through it
     /// with normal `axis`; `out` is left unchanged when the ray runs parallel to that plane.
-    void planeDirection(const glm::vec2& mouse, const tgeom::vec& axis, tgeom::vec& out) const;
+    void planeDirection(const glm::vec2& mouse, const GraphicsBase::tgeom::vec& axis,
+                        GraphicsBase::tgeom::vec& out) const;
     /// The point on the line through the press position along `axis` under the pointer's motion
     /// along the projected axis, measured from the press (the grab offset is ignored).
-    tgeom::vec axisPoint(const tgeom::vec& axis) const;
+    GraphicsBase::tgeom::vec axisPoint(const GraphicsBase::tgeom::vec& axis) const;
     /// The press position and the unit direction of `axis` from it, in window pixels. False when the
     /// axis points at the viewer (no direction on screen) or does not project.
-    bool projectedAxis(const tgeom::vec& axis, glm::vec2& start, glm::vec2& direction) const;
+    bool projectedAxis(const GraphicsBase::tgeom::vec& axis, glm::vec2& start, glm::vec2& direction) const;
     /// 1 + 0.005 per pixel of pointer motion along the projected axis, never below 0.05.
-    double scaleFactor(const tgeom::vec& axis) const;
+    double scaleFactor(const GraphicsBase::tgeom::vec& axis) const;
     /// A host pointer position in the camera's window coordinates.
     glm::vec2 toWindow(int x, int y) const;
     /// One step of the drag under way; false when the pressed id is no handle.
     bool dragStep(const glm::vec2& mouse);
     void copyToAttached();
 
-    const Camera* SceneCamera() const override { return camera_.get(); }
+    const GraphicsBase::Camera* SceneCamera() const override { return camera_.get(); }
 
 private:
-    std::shared_ptr<Camera> camera_;
+    std::shared_ptr<GraphicsBase::Camera> camera_;
     std::shared_ptr<ManipulatorRenderer> renderer_;
-    std::shared_ptr<LocalFrame> attachedFrame_;
+    std::shared_ptr<GraphicsBase::LocalFrame> attachedFrame_;
     double scale_ = 1.0;
     int activeHandle_ = 0;
-    LocalFrame prevFrame_;
-    LocalFrame transformation_;
-    tgeom::vec pressPosition_{0.f};
-    tgeom::vec dragAxis_{1.f, 0.f, 0.f};
-    tgeom::vec lastPosition_{0.f};
-    tgeom::quat lastOrientation_{1.f, 0.f, 0.f, 0.f};
+    GraphicsBase::LocalFrame prevFrame_;
+    GraphicsBase::LocalFrame transformation_;
+    GraphicsBase::tgeom::vec pressPosition_{0.f};
+    GraphicsBase::tgeom::vec dragAxis_{1.f, 0.f, 0.f};
+    GraphicsBase::tgeom::vec lastPosition_{0.f};
+    GraphicsBase::tgeom::quat lastOrientation_{1.f, 0.f, 0.f, 0.f};
     double lastScale_ = 1.0;
-    tgeom::vec deltaPosition_{0.f};
-    tgeom::quat deltaOrientation_{1.f, 0.f, 0.f, 0.f};
-    tgeom::vec scaleStep_{1.f};
+    GraphicsBase::tgeom::vec deltaPosition_{0.f};
+    GraphicsBase::tgeom::quat deltaOrientation_{1.f, 0.f, 0.f, 0.f};
+    GraphicsBase::tgeom::vec scaleStep_{1.f};
     glm::vec2 pressMouse_{0.f};
     glm::vec2 currentMouse_{0.f};
-    tgeom::quat pressOrientation_{1.f, 0.f, 0.f, 0.f};
-    tgeom::vec pressDirection_{1.f, 0.f, 0.f};
-    tgeom::vec lastDirection_{1.f, 0.f, 0.f};
+    GraphicsBase::tgeom::quat pressOrientation_{1.f, 0.f, 0.f, 0.f};
+    GraphicsBase::tgeom::vec pressDirection_{1.f, 0.f, 0.f};
+    GraphicsBase::tgeom::vec lastDirection_{1.f, 0.f, 0.f};
     float rotationIncrement_ = 0.0872665f;
     bool uniformScaling_ = false;
     bool rotationIncrementOn_ = false;
     bool centreDragged_ = false;
     int hoveredHandle_ = 0;
     // The poses at the press, to give back on a cancel and to report with the drag's edges.
-    LocalFrame pressFrame_;
-    LocalFrame attachedPressFrame_;
+    GraphicsBase::LocalFrame pressFrame_;
+    GraphicsBase::LocalFrame attachedPressFrame_;
     bool dragging_ = false;
     // Whether the pointer moved since the press: a quick drag also ends as a click, which must not
     // add a quarter turn to the turn the drag made.

@@ -20,6 +20,8 @@
 #include <cstdint>
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace {
 constexpr const char* kFile = "manipulatorrenderer";
 constexpr float kPi = 3.14159265f;

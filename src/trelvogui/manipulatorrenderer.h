@@ -13,9 +13,15 @@
 
 #include <memory>
 
+namespace GraphicsBase {
 class Camera;
+}
+namespace GraphicsBase {
 class GLSLProgram;
+}
+namespace GraphicsBase {
 class GLVertexBuffer;
+}
 
 /// The gizmo of a ManipulatorControl: three arrows, three rings, three scale boxes and a centre
 /// handle around the pose it owns (`getFrame`). Handles are flat meshes placed, turned and sized in
@@ -26,9 +32,9 @@ class GLVertexBuffer;
 /// Pixel convention: handles are placed in the camera's window coordinates exactly as
 /// Camera::ProjectPoint returns them (origin bottom-left, y up), and drawn with a projection of the
 /// same orientation, so the gizmo lands on the projected frame without any flip.
-class TRELVOGUI_EXPORT ManipulatorRenderer : public GLRendererBase {
+class TRELVOGUI_EXPORT ManipulatorRenderer : public GraphicsBase::GLRendererBase {
 public:
-    explicit ManipulatorRenderer(std::shared_ptr<Camera> camera);
+    explicit ManipulatorRenderer(std::shared_ptr<GraphicsBase::Camera> camera);
     ~ManipulatorRenderer() override;
 
     ManipulatorRenderer(const ManipulatorRenderer&) = delete;
@@ -55,7 +61,7 @@ public:
     /// that holds every handle (empty when nothing would be drawn).
     GUI::Geometry::Rectangle LayerFootprint(int layerWidth, int layerHeight) const;
 
-    LocalFrame& getFrame() { return frame_; }
+    GraphicsBase::LocalFrame& getFrame() { return frame_; }
 
     void setVisibleTranslate(bool x, bool y, bool z);
     void setVisibleRotate(bool x, bool y, bool z);
@@ -82,23 +88,23 @@ public:
 private:
     void drawAxis(int axis);
     void drawRing(int axis);
-    bool projectAxis(const tgeom::vec& axis, glm::vec2& origin, glm::vec2& direction) const;
+    bool projectAxis(const GraphicsBase::tgeom::vec& axis, glm::vec2& origin, glm::vec2& direction) const;
     glm::vec4 handleColor(int axis, unsigned int id) const;
-    void drawMesh(const GLVertexBuffer& mesh, const glm::mat4& model, const glm::vec4& color, unsigned int id,
-                  const glm::vec2& colorpos);
-    tgeom::vec axisVector(int axis) const;
+    void drawMesh(const GraphicsBase::GLVertexBuffer& mesh, const glm::mat4& model, const glm::vec4& color,
+                  unsigned int id, const glm::vec2& colorpos);
+    GraphicsBase::tgeom::vec axisVector(int axis) const;
 
-    LocalFrame frame_;
-    std::unique_ptr<GLVertexBuffer> arrowHead_;
-    std::unique_ptr<GLVertexBuffer> scaleBox_;
-    std::unique_ptr<GLVertexBuffer> rotationArc_;
-    std::unique_ptr<GLVertexBuffer> roundRing_;
-    std::unique_ptr<GLVertexBuffer> hexRing_;
-    std::unique_ptr<GLSLProgram> program_;
+    GraphicsBase::LocalFrame frame_;
+    std::unique_ptr<GraphicsBase::GLVertexBuffer> arrowHead_;
+    std::unique_ptr<GraphicsBase::GLVertexBuffer> scaleBox_;
+    std::unique_ptr<GraphicsBase::GLVertexBuffer> rotationArc_;
+    std::unique_ptr<GraphicsBase::GLVertexBuffer> roundRing_;
+    std::unique_ptr<GraphicsBase::GLVertexBuffer> hexRing_;
+    std::unique_ptr<GraphicsBase::GLSLProgram> program_;
     // The build the fast path draws with where the context offers framebuffer fetch, and the one
     // drawing now.
-    std::unique_ptr<GLSLProgram> fetchProgram_;
-    GLSLProgram* active_ = nullptr;
+    std::unique_ptr<GraphicsBase::GLSLProgram> fetchProgram_;
+    GraphicsBase::GLSLProgram* active_ = nullptr;
     float fadeStart_ = 0.85f;
     float fadeSlope_ = 30.f;
     // Translate X, Y, Z, rotate X, Y, Z, scale X, Y, Z.
@@ -118,5 +124,5 @@ private:
     glm::vec4 neutralColor_{0.8f, 0.8f, 0.8f, 1.f};
     unsigned int highlightDof_ = 0;
     unsigned int dofMask_ = 1;
-    tgeom::vec translation_{0.f};
+    GraphicsBase::tgeom::vec translation_{0.f};
 };

@@ -5,6 +5,8 @@
 #include <graphicsbase/camera.h>
 #include <graphicsbase/glscopedbindings.h>
 
+using namespace GraphicsBase;
+
 PlaneControl::PlaneControl(std::shared_ptr<Camera> camera) : ManipulatorControl(std::move(camera)) {}
 
 PlaneControl::~PlaneControl() = default;

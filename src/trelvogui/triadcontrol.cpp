@@ -25,6 +25,8 @@
 #include <string>
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace {
 constexpr const char* kFile = "triadcontrol";
 constexpr const char* kModule = "TrelvoGUI.dll";

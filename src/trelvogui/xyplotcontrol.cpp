@@ -15,6 +15,8 @@
 #include <cmath>
 #include <cstdio>
 
+using namespace GraphicsBase;
+
 namespace {
 
 // Two clicks within this many milliseconds are a double click.

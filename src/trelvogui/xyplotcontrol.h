@@ -27,11 +27,11 @@ public:
     void DrawCustom() override;
     void SetRectangle(GUI::Geometry::Rectangle r) override;
 
-    DrawFlags OnMouseHover(GUI::Event* e) override;
-    DrawFlags OnMouseExit(GUI::Event* e) override;
-    DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy) override;
-    DrawFlags OnClick(GUI::Event* e) override;
-    DrawFlags OnMouseWheel(GUI::Event* e, int delta) override;
+    GraphicsBase::DrawFlags OnMouseHover(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnMouseExit(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy) override;
+    GraphicsBase::DrawFlags OnClick(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnMouseWheel(GUI::Event* e, int delta) override;
 
     /// Adds a data set (not owned) and, with auto-scaling on, fits the ranges to all data.
     bool AddDataSet(DataSetRenderer* set);

@@ -9,6 +9,8 @@
 
 #include <algorithm>
 
+using namespace GraphicsBase;
+
 namespace GUI::Controls {
 namespace {
 // Depth of SetNeedsRedraw calls that climb from a child to its parent: a control marked from below
@@ -625,7 +627,7 @@ DrawFlags Base::OnCancelDrag(GUI::Event*) {
     return DRAW_NOTHING;
 }
 
-bool Base::TakeLayerDamage(GUI::Geometry::Rectangle&) {
+bool Base::TakeLayerDamage(std::vector<GUI::Geometry::Rectangle>&) {
     return false;
 }
 

@@ -14,8 +14,12 @@
 #include <memory>
 #include <vector>
 
+namespace GraphicsBase {
 class Camera;
+}
+namespace GraphicsBase {
 struct DirectionalLight;
+}
 
 namespace GUI {
 class GUIManager;
@@ -62,14 +66,14 @@ public:
     /// Free-form drawing with the control's own programs (nothing here).
     virtual void DrawCustom();
 
-    virtual DrawFlags OnMouseDown(GUI::Event* e);
-    virtual DrawFlags OnMouseHover(GUI::Event* e);
-    virtual DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy);
-    virtual DrawFlags OnMouseUp(GUI::Event* e);
-    virtual DrawFlags OnMouseEnter(GUI::Event* e);
-    virtual DrawFlags OnMouseExit(GUI::Event* e);
-    virtual DrawFlags OnClick(GUI::Event* e);
-    virtual DrawFlags OnDoubleClick(GUI::Event* e);
+    virtual GraphicsBase::DrawFlags OnMouseDown(GUI::Event* e);
+    virtual GraphicsBase::DrawFlags OnMouseHover(GUI::Event* e);
+    virtual GraphicsBase::DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy);
+    virtual GraphicsBase::DrawFlags OnMouseUp(GUI::Event* e);
+    virtual GraphicsBase::DrawFlags OnMouseEnter(GUI::Event* e);
+    virtual GraphicsBase::DrawFlags OnMouseExit(GUI::Event* e);
+    virtual GraphicsBase::DrawFlags OnClick(GUI::Event* e);
+    virtual GraphicsBase::DrawFlags OnDoubleClick(GUI::Event* e);
 
     virtual bool HasParent();
     virtual bool HasChildren();
@@ -138,20 +142,20 @@ public:
     virtual GUI::Animation::Frame* GetLocalFrameAnimation();
     /// The wheel turned by `delta` (positive away from the user, 120 a notch) with the pointer over
     /// the control at the event's position. DRAW_NOTHING (the default) passes it on to the parent.
-    virtual DrawFlags OnMouseWheel(GUI::Event* e, int delta);
+    virtual GraphicsBase::DrawFlags OnMouseWheel(GUI::Event* e, int delta);
     /// The host camera and light the control draws with (null where it uses none). The manager
     /// compares their matrices, viewport and values with those of the last update and redraws the
     /// controls that follow a changed one, whether or not the host reported the change.
-    virtual const Camera* SceneCamera() const { return nullptr; }
-    virtual const DirectionalLight* SceneLight() const { return nullptr; }
+    virtual const GraphicsBase::Camera* SceneCamera() const { return nullptr; }
+    virtual const GraphicsBase::DirectionalLight* SceneLight() const { return nullptr; }
     /// The left-button drag this control holds is to be abandoned: Escape was pressed or another
     /// button went down. DRAW_NOTHING (the default) leaves the event to the manager's usual routing.
-    virtual DrawFlags OnCancelDrag(GUI::Event* e);
+    virtual GraphicsBase::DrawFlags OnCancelDrag(GUI::Event* e);
     /// For a stale root drawn straight into the layers whose footprint stays where it was: where its
-    /// picture changed since the last update (overlay pixels; an empty rectangle for nowhere), when
-    /// the control knows that the change is confined there. The manager asks once per update and the
-    /// control forgets what it reported. False (the default): the whole footprint is redrawn.
-    virtual bool TakeLayerDamage(GUI::Geometry::Rectangle& area);
+    /// picture changed since the last update (overlay pixels, appended to `areas`; none for nowhere),
+    /// when the control knows that the change is confined there. The manager asks once per update and
+    /// the control forgets what it reported. False (the default): the whole footprint is redrawn.
+    virtual bool TakeLayerDamage(std::vector<GUI::Geometry::Rectangle>& areas);
 
     /// Expires when this control is destroyed. Code that calls out to host code (signals, callbacks)
     /// takes one first and stops touching the control when it has expired: a handler may delete the

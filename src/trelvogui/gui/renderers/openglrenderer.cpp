@@ -21,6 +21,8 @@
 #include <cmath>
 #include <cstdio>
 
+using namespace GraphicsBase;
+
 namespace GUI::Renderer {
 
 namespace {

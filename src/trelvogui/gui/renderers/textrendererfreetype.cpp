@@ -29,6 +29,8 @@
 #include <unordered_map>
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace GUI::Renderer {
 
 namespace {

@@ -10,6 +10,8 @@
 #include <array>
 #include <cstddef>
 
+using namespace GraphicsBase;
+
 namespace GUI::Renderer::detail {
 namespace {
 
