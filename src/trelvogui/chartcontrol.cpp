@@ -216,6 +216,18 @@ bool ChartControl::FitToData(double margin) {
     return SetRanges(x0, x1, y0, y1);
 }
 
+void ChartControl::SetFollowData(bool on) {
+    followData_ = on;
+    if (on)
+        FitToData();
+}
+
+void ChartControl::RendererDataChanged(ChartRenderer*) {
+    if (followData_)
+        FitToData();
+    SetNeedsRedraw(true);
+}
+
 void ChartControl::ShowGrid(bool show) {
     grid_ = show;
     SetNeedsRedraw(true);

@@ -80,6 +80,11 @@ public:
     void SetGridColor(const GUI::Color& color);
     void SetBackgroundColor(const GUI::Color& color);
 
+    /// With true, the ranges are fitted to the data (FitToData) whenever a renderer's data change;
+    /// off by default, so that a host's ranges stay where it put them.
+    void SetFollowData(bool on);
+    bool FollowData() const { return followData_; }
+
     /// The plot area in overlay pixels, and the mapping of the current frame.
     GUI::Geometry::Rectangle PlotArea();
     ChartView View();
@@ -97,6 +102,8 @@ protected:
     private:
         ChartControl& chart_;
     };
+    /// A renderer's data changed: refits when following the data, and redraws.
+    virtual void RendererDataChanged(ChartRenderer* renderer);
     /// Overlay pixels that a LocalChange changes.
     void AddLayerDamage(const GUI::Geometry::Rectangle& area);
 
@@ -107,6 +114,7 @@ protected:
     void UpdateAxes();
 
 private:
+    friend class ChartRenderer;
     void Layout();
     void SetLogarithmic(bool& flag, double& lo, double& hi, bool on);
 
@@ -118,6 +126,7 @@ private:
     double xMin_ = 0.0, xMax_ = 1.0, yMin_ = 0.0, yMax_ = 1.0;
     bool logX_ = false, logY_ = false;
     bool grid_ = true;
+    bool followData_ = false;
     GUI::Color gridColor_{58, 64, 76, 255};
     GUI::Color background_{24, 28, 36, 255};
     std::vector<float> vertices_;

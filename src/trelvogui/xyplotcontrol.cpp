@@ -79,6 +79,11 @@ bool XYPlotControl::AddDataSet(DataSetRenderer* set) {
     return true;
 }
 
+void XYPlotControl::RendererDataChanged(ChartRenderer* renderer) {
+    ChartControl::RendererDataChanged(renderer);
+    UpdateStatistics();
+}
+
 bool XYPlotControl::AutoScale() {
     const bool fitted = FitToData();
     UpdateStatistics();

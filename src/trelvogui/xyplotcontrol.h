@@ -36,7 +36,7 @@ public:
     /// Adds a data set (not owned) and, with auto-scaling on, fits the ranges to all data.
     bool AddDataSet(DataSetRenderer* set);
     /// Fit on AddDataSet and on AutoScale (on by default). Data changes are fitted when the host calls
-    /// AutoScale, so a stream of appends costs no re-layout per sample.
+    /// AutoScale, or at once with SetFollowData(true).
     void SetAutoScale(bool on) { autoScale_ = on; }
     bool AutoScale();
 
@@ -48,6 +48,10 @@ public:
     std::size_t HoveredIndex() const { return hovered_; }
     /// Statistics of the first data set over the x range in view.
     MinMaxPyramid::Summary VisibleStatistics();
+
+protected:
+    /// The statistics follow the data (and the ranges too, when set to follow them).
+    void RendererDataChanged(ChartRenderer* renderer) override;
 
 private:
     void UpdateStatistics();
