@@ -2,7 +2,12 @@
 
 #include "detail/chartmarks.h"
 
+#include <trelvogui/gui/renderers/detail/targetbarrier.h>
+
+#include <graphicsbase/glerror.h>
 #include <graphicsbase/glvertexbuffer.h>
+
+#include <GL/glew.h>
 
 #include <algorithm>
 #include <cmath>
@@ -408,7 +413,7 @@ MinMaxPyramid::Summary DataSetRenderer::Statistics(double x0, double x1) const {
 
 bool DataSetRenderer::Bounds(bool xLog, bool yLog, double& x0, double& x1, double& y0, double& y1) const {
     const std::size_t n = Size();
-    MinMaxPyramid::Summary ys = y_.Range(0, n);
+    MinMaxPyramid::Summary ys = y_.Extremes(0, n);
     if (ys.count == 0)
         return false;
     y0 = ys.min;
@@ -542,13 +547,26 @@ void DataSetRenderer::Draw(const ChartView& view, unsigned pid, unsigned sid) {
             rows.offset = -a * rows.scale;
             rows.logarithmic = view.yLog;
             rows.rows = view.plot.Height();
-            if (view.yLog && ys.Range(i0, i1).min <= 0.0)
+            if (view.yLog && ys.Extremes(i0, i1).min <= 0.0)
                 reportLog();
         }
-        if (i0 > 0 && !marks)
+        // A partial redraw needs only the columns it covers, and a few beyond them whose marks and
+        // segments reach in; those are built exactly as in a whole frame.
+        int jFrom = 0, jTo = columns;
+        if (const GUI::Geometry::Rectangle* region = GUI::Renderer::detail::DrawRegion()) {
+            GLint viewport[4] = {};
+            glGetIntegerv(GL_VIEWPORT, viewport);
+            GB_CHECK_GL("datasetrenderer");
+            const int pad = 3 + static_cast<int>(std::ceil(std::max(lineWidth_, markerSize_)));
+            const int left = region->xMin - viewport[0] - view.plot.xMin - pad;
+            const int right = region->xMax - viewport[0] - view.plot.xMin + pad;
+            jFrom = std::clamp(reversed ? columns - right : left, 0, columns);
+            jTo = std::clamp(reversed ? columns - left : right, jFrom, columns);
+        }
+        if (i0 > 0 && !marks && jFrom == 0)
             path.Point(view.PixelX(xAt(i0 - 1)), py(yAt(i0 - 1)));
-        std::size_t a = edge(0);
-        for (int j = 0; j < columns; ++j) {
+        std::size_t a = edge(jFrom);
+        for (int j = jFrom; j < jTo; ++j) {
             const std::size_t b = edge(j + 1);
             if (b <= a)
                 continue;
@@ -562,7 +580,7 @@ void DataSetRenderer::Draw(const ChartView& view, unsigned pid, unsigned sid) {
                 a = b;
                 continue;
             }
-            const MinMaxPyramid::Summary s = ys.Range(a, b);
+            const MinMaxPyramid::Summary s = ys.Extremes(a, b);
             if (style_ == Bars) {
                 if (s.count > 0)
                     path.Bar(centre - 0.5, centre + 0.5, std::min(base, py(s.min)),
@@ -600,7 +618,7 @@ void DataSetRenderer::Draw(const ChartView& view, unsigned pid, unsigned sid) {
             path.Point(view.PixelX(xAt(b - 1)), py(last));
             a = b;
         }
-        if (i1 < count && !marks)
+        if (i1 < count && !marks && jTo == columns)
             path.Point(view.PixelX(xAt(i1)), py(yAt(i1)));
     }
     pathVertices_ = path.Vertices();

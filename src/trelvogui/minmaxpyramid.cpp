@@ -145,38 +145,65 @@ void MinMaxPyramid::DropFront(std::size_t count) {
     }
 }
 
-MinMaxPyramid::Summary MinMaxPyramid::Range(std::size_t begin, std::size_t end) const {
+template <bool kMoments>
+MinMaxPyramid::Summary MinMaxPyramid::Gather(std::size_t begin, std::size_t end) const {
     Summary s;
     end = std::min(end, Size());
     if (begin >= end)
         return s;
     begin += offset_;
     end += offset_;
+    auto add = [&s](double v) {
+        if (kMoments) {
+            s.Add(v);
+        } else if (std::isfinite(v)) {
+            s.min = std::min(s.min, v);
+            s.max = std::max(s.max, v);
+            ++s.count;
+        }
+    };
+    auto merge = [&s](const Summary& o) {
+        if (kMoments) {
+            s.Merge(o);
+        } else {
+            s.min = std::min(s.min, o.min);
+            s.max = std::max(s.max, o.max);
+            s.count += o.count;
+        }
+    };
     // Whole blocks inside the range go through the levels; the ragged ends sample by sample.
     std::size_t l = (begin + kBlock - 1) / kBlock;
     std::size_t r = std::min(end / kBlock, levels_.empty() ? std::size_t(0) : levels_[0].size());
     if (l >= r) {
         for (std::size_t i = begin; i < end; ++i)
-            s.Add(At(i));
+            add(At(i));
         return s;
     }
     for (std::size_t i = begin; i < l * kBlock; ++i)
-        s.Add(At(i));
+        add(At(i));
     for (std::size_t i = r * kBlock; i < end; ++i)
-        s.Add(At(i));
+        add(At(i));
     // Bottom-up over the levels: at most two summaries a level.
     for (std::size_t k = 0; l < r && k < levels_.size(); ++k, l /= 2, r /= 2) {
         if (l & 1)
-            s.Merge(levels_[k][l++]);
+            merge(levels_[k][l++]);
         if (r & 1)
-            s.Merge(levels_[k][--r]);
+            merge(levels_[k][--r]);
     }
     return s;
 }
 
+MinMaxPyramid::Summary MinMaxPyramid::Range(std::size_t begin, std::size_t end) const {
+    return Gather<true>(begin, end);
+}
+
+MinMaxPyramid::Summary MinMaxPyramid::Extremes(std::size_t begin, std::size_t end) const {
+    return Gather<false>(begin, end);
+}
+
 std::size_t MinMaxPyramid::IndexOfExtreme(std::size_t begin, std::size_t end, bool largest) const {
     end = std::min(end, Size());
-    const Summary all = Range(begin, end);
+    const Summary all = Extremes(begin, end);
     if (all.count == 0)
         return Size();
     const double target = largest ? all.max : all.min;

@@ -58,6 +58,9 @@ public:
     double operator[](std::size_t i) const { return At(offset_ + i); }
     /// The summary of samples [begin, end), clamped to the sequence.
     Summary Range(std::size_t begin, std::size_t end) const;
+    /// Count, minimum and maximum of the finite samples of [begin, end), without the moments: what a
+    /// frame's decimation reads, at a fraction of Range's cost.
+    Summary Extremes(std::size_t begin, std::size_t end) const;
     /// The index of the first largest (or smallest) finite sample in [begin, end), found by walking
     /// down the levels in O(kBlock + log n); Size() when the range holds no finite sample.
     std::size_t IndexOfExtreme(std::size_t begin, std::size_t end, bool largest) const;
@@ -76,6 +79,7 @@ public:
                   std::vector<unsigned char>& marked) const;
 
 private:
+    template <bool kMoments> Summary Gather(std::size_t begin, std::size_t end) const;
     void Rebuild();
     void CloseBlock();
     std::size_t Stored() const { return single_ ? floats_.size() : samples_.size(); }
