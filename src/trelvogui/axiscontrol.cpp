@@ -475,6 +475,7 @@ void AxisControl::FormatNumbers() {
     const double scale = std::pow(10.0, shownExponent);
     char text[64];
     const std::size_t count = std::min(numberLabels_.size(), tickValues_.size());
+    numberTexts_.resize(count);
     for (std::size_t i = 0; i < count; ++i) {
         const float value = tickValues_[i];
         if (i < tickTexts_.size())
@@ -485,10 +486,37 @@ void AxisControl::FormatNumbers() {
             std::snprintf(text, sizeof text, "%.3fe%d", value / scale, shownExponent);
         else
             std::snprintf(text, sizeof text, "%.3f", static_cast<double>(value));
-        std::wstring wide;
+        std::wstring& wide = numberTexts_[i];
+        wide.clear();
         for (const char* c = text; *c != '\0'; ++c)
             wide.push_back(static_cast<wchar_t>(static_cast<unsigned char>(*c)));
-        numberLabels_[i]->SetText(std::move(wide));
+    }
+    // A tick that keeps its number keeps the label that shows it, wherever the tick moved: after a
+    // pan every tick's index shifts, and only the numbers new to the axis are rasterised again. (The
+    // first two types keep their labels in place, text and all, as they always have.)
+    if (axisType_ != NiceSteps && axisType_ != Logarithmic) {
+        for (std::size_t i = 0; i < count; ++i)
+            numberLabels_[i]->SetText(numberTexts_[i]);
+        return;
+    }
+    labelsByText_.assign(numberLabels_.begin(), numberLabels_.begin() + static_cast<std::ptrdiff_t>(count));
+    for (std::size_t i = 0; i < count; ++i) {
+        numberLabels_[i] = nullptr;
+        for (GUI::Controls::Label*& label : labelsByText_)
+            if (label && label->GetTextRecord()->string == numberTexts_[i]) {
+                numberLabels_[i] = label;
+                label = nullptr;
+                break;
+            }
+    }
+    auto spare = labelsByText_.begin();
+    for (std::size_t i = 0; i < count; ++i) {
+        if (numberLabels_[i])
+            continue;
+        while (!*spare)
+            ++spare;
+        numberLabels_[i] = *spare++;
+        numberLabels_[i]->SetText(numberTexts_[i]);
     }
 }
 

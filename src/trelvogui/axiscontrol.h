@@ -146,6 +146,9 @@ private:
     bool reportedLogRange_ = false;
     GUI::Controls::Label* titleLabel_ = nullptr;
     std::vector<GUI::Controls::Label*> numberLabels_;
+    // Scratch of FormatNumbers: the new texts, and the labels not yet given one.
+    std::vector<std::wstring> numberTexts_;
+    std::vector<GUI::Controls::Label*> labelsByText_;
     GraphicsBase::GLSLProgram* program_ = nullptr;
     std::unique_ptr<GraphicsBase::GLSLProgram>
         fetchProgram_; // the fast path's build, where the context offers fetch

@@ -49,3 +49,8 @@ void ChartRenderer::Changed() {
     if (chart_)
         chart_->SetNeedsRedraw(true);
 }
+
+void ChartRenderer::DataChanged() {
+    if (chart_)
+        chart_->RendererDataChanged(this);
+}

@@ -646,4 +646,8 @@ DrawFlags Base::OnCancelDrag(GUI::Event*) {
     return DRAW_NOTHING;
 }
 
+bool Base::TakeLayerDamage(std::vector<GUI::Geometry::Rectangle>&) {
+    return false;
+}
+
 } // namespace GUI::Controls

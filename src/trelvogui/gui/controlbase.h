@@ -152,6 +152,11 @@ public:
     /// The left-button drag this control holds is to be abandoned: Escape was pressed or another
     /// button went down. DRAW_NOTHING (the default) leaves the event to the manager's usual routing.
     virtual GraphicsBase::DrawFlags OnCancelDrag(GUI::Event* e);
+    /// For a stale root drawn straight into the layers whose footprint stays where it was: where its
+    /// picture changed since the last update (overlay pixels, appended to `areas`; none for nowhere),
+    /// when the control knows that the change is confined there. The manager asks once per update and
+    /// the control forgets what it reported. False (the default): the whole footprint is redrawn.
+    virtual bool TakeLayerDamage(std::vector<GUI::Geometry::Rectangle>& areas);
 
     /// Expires when this control is destroyed. Code that calls out to host code (signals, callbacks)
     /// takes one first and stops touching the control when it has expired: a handler may delete the

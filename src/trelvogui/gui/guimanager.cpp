@@ -405,9 +405,13 @@ void GUIManager::updateLayers() {
             const bool knows = !control->Visible() || control->LayerFootprint(width_, height_, now);
             auto known = footprints_.find(control->GetId());
             if (stale) {
+                // Asked whenever the root is stale, so that it forgets what it collected.
+                const std::size_t before = damagePieces_.size();
+                const bool confined = control->TakeLayerDamage(damagePieces_);
                 if (known == footprints_.end() || !knows) {
                     whole = true;
-                } else {
+                } else if (!confined || !control->Visible() || !(now == known->second)) {
+                    damagePieces_.resize(before);
                     include(damage, damaged, known->second);
                     include(damage, damaged, now);
                 }
@@ -465,16 +469,43 @@ void GUIManager::updateLayers() {
     // controls cannot see), which the plain update answers by redrawing everything.
     whole = whole || !anyStale;
     layersWhole_ = false;
-    GUI::Geometry::Rectangle region{0, width_, 0, height_};
-    if (!whole) {
-        region = {std::max(damage.xMin, 0), std::min(damage.xMax, width_), std::max(damage.yMin, 0),
-                  std::min(damage.yMax, height_)};
-        if (!damaged || region.Width() <= 0 || region.Height() <= 0) {
-            // Only off-screen or invisible changes: the layers stay as they are.
-            updating_ = false;
-            needsRedraw_ = false;
-            return;
+    regions_.clear();
+    if (whole) {
+        regions_.push_back({0, width_, 0, height_});
+    } else {
+        // The damaged pieces, each redrawn in a pass of its own where they cover much less than their
+        // bounding box (a hover marker at one end of a chart and its readout at the other); each pass
+        // clears and redraws its piece whole, so pieces may overlap.
+        auto clipped = [this](const GUI::Geometry::Rectangle& r) {
+            return GUI::Geometry::Rectangle{std::max(r.xMin, 0), std::min(r.xMax, width_),
+                                            std::max(r.yMin, 0), std::min(r.yMax, height_)};
+        };
+        auto area = [](const GUI::Geometry::Rectangle& r) {
+            return r.Width() > 0 && r.Height() > 0 ? std::int64_t(r.Width()) * r.Height() : std::int64_t(0);
+        };
+        GUI::Geometry::Rectangle all{0, 0, 0, 0};
+        bool any = false;
+        std::int64_t covered = 0;
+        if (damaged)
+            damagePieces_.push_back(damage);
+        for (const GUI::Geometry::Rectangle& piece : damagePieces_) {
+            const GUI::Geometry::Rectangle r = clipped(piece);
+            if (area(r) == 0)
+                continue;
+            regions_.push_back(r);
+            include(all, any, r);
+            covered += area(r);
         }
+        constexpr std::size_t kMostPasses = 4;
+        if (regions_.size() > kMostPasses || (regions_.size() > 1 && covered * 2 > area(all)))
+            regions_.assign(1, all);
+    }
+    damagePieces_.clear();
+    if (regions_.empty()) {
+        // Only off-screen or invisible changes: the layers stay as they are.
+        updating_ = false;
+        needsRedraw_ = false;
+        return;
     }
 
     glBindFramebuffer(GL_FRAMEBUFFER, layerFramebuffer_);
@@ -485,10 +516,34 @@ void GUIManager::updateLayers() {
     GB_CHECK_GL(kFile);
     glViewport(0, 0, width_, height_);
     GB_CHECK_GL(kFile);
-    if (!whole) {
+    for (const GUI::Geometry::Rectangle& region : regions_)
+        drawLayerRegion(whole ? nullptr : &region, strict);
+    {
+        if (strict) {
+            glFinish();
+            GB_CHECK_GL(kFile);
+        } else {
+            // Nothing waits here; the first pick after this update waits for it instead. (Reading
+            // the id layer through the pick framebuffer is not ordered after drawing into it through
+            // the layer framebuffer on every driver.)
+            deleteLayersFence();
+            layersFence_ = glFenceSync(GL_SYNC_GPU_COMMANDS_COMPLETE, 0);
+            GB_CHECK_GL(kFile);
+        }
+        glBindFramebuffer(GL_FRAMEBUFFER, 0);
+        GB_CHECK_GL(kFile);
+    }
+    updating_ = false;
+    needsRedraw_ = !animations_.empty();
+    layerUpdateTime_ += static_cast<int32_t>(GUI::Clock::Ticks() - t0);
+    ++layerUpdateCount_;
+}
+
+void GUIManager::drawLayerRegion(const GUI::Geometry::Rectangle* region, bool strict) {
+    if (region) {
         glEnable(GL_SCISSOR_TEST);
         GB_CHECK_GL(kFile);
-        glScissor(region.xMin, region.yMin, region.Width(), region.Height());
+        glScissor(region->xMin, region->yMin, region->Width(), region->Height());
         GB_CHECK_GL(kFile);
     }
 
@@ -523,7 +578,7 @@ void GUIManager::updateLayers() {
     GB_CHECK_GL(kFile);
 
     GUI::Renderer::detail::TargetChanged();
-    GUI::Renderer::detail::SetDrawRegion(whole ? nullptr : &region);
+    GUI::Renderer::detail::SetDrawRegion(region);
     {
         std::unique_ptr<GL::GLScopedSetter> state = renderer_->SetRenderAttributes();
         for (GUI::Controls::Base* control : Controls()) {
@@ -533,24 +588,7 @@ void GUIManager::updateLayers() {
                 GB_CHECK_GL(kFile);
             }
         }
-        if (strict) {
-            glFinish();
-            GB_CHECK_GL(kFile);
-        } else {
-            // Nothing waits here; the first pick after this update waits for it instead. (Reading
-            // the id layer through the pick framebuffer is not ordered after drawing into it through
-            // the layer framebuffer on every driver.)
-            deleteLayersFence();
-            layersFence_ = glFenceSync(GL_SYNC_GPU_COMMANDS_COMPLETE, 0);
-            GB_CHECK_GL(kFile);
-        }
-        glBindFramebuffer(GL_FRAMEBUFFER, 0);
-        GB_CHECK_GL(kFile);
     }
-    updating_ = false;
-    needsRedraw_ = !animations_.empty();
-    layerUpdateTime_ += static_cast<int32_t>(GUI::Clock::Ticks() - t0);
-    ++layerUpdateCount_;
 }
 
 void GUIManager::Draw() {
@@ -632,6 +670,11 @@ void GUIManager::Draw() {
     glUniform1i(GUI::Renderer::detail::UniformLocation(program, "texid_UI"), 15);
     GB_CHECK_GL(kFile);
 
+    // Hands what the host drew so far to the driver before the layer is sampled: a software rasteriser
+    // otherwise finishes the host's pending drawing (its full-view clear, say) on this thread before
+    // it lets the layer be read, which made an idle frame cost the host's pixels.
+    glFlush();
+    GB_CHECK_GL(kFile);
     glBindVertexArray(quadVertexArray_);
     GB_CHECK_GL(kFile);
     // Four vertices: the quad's whole contents.

@@ -197,6 +197,8 @@ private:
     GraphicsBase::DrawFlags cancelDrag();
     void deleteLayers();
     void updateLayers();
+    /// Clears the layers in `region` (all of them for null) and draws every control there.
+    void drawLayerRegion(const GUI::Geometry::Rectangle* region, bool strict);
     void fireDeferredSignals();
     void deleteLayersFence();
     /// Blocks until the last fast layer update has landed (before reading the id layer back).
@@ -252,6 +254,8 @@ private:
     // Where each cached root was composited by the last update (by id), and whether the next update
     // must redraw the layers whole.
     std::map<unsigned int, GUI::Geometry::Rectangle> footprints_;
+    // Scratch of an update: the pieces roots named as changed, and the regions redrawn.
+    std::vector<GUI::Geometry::Rectangle> damagePieces_, regions_;
     bool layersWhole_ = true;
     bool compositeWhole_ = true;
 };

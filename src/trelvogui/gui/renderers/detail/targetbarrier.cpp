@@ -84,6 +84,10 @@ void SetDrawRegion(const GUI::Geometry::Rectangle* region) {
         pending.region = *region;
 }
 
+const GUI::Geometry::Rectangle* DrawRegion() {
+    return pending.clipped ? &pending.region : nullptr;
+}
+
 bool InDrawRegion(const GUI::Geometry::Rectangle& area) {
     using GUI::Geometry::AddSaturated;
     using GUI::Geometry::SubSaturated;

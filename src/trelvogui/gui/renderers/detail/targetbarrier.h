@@ -39,6 +39,9 @@ bool StrictBarriers();
 /// or nullptr for all of it. Set with the target; a switch of target (TargetChanged) resets it.
 void SetDrawRegion(const GUI::Geometry::Rectangle* region);
 
+/// The draw region set last (target pixels), or nullptr when draws may change all of the target.
+const GUI::Geometry::Rectangle* DrawRegion();
+
 /// Whether a draw covering `area` can change any pixel of the draw region. A draw wholly outside it
 /// writes nothing, so it is skipped before any state is touched: on the fast path a skipped label
 /// saves a texture and program change, which is what costs, not its clipped pixels. The test allows
