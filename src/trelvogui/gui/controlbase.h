@@ -152,6 +152,9 @@ public:
     /// The left-button drag this control holds is to be abandoned: Escape was pressed or another
     /// button went down. DRAW_NOTHING (the default) leaves the event to the manager's usual routing.
     virtual GraphicsBase::DrawFlags OnCancelDrag(GUI::Event* e);
+    /// The manager's display scale changed (or the control joined a manager whose scale is not 1):
+    /// controls that lay out children in pixels lay them out again. Nothing by default.
+    virtual void OnDisplayScaleChanged() {}
 
     /// Expires when this control is destroyed. Code that calls out to host code (signals, callbacks)
     /// takes one first and stops touching the control when it has expired: a handler may delete the
@@ -184,6 +187,8 @@ public:
     bool Unregister();
     GUI::GUIManager* Manager() { return manager_.get(); }
     const GUI::GUIManager* Manager() const { return manager_.get(); }
+    /// The manager's display scale, 1 while unregistered: what pixel sizes are multiplied by.
+    float DisplayScale() const;
     /// Set by the manager while the control is in its registry.
     void SetManagerRedrawFlag(bool* flag) { managerRedrawFlag_ = flag; }
     bool* ManagerRedrawFlag() { return managerRedrawFlag_; }
