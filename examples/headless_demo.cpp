@@ -361,6 +361,16 @@ int main(int argc, char** argv) {
         s.snapshot("chart-zoomed");
     }
 
+    // A window with a device-pixel ratio of 2 tells the manager; the 3D widgets and the axes draw
+    // their pixel sizes twice as large (the host's own panels keep the rectangles it gives them, and
+    // the charts, laid out for scale 1 here, are put away).
+    s.host.Charts()->Show(false);
+    s.host.Manager().SetDisplayScale(2.f);
+    s.flush("display scale 2 (a high-density display):");
+    s.snapshot("display-scale-2", true);
+    s.host.Manager().SetDisplayScale(1.f);
+    s.host.Charts()->Show(true);
+
     const auto& r = s.host.Toolbar()->GetRectangle();
     std::printf("tools panel now at (%d, %d)-(%d, %d); rotation %s\n", r.xMin, r.yMin, r.xMax, r.yMax,
                 s.host.Rotating() ? "on" : "off");

@@ -111,7 +111,12 @@ public:
     const std::vector<GUI::Controls::Label*>& GetNumberLabels() const { return numberLabels_; }
     GUI::Controls::Label* GetTitleLabel() const { return titleLabel_; }
 
+public:
+    /// Lays the numbers and title out again at the new scale.
+    void OnDisplayScaleChanged() override;
+
 private:
+    int Scaled(int pixels) const;
     void Update();
     void ComputeTicks();
     void RebuildNumberLabels();

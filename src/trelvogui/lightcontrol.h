@@ -70,6 +70,10 @@ public:
 
     void SetWidgetSize(int width, int height);
     void SetMargins(int x, int y);
+    /// The square's side and its gap to the view's right and bottom edges as drawn: widgetWidth and
+    /// 10 pixels, times the display scale.
+    int Side() const;
+    int Margin() const;
     const std::shared_ptr<GraphicsBase::DirectionalLight>& Light() const { return light_; }
 
     const GraphicsBase::DirectionalLight* SceneLight() const override { return light_.get(); }

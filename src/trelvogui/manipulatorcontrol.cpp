@@ -190,12 +190,14 @@ void ManipulatorControl::DrawCustom() {
     camera_->SetMatrixParams(renderer_.get());
     renderer_->setPid(GetId());
     renderer_->setDimmed(!Enabled());
+    renderer_->setPixelScale(DisplayScale());
     renderer_->Render();
 }
 
 bool ManipulatorControl::LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) {
     if (!camera_ || !renderer_)
         return false;
+    renderer_->setPixelScale(DisplayScale());
     area = renderer_->LayerFootprint(layerWidth, layerHeight);
     return true;
 }

@@ -372,7 +372,8 @@ GUI::Geometry::Rectangle ManipulatorRenderer::LayerFootprint(int layerWidth, int
     // circle mapped onto two projected axes of at most kRingRadius each, a scale box sits at
     // kBoxDistance with a half-diagonal under 15, and the centre ring's radius is centreSize times
     // half of kRingRadius. Two pixels more for rasterisation at the edges.
-    const float reach = std::max({2.f * kRingRadius, kBoxDistance + 15.f, centreSize_ * kRingRadius}) + 2.f;
+    const float reach =
+        std::max({2.f * kRingRadius, kBoxDistance + 15.f, centreSize_ * kRingRadius}) * pixelScale_ + 2.f;
     // The pixel projection spans the camera's size; the layer's viewport may be another size.
     const float fx = static_cast<float>(layerWidth) / static_cast<float>(camera->Width());
     const float fy = static_cast<float>(layerHeight) / static_cast<float>(camera->Height());
@@ -414,6 +415,14 @@ void ManipulatorRenderer::Draw() {
     pixels[1][1] = 2.f / static_cast<float>(camera->Height());
     pixels[2][2] = -1.f;
     pixels[3] = glm::vec4(-1.f, -1.f, 0.f, 1.f);
+    // Every handle is laid out in pixels around the projected centre: the display scale enlarges the
+    // whole layout about that point, sizes, distances and widths alike.
+    if (pixelScale_ != 1.f) {
+        glm::mat4 aboutCentre(1.f);
+        aboutCentre[0][0] = aboutCentre[1][1] = pixelScale_;
+        aboutCentre[3] = glm::vec4(sx * (1.f - pixelScale_), sy * (1.f - pixelScale_), 0.f, 1.f);
+        pixels = pixels * aboutCentre;
+    }
     glUniformMatrix4fv(LoggedLocation(program, "ProjectionMatrix", "ProjectionMatrix"), 1, GL_FALSE,
                        glm::value_ptr(pixels));
     GB_CHECK_GL(kFile);

@@ -94,6 +94,9 @@ public:
     bool worldAxes() const { return worldAxes_; }
     /// Greyed and at most half opaque: a dimmed gizmo writes no ids, so picking sees what is behind.
     void setDimmed(bool v) { dimmed_ = v; }
+    /// Multiplies every pixel size and distance of the handles (the display scale; 1 by default).
+    void setPixelScale(float scale) { pixelScale_ = scale; }
+    float pixelScale() const { return pixelScale_; }
     bool dimmed() const { return dimmed_; }
 
     /// The frame's rotation with the stored translation in the translation column.
@@ -131,6 +134,7 @@ private:
     bool planeHandles_ = false;
     bool worldAxes_ = false;
     bool dimmed_ = false;
+    float pixelScale_ = 1.f;
     // The centre's outer radius as a fraction of the ring radius, the least thickness of a ring seen
     // edge-on (so it stays pickable) as a fraction of the radius, and the shade of a band's thin end.
     float centreSize_ = 0.2f;

@@ -62,6 +62,8 @@ public:
     void SetMinimumSize(int pixels);
     /// The side the next draw uses for the current camera size.
     int Side() const;
+    /// The gap between the cube and the view's lower-left corner: 10 pixels times the display scale.
+    int Margin() const;
     unsigned int LabelTexture() const { return labelTexture_; }
 
     const GraphicsBase::Camera* SceneCamera() const override { return camera_.get(); }

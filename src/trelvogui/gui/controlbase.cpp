@@ -609,6 +609,8 @@ bool Base::Register(std::shared_ptr<GUI::GUIManager> manager) {
         bool ok = true;
         for (Base* child : children_)
             ok = child->Register(manager) && ok;
+        if (manager->GetDisplayScale() != 1.f)
+            OnDisplayScaleChanged();
         return ok;
     }
     // One manager at a time: the registry this control was in forgets it (and its subtree) first.
@@ -622,6 +624,9 @@ bool Base::Register(std::shared_ptr<GUI::GUIManager> manager) {
     bool ok = static_cast<GUI::Controls::Factory*>(manager.get())->AddControl(this);
     for (Base* child : children_)
         ok = child->Register(manager) && ok;
+    // Laid out before it knew the manager: at scale 1.
+    if (manager->GetDisplayScale() != 1.f)
+        OnDisplayScaleChanged();
     return ok;
 }
 
@@ -640,6 +645,10 @@ bool Base::Unregister() {
 
 DrawFlags Base::OnMouseWheel(GUI::Event*, int) {
     return DRAW_NOTHING;
+}
+
+float Base::DisplayScale() const {
+    return manager_ ? manager_->GetDisplayScale() : 1.f;
 }
 
 DrawFlags Base::OnCancelDrag(GUI::Event*) {

@@ -157,6 +157,9 @@ public:
     /// when the control knows that the change is confined there. The manager asks once per update and
     /// the control forgets what it reported. False (the default): the whole footprint is redrawn.
     virtual bool TakeLayerDamage(std::vector<GUI::Geometry::Rectangle>& areas);
+    /// The manager's display scale changed (or the control joined a manager whose scale is not 1):
+    /// controls that lay out children in pixels lay them out again. Nothing by default.
+    virtual void OnDisplayScaleChanged() {}
 
     /// Expires when this control is destroyed. Code that calls out to host code (signals, callbacks)
     /// takes one first and stops touching the control when it has expired: a handler may delete the
@@ -189,6 +192,8 @@ public:
     bool Unregister();
     GUI::GUIManager* Manager() { return manager_.get(); }
     const GUI::GUIManager* Manager() const { return manager_.get(); }
+    /// The manager's display scale, 1 while unregistered: what pixel sizes are multiplied by.
+    float DisplayScale() const;
     /// Set by the manager while the control is in its registry.
     void SetManagerRedrawFlag(bool* flag) { managerRedrawFlag_ = flag; }
     bool* ManagerRedrawFlag() { return managerRedrawFlag_; }

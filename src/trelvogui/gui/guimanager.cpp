@@ -221,6 +221,34 @@ void GUIManager::Resize(int width, int height) {
     UpdateLayers();
 }
 
+bool GUIManager::SetDisplayScale(float scale) {
+    if (!(scale >= kMinDisplayScale && scale <= kMaxDisplayScale)) {
+        std::printf("GUIManager::SetDisplayScale(): %g is outside %g to %g; the scale stays %g.\n",
+                    static_cast<double>(scale), static_cast<double>(kMinDisplayScale),
+                    static_cast<double>(kMaxDisplayScale), static_cast<double>(displayScale_));
+        return false;
+    }
+    if (scale == displayScale_)
+        return true;
+    displayScale_ = scale;
+    // Every pixel size may have changed: the widgets' footprints as much as their pictures.
+    // A control's layout may delete or add children, which changes the registry: walk a copy and
+    // skip what is gone.
+    std::vector<std::pair<GUI::Controls::Base*, std::weak_ptr<const void>>> controls;
+    for (GUI::Controls::Base* control : Controls())
+        controls.emplace_back(control, control->LifeToken());
+    for (auto& [control, alive] : controls) {
+        if (alive.expired())
+            continue;
+        control->OnDisplayScaleChanged();
+        if (!alive.expired())
+            control->SetNeedsRedraw(true);
+    }
+    layersWhole_ = true;
+    SetNeedsRedraw(true);
+    return true;
+}
+
 void GUIManager::deleteLayers() {
     if (layerFramebuffer_) {
         glDeleteFramebuffers(1, &layerFramebuffer_);

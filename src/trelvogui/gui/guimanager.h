@@ -169,6 +169,16 @@ public:
     /// its ray through the pixel centre (x + 0.5, height - y - 0.5).
     void SetExactPointerRows(bool on) { exactPointerRows_ = on; }
     bool GetExactPointerRows() const { return exactPointerRows_; }
+    /// Display scale (default 1): the window's device-pixel ratio. The 3D widgets multiply every
+    /// pixel size by it (the gizmo's handles and distances, the view cube's and light widget's sizes and
+    /// margins, the light's degrees per pixel), and the axis, colour bar and legend their tick lengths
+    /// and label sizes, so a picture at scale 2 in a view twice as large is the scale-1 picture
+    /// enlarged. Controls laid out by the host keep the rectangles it gives them. Scales outside 0.5 to
+    /// 4 are refused (false, a message, the scale unchanged); a change redraws everything.
+    bool SetDisplayScale(float scale);
+    float GetDisplayScale() const { return displayScale_; }
+    static constexpr float kMinDisplayScale = 0.5f;
+    static constexpr float kMaxDisplayScale = 4.f;
     /// Strict synchronisation draws the layers the plain way: a texture barrier before every draw,
     /// every control flushed and the update finished. By default barriers are issued only where draws
     /// overlap and nothing is flushed or finished; the layers come out the same (a test compares them
@@ -247,6 +257,7 @@ private:
     bool explicitGammaCorrection_ = false;
     bool strictSynchronisation_ = false;
     bool exactPointerRows_ = false;
+    float displayScale_ = 1.f;
     bool framebufferFetch_ = true;
     // A GLsync, kept opaque here so that the header needs no sync types.
     void* layersFence_ = nullptr;
