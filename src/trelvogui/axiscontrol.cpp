@@ -23,6 +23,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+using namespace GraphicsBase;
+
 namespace {
 
 constexpr const char* kFile = "axiscontrol";
@@ -30,9 +32,8 @@ constexpr const char* kFile = "axiscontrol";
 // The band's marks, in pixels: a baseline along the edge and a mark across the band at each tick.
 constexpr float kBaselineDepth = 2.f;
 constexpr float kMarkWidth = 2.f;
-// Font heights of the numbers and the title at display scale 1.
-constexpr float kNumberFont = 16.f;
-constexpr float kTitleFont = 16.f;
+// Numbers and title, in pixels at display scale 1.
+constexpr int kLabelFontSize = 16;
 // Marks closer than a mark and a gap merge into a solid band, and every tick owns a label control:
 // no more intervals than that, and never more than a few thousand however long the axis.
 constexpr int kMinTickPitch = 4;
@@ -172,6 +173,7 @@ AxisControl::AxisControl() {
     // Its tick band may sit beside the rectangle (orientation 3): a cached layer holding an axis is
     // redrawn whole.
     SetDrawsOutsideRenderRectangle(true);
+    SetDimsWhenDisabled(true);
 }
 
 AxisControl::~AxisControl() {
@@ -202,19 +204,6 @@ bool AxisControl::Initialize() {
         return false;
     GUI::Renderer::detail::BuildFetchProgram(fetchProgram_, "BackgroundMV.vs", "Background.fs");
     return BuildGeometry();
-}
-
-int AxisControl::Px(float pixels) const {
-    return ScaledPixels(pixels);
-}
-
-void AxisControl::OnDisplayScale(float) {
-    // Fonts, tick lengths and the spacing of ticks are all in pixels: lay out afresh.
-    for (GUI::Controls::Label* label : numberLabels_)
-        label->SetFontSize(static_cast<unsigned int>(Px(kNumberFont)));
-    if (titleLabel_)
-        titleLabel_->SetFontSize(static_cast<unsigned int>(Px(kTitleFont)));
-    Update();
 }
 
 void AxisControl::SetRectangle(GUI::Geometry::Rectangle r) {
@@ -316,9 +305,11 @@ std::wstring AxisControl::GetTitle() const {
 void AxisControl::Update() {
     const GUI::Geometry::Rectangle& r = GetRectangle();
     if (IsHorizontal(orientation_))
-        intervalCount_ = TruncateToInt(static_cast<float>(r.Width()) / static_cast<float>(Px(tickSpacing_)));
+        intervalCount_ = TruncateToInt(static_cast<float>(r.Width()) /
+                                       static_cast<float>(std::max(1, Scaled(tickSpacing_))));
     else if (IsVertical(orientation_))
-        intervalCount_ = TruncateToInt(static_cast<float>(r.Height()) / static_cast<float>(Px(tickSpacing_)));
+        intervalCount_ = TruncateToInt(static_cast<float>(r.Height()) /
+                                       static_cast<float>(std::max(1, Scaled(tickSpacing_))));
     if (intervalCount_ < 1)
         intervalCount_ = 1;
     // An explicit request wins over the spacing.
@@ -354,7 +345,7 @@ void AxisControl::ComputeTicks() {
         // The steps are sized from the control's width whatever the orientation, so a vertical axis
         // beside a plot of the same width gets the same integer steps as the plot's horizontal axis.
         const int width = GetRectangle().Width();
-        const int columns = std::clamp(width / tickSpacing_, 1, MaxIntervals(width));
+        const int columns = std::clamp(width / std::max(1, Scaled(tickSpacing_)), 1, MaxIntervals(width));
         const double range = static_cast<double>(max_) - static_cast<double>(min_);
         double step = std::trunc(std::ceil(range / columns));
         if (!(step >= 1.0))
@@ -384,7 +375,7 @@ int AxisControl::WantedIntervals() {
         return std::max(1, tickCount_ + 1);
     const GUI::Geometry::Rectangle& r = GetRectangle();
     const int length = IsVertical(orientation_) ? r.Height() : r.Width();
-    return std::max(1, length / Px(tickSpacing_));
+    return std::max(1, length / std::max(1, Scaled(tickSpacing_)));
 }
 
 double AxisControl::FractionOf(double value) const {
@@ -471,7 +462,6 @@ void AxisControl::RebuildNumberLabels() {
     for (std::size_t i = 0; i < wanted; ++i) {
         auto* label = new GUI::Controls::Label();
         label->SetColor(fontColor_);
-        label->SetFontSize(static_cast<unsigned int>(Px(kNumberFont)));
         numberLabels_.push_back(label);
         AddChild(label);
     }
@@ -489,6 +479,7 @@ void AxisControl::FormatNumbers() {
     const double scale = std::pow(10.0, shownExponent);
     char text[64];
     const std::size_t count = std::min(numberLabels_.size(), tickValues_.size());
+    numberTexts_.resize(count);
     for (std::size_t i = 0; i < count; ++i) {
         const float value = tickValues_[i];
         if (i < tickTexts_.size())
@@ -499,11 +490,47 @@ void AxisControl::FormatNumbers() {
             std::snprintf(text, sizeof text, "%.3fe%d", value / scale, shownExponent);
         else
             std::snprintf(text, sizeof text, "%.3f", static_cast<double>(value));
-        std::wstring wide;
+        std::wstring& wide = numberTexts_[i];
+        wide.clear();
         for (const char* c = text; *c != '\0'; ++c)
             wide.push_back(static_cast<wchar_t>(static_cast<unsigned char>(*c)));
-        numberLabels_[i]->SetText(std::move(wide));
     }
+    // A tick that keeps its number keeps the label that shows it, wherever the tick moved: after a
+    // pan every tick's index shifts, and only the numbers new to the axis are rasterised again. (The
+    // first two types keep their labels in place, text and all, as they always have.)
+    if (axisType_ != NiceSteps && axisType_ != Logarithmic) {
+        for (std::size_t i = 0; i < count; ++i)
+            numberLabels_[i]->SetText(numberTexts_[i]);
+        return;
+    }
+    labelsByText_.assign(numberLabels_.begin(), numberLabels_.begin() + static_cast<std::ptrdiff_t>(count));
+    for (std::size_t i = 0; i < count; ++i) {
+        numberLabels_[i] = nullptr;
+        for (GUI::Controls::Label*& label : labelsByText_)
+            if (label && label->GetTextRecord()->string == numberTexts_[i]) {
+                numberLabels_[i] = label;
+                label = nullptr;
+                break;
+            }
+    }
+    auto spare = labelsByText_.begin();
+    for (std::size_t i = 0; i < count; ++i) {
+        if (numberLabels_[i])
+            continue;
+        while (!*spare)
+            ++spare;
+        numberLabels_[i] = *spare++;
+        numberLabels_[i]->SetText(numberTexts_[i]);
+    }
+}
+
+int AxisControl::Scaled(int pixels) const {
+    return ScaledPixels(static_cast<float>(pixels));
+}
+
+void AxisControl::OnDisplayScaleChanged() {
+    Update();
+    SetNeedsRedraw(true);
 }
 
 void AxisControl::PlaceNumbers() {
@@ -511,18 +538,16 @@ void AxisControl::PlaceNumbers() {
     const GUI::Geometry::Rectangle& r = GetRectangle();
     const int w = r.Width();
     const int h = r.Height();
-    const int l = Px(tickLength_);
+    const int l = Scaled(tickLength_);
+    const int fontSize = Scaled(kLabelFontSize);
     // Aligned on every layout, not only when made: the orientation may have changed since.
     const int horizontal[] = {1, 1, 2, 0};
     const int vertical[] = {0, 2, 1, 1};
     for (GUI::Controls::Label* label : numberLabels_) {
         label->SetHorizontalAlignment(horizontal[orientation_]);
         label->SetVerticalAlignment(vertical[orientation_]);
+        label->SetFontSize(static_cast<unsigned>(fontSize));
     }
-    // Number boxes: 50 by 20 pixels at display scale 1.
-    const int wide = Px(50.f);
-    const int half = wide / 2;
-    const int high = Px(20.f);
     const std::size_t count = std::min(numberLabels_.size(), tickFractions_.size());
     for (std::size_t i = 0; i < count; ++i) {
         const float f = tickFractions_[i];
@@ -530,16 +555,16 @@ void AxisControl::PlaceNumbers() {
         const int u = TruncateToInt(static_cast<float>(h) * f);
         switch (orientation_) {
         case AlongYMin:
-            numberLabels_[i]->SetRectangle({t - half, t + half, l, l + high});
+            numberLabels_[i]->SetRectangle({t - Scaled(25), t + Scaled(25), l, l + Scaled(20)});
             break;
         case AlongYMax:
-            numberLabels_[i]->SetRectangle({t - half, t + half, h - l - high, h - l});
+            numberLabels_[i]->SetRectangle({t - Scaled(25), t + Scaled(25), h - l - Scaled(20), h - l});
             break;
         case AlongXMax:
-            numberLabels_[i]->SetRectangle({w - l - wide, w - l, u - high / 2, u + high / 2});
+            numberLabels_[i]->SetRectangle({w - l - Scaled(50), w - l, u - Scaled(10), u + Scaled(10)});
             break;
         case AlongXMin:
-            numberLabels_[i]->SetRectangle({l, l + wide, u - high / 2, u + high / 2});
+            numberLabels_[i]->SetRectangle({l, l + Scaled(50), u - Scaled(10), u + Scaled(10)});
             break;
         }
     }
@@ -548,7 +573,6 @@ void AxisControl::PlaceNumbers() {
 void AxisControl::LayoutTitle() {
     if (!titleLabel_) {
         titleLabel_ = new GUI::Controls::Label();
-        titleLabel_->SetFontSize(static_cast<unsigned int>(Px(kTitleFont)));
         titleLabel_->SetHorizontalAlignment(1);
         titleLabel_->SetVerticalAlignment(1);
         titleLabel_->SetColor(fontColor_);
@@ -563,20 +587,21 @@ void AxisControl::LayoutTitle() {
     const GUI::Geometry::Rectangle& r = GetRectangle();
     const int w = r.Width();
     const int h = r.Height();
-    const int l = Px(tickLength_);
-    const int font = Px(kTitleFont);
+    const int l = Scaled(tickLength_);
+    const int t = Scaled(kLabelFontSize);
+    titleLabel_->SetFontSize(static_cast<unsigned>(t));
     switch (orientation_) {
     case AlongYMin:
-        titleLabel_->SetRectangle({0, w, h, h + font});
+        titleLabel_->SetRectangle({0, w, h, h + t});
         break;
     case AlongYMax:
-        titleLabel_->SetRectangle({0, w, h - l - Px(40.f), h - l - Px(24.f)});
+        titleLabel_->SetRectangle({0, w, h - l - Scaled(40), h - l - Scaled(24)});
         break;
     case AlongXMax:
-        titleLabel_->SetRectangle({0, font, 0, h});
+        titleLabel_->SetRectangle({0, t, 0, h});
         break;
     case AlongXMin:
-        titleLabel_->SetRectangle({w, w + font, 0, h});
+        titleLabel_->SetRectangle({w, w + t, 0, h});
         break;
     }
 }
@@ -603,7 +628,7 @@ bool AxisControl::BuildGeometry() {
     // length and depth.
     const GUI::Geometry::Rectangle& r = GetRectangle();
     const float length = static_cast<float>(IsVertical(orientation_) ? r.Height() : r.Width());
-    const float depth = static_cast<float>(Px(tickLength_));
+    const float depth = static_cast<float>(Scaled(tickLength_));
     const float rgba[4] = {fontColor_.r / 255.f, fontColor_.g / 255.f, fontColor_.b / 255.f,
                            fontColor_.a / 255.f};
     bandVertices_.clear();
@@ -641,7 +666,7 @@ void AxisControl::DrawCustom() {
     const GUI::Geometry::Rectangle& r = GetRectangle();
     const float w = static_cast<float>(r.Width());
     const float h = static_cast<float>(r.Height());
-    const float l = static_cast<float>(Px(tickLength_));
+    const float l = static_cast<float>(Scaled(tickLength_));
     glm::vec3 scale(1.f);
     glm::vec3 corner(0.f);
     float angle = 0.f;

@@ -14,6 +14,8 @@
 #include <cmath>
 #include <cstdio>
 
+using namespace GraphicsBase;
+
 namespace {
 // Pixel sizes at display scale 1.
 constexpr float kTitle = 34.f;         // title row on top, clear of the top number, which overhangs the bar
@@ -26,6 +28,7 @@ constexpr unsigned int kTitleFont = 15;
 } // namespace
 
 LegendControl::LegendControl() : marks_(std::make_unique<trelvo::detail::ChartMarks>()) {
+    SetDimsWhenDisabled(true);
     bar_ = new GUI::Controls::ColorBar();
     axis_ = new AxisControl();
     axis_->SetAxisType(AxisControl::NiceSteps);
@@ -65,7 +68,7 @@ void LegendControl::SetLayout(Layout layout) {
     Arrange();
 }
 
-void LegendControl::OnDisplayScale(float) {
+void LegendControl::OnDisplayScaleChanged() {
     title_->SetFontSize(static_cast<unsigned int>(ScaledPixels(kTitleFont)));
     Arrange();
 }

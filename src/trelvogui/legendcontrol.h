@@ -35,7 +35,7 @@ public:
     /// chart is then redrawn only there when it changes.
     bool LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) override;
     void SetRectangle(GUI::Geometry::Rectangle r) override;
-    void OnDisplayScale(float scale) override;
+    void OnDisplayScaleChanged() override;
 
     void SetLayout(Layout layout);
     Layout GetLayout() const { return layout_; }

@@ -15,11 +15,13 @@
 #include <glm/gtc/type_ptr.hpp>
 
 #include <algorithm>
+#include <cmath>
+
+using namespace GraphicsBase;
 
 namespace {
 constexpr const char* kFile = "lightcontrol";
 constexpr float kDegreesPerPixel = 0.35f;
-constexpr float kMargin = 10.f;
 constexpr float kRadiansPerDegree = 0.017453292f;
 
 using GUI::Renderer::detail::SetUniformQuiet;
@@ -75,9 +77,9 @@ bool LightControl::Initialize() {
 }
 
 bool LightControl::LayerFootprint(int layerWidth, int, GUI::Geometry::Rectangle& area) {
-    const int side = program_ && quadBuffer_ && light_ ? ScaledPixels(static_cast<float>(widgetWidth_)) : 0;
-    const int margin = ScaledPixels(kMargin);
-    area = {layerWidth - side - margin, layerWidth - margin, margin, margin + side};
+    const int side = program_ && quadBuffer_ && light_ ? Side() : 0;
+    const int m = Margin();
+    area = {layerWidth - side - m, layerWidth - m, m, m + side};
     return true;
 }
 
@@ -90,10 +92,9 @@ void LightControl::DrawCustom() {
     glGetIntegerv(GL_VIEWPORT, viewport);
     GB_CHECK_GL(kFile);
     // widgetHeight and the margin fields do not take part: the square is widgetWidth on both sides,
-    // 10 pixels (at display scale 1) in from the right and bottom edges.
-    const int side = ScaledPixels(static_cast<float>(widgetWidth_));
-    const int margin = ScaledPixels(kMargin);
-    glViewport(viewport[2] - side - margin, margin, side, side);
+    // 10 pixels in from the right and bottom edges, both times the display scale.
+    const int side = Side(), m = Margin();
+    glViewport(viewport[2] - side - m, m, side, side);
     GB_CHECK_GL(kFile);
 
     GLSLProgram& drawing = GUI::Renderer::detail::BeginTargetDraw(*program_, fetchProgram_.get());
@@ -107,6 +108,8 @@ void LightControl::DrawCustom() {
         glUniform1ui(location, GetId());
         GB_CHECK_GL(kFile);
     }
+    // Disabled: greyed, half transparent and without ids, so the pointer reaches what is behind.
+    SetUniformQuiet(program, "dimmed", static_cast<GLint>(Enabled() ? 0 : 1));
     // The tile is translucent and composes over what the overlay drew before it, like every UI draw.
     GUI::Renderer::detail::TargetBarrier(&drawing == program_.get());
     quadBuffer_->draw(GLVertexBuffer::Triangles);
@@ -114,6 +117,8 @@ void LightControl::DrawCustom() {
 }
 
 DrawFlags LightControl::OnMouseDown(GUI::Event* e) {
+    if (!Enabled() || !Visible())
+        return DRAW_NOTHING;
     const DrawFlags result = Base::OnMouseDown(e);
     cancelled_ = false;
     if (!light_)
@@ -157,7 +162,7 @@ DrawFlags LightControl::OnCancelDrag(GUI::Event*) {
 DrawFlags LightControl::OnMouseDrag(GUI::Event*, int dx, int dy) {
     if (cancelled_)
         return DRAW_NOTHING;
-    // The same hand movement turns the light alike at every display scale.
+    // At a larger display scale the same hand movement covers more pixels: the same turn.
     const float perPixel = kDegreesPerPixel / DisplayScale();
     const float a = -(static_cast<float>(dy) * perPixel) * kRadiansPerDegree;
     const float b = static_cast<float>(dx) * perPixel * kRadiansPerDegree;
@@ -170,4 +175,12 @@ DrawFlags LightControl::OnMouseDrag(GUI::Event*, int dx, int dy) {
     if (GUI::GUIManager* manager = Manager())
         manager->SetLightUpdated(true);
     return DRAW_LIGHT | DRAW_OVERLAY;
+}
+
+int LightControl::Side() const {
+    return ScaledPixels(static_cast<float>(widgetWidth_));
+}
+
+int LightControl::Margin() const {
+    return ScaledPixels(10.f);
 }

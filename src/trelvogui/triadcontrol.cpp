@@ -25,14 +25,14 @@
 #include <string>
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace {
 constexpr const char* kFile = "triadcontrol";
 constexpr const char* kModule = "TrelvoGUI.dll";
 constexpr GLint kLabelUnit = 8;
 constexpr int kCubeVertices = 36;
 constexpr int kFaces = 6;
-// From the view's lower-left corner to the cube's square, in pixels at display scale 1.
-constexpr float kMargin = 10.f;
 
 // Where a click on each face puts the camera (a direction from the target) and its up vector.
 struct FaceView {
@@ -54,6 +54,7 @@ TriadControl::TriadControl(std::shared_ptr<Camera> camera, std::shared_ptr<Direc
     : camera_(std::move(camera)), light_(std::move(light)), program_(std::make_unique<GLSLProgram>()) {
     SetUsesCamera(true);
     SetUsesLight(true);
+    SetDimsWhenDisabled(true);
 }
 
 TriadControl::~TriadControl() {
@@ -70,15 +71,19 @@ void TriadControl::SetMinimumSize(int pixels) {
 
 bool TriadControl::LayerFootprint(int, int, GUI::Geometry::Rectangle& area) {
     const int side = ready_ ? Side() : 0;
-    const int margin = ScaledPixels(kMargin);
-    area = {margin, margin + side, margin, margin + side};
+    const int m = Margin();
+    area = {m, m + side, m, m + side};
     return true;
 }
 
 int TriadControl::Side() const {
     const int shorter = camera_ ? std::min(camera_->Width(), camera_->Height()) : 0;
-    return std::max(ScaledPixels(static_cast<float>(minimumSize_)),
-                    static_cast<int>(std::floor(shorter / 15.0)));
+    const int minimum = ScaledPixels(static_cast<float>(minimumSize_));
+    return std::max(minimum, static_cast<int>(std::floor(shorter / 15.0)));
+}
+
+int TriadControl::Margin() const {
+    return ScaledPixels(10.f);
 }
 
 bool TriadControl::Initialize() {
@@ -185,8 +190,7 @@ void TriadControl::DrawCustom() {
     glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
     GB_CHECK_GL(kFile);
     const int side = Side();
-    const int margin = ScaledPixels(kMargin);
-    glViewport(margin, margin, side, side);
+    glViewport(Margin(), Margin(), side, side);
     GB_CHECK_GL(kFile);
 
     glActiveTexture(GL_TEXTURE0 + kLabelUnit);
