@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -164,6 +165,21 @@ TEST_F(GLFWBackendTest, FramesAreDueOnlyAfterAChangeAndMisuseIsRefused) {
     EXPECT_EQ(input.Frames(), 3);
     glfwSetWindowShouldClose(window, GLFW_TRUE);
     EXPECT_FALSE(input.WaitForFrame());
+}
+
+// A host whose own scale differs sees it replaced by the window's, unless it turns following off.
+TEST_F(GLFWBackendTest, TheManagersScaleFollowsTheWindowsUnlessTheHostTurnsThatOff) {
+    ASSERT_TRUE(manager->SetDisplayScale(2.5f));
+    GUI::GLFWBackend input(window, *manager);
+    float content = 0.f, unused = 0.f;
+    glfwGetWindowContentScale(window, &content, &unused);
+    const float windows = std::clamp(content, 0.5f, 4.f);
+    EXPECT_EQ(manager->GetDisplayScale(), windows);
+    input.SetFollowDisplayScale(false);
+    ASSERT_TRUE(manager->SetDisplayScale(2.5f));
+    EXPECT_EQ(manager->GetDisplayScale(), 2.5f);
+    input.SetFollowDisplayScale(true);
+    EXPECT_EQ(manager->GetDisplayScale(), windows);
 }
 
 TEST_F(GLFWBackendTest, ABackendOutlivingGLFWLeavesTheDestroyedWindowAlone) {

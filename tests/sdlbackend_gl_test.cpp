@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 
 using namespace GraphicsBase;
@@ -114,6 +115,21 @@ TEST_F(SDLBackendTest, ClicksReachTheOverlayAndTheRestReachesTheHost) {
     SDL_DestroyWindow(other);
     EXPECT_FALSE(orphan.ProcessEvent(late));
     EXPECT_TRUE(log->Contains("SDLBackend: the window was destroyed; its events are ignored.\n"));
+}
+
+// A host whose own scale differs sees it replaced by the window's, unless it turns following off.
+TEST_F(SDLBackendTest, TheManagersScaleFollowsTheWindowsUnlessTheHostTurnsThatOff) {
+    ASSERT_TRUE(manager->SetDisplayScale(2.5f));
+    GUI::SDLBackend input(window, context, *manager);
+    float x = 0.f, y = 0.f;
+    input.PixelScale(&x, &y);
+    const float windows = std::clamp(x, 0.5f, 4.f);
+    EXPECT_EQ(manager->GetDisplayScale(), windows);
+    input.SetFollowDisplayScale(false);
+    ASSERT_TRUE(manager->SetDisplayScale(2.5f));
+    EXPECT_EQ(manager->GetDisplayScale(), 2.5f);
+    input.SetFollowDisplayScale(true);
+    EXPECT_EQ(manager->GetDisplayScale(), windows);
 }
 
 TEST_F(SDLBackendTest, AnUninitialisedManagerOrMissingContextIsRefused) {

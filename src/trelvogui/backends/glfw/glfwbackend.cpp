@@ -1,5 +1,6 @@
 #include <trelvogui/backends/glfw/glfwbackend.h>
 
+#include <trelvogui/backends/detail/displayscale.h>
 #include <trelvogui/backends/detail/frametrace.h>
 
 #include <trelvogui/gui/guimanager.h>
@@ -60,6 +61,7 @@ struct GLFWBackend::Previous {
     GLFWkeyfun key = nullptr;
     GLFWframebuffersizefun framebufferSize = nullptr;
     GLFWwindowrefreshfun refresh = nullptr;
+    GLFWwindowcontentscalefun contentScale = nullptr;
 };
 
 GLFWBackend::GLFWBackend(GLFWwindow* window, GUIManager& manager)
@@ -87,6 +89,8 @@ GLFWBackend::GLFWBackend(GLFWwindow* window, GUIManager& manager)
     previous_->key = glfwSetKeyCallback(window_, onKey);
     previous_->framebufferSize = glfwSetFramebufferSizeCallback(window_, onFramebufferSize);
     previous_->refresh = glfwSetWindowRefreshCallback(window_, onRefresh);
+    previous_->contentScale = glfwSetWindowContentScaleCallback(window_, onContentScale);
+    applyDisplayScale();
     // Start from where the pointer is, so that the first move is not a jump from the corner.
     double x = 0, y = 0;
     glfwGetCursorPos(window_, &x, &y);
@@ -109,6 +113,7 @@ GLFWBackend::~GLFWBackend() {
     glfwSetKeyCallback(window_, previous_->key);
     glfwSetFramebufferSizeCallback(window_, previous_->framebufferSize);
     glfwSetWindowRefreshCallback(window_, previous_->refresh);
+    glfwSetWindowContentScaleCallback(window_, previous_->contentScale);
 }
 
 template <class Work> void GLFWBackend::withContext(Work work) {
@@ -283,12 +288,41 @@ void GLFWBackend::onFramebufferSize(GLFWwindow* window, int width, int height) {
     // A minimised window reports 0 x 0; the overlay keeps its layers until it comes back.
     if (width > 0 && height > 0) {
         self->withContext([&] { self->manager_->Resize(width, height); });
+        // A window moved to another screen may change its framebuffer ratio with its size.
+        self->applyDisplayScale();
         for (const std::shared_ptr<Camera>& camera : self->cameras_) {
             camera->SetViewport(width, height);
             camera->CalcMatrices();
         }
     }
     self->requested_ = true;
+}
+
+void GLFWBackend::onContentScale(GLFWwindow* window, float x, float y) {
+    GLFWBackend* self = backendOf(window);
+    if (!self)
+        return;
+    if (self->previous_->contentScale)
+        self->previous_->contentScale(window, x, y);
+    self->applyDisplayScale();
+    self->requested_ = true;
+}
+
+void GLFWBackend::SetFollowDisplayScale(bool on) {
+    followDisplayScale_ = on;
+    applyDisplayScale();
+}
+
+void GLFWBackend::applyDisplayScale() {
+    if (!followDisplayScale_ || backendOf(window_) != this)
+        return;
+    float content = 0.f, unused = 0.f;
+    glfwGetWindowContentScale(window_, &content, &unused);
+    if (!(content > 0.f)) // no content scale reported: what the framebuffer says
+        PixelScale(&content, &unused);
+    // Controls lay out again at the new scale, which may upload geometry: with this window's context.
+    withContext([&] { detail::FollowDisplayScale(*manager_, content); });
+    requested_ = true;
 }
 
 void GLFWBackend::FollowViewport(std::shared_ptr<Camera> camera) {

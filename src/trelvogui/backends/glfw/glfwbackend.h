@@ -76,6 +76,11 @@ public:
 
     /// Framebuffer pixels per window unit along x and y (1 except on HiDPI screens).
     void PixelScale(float* x, float* y) const;
+    /// While on (the default), the manager's display scale follows the window's content scale (the
+    /// framebuffer-to-window ratio where GLFW reports none), at installation and whenever it changes.
+    /// Off leaves the scale to the host; turning it on again applies the window's scale at once.
+    void SetFollowDisplayScale(bool on);
+    bool GetFollowDisplayScale() const { return followDisplayScale_; }
     /// Touch points in window coordinates, converted to framebuffer pixels and offered to the
     /// handlers. GLFW itself reports no touch events; hosts with a touch source of their own feed
     /// them here.
@@ -99,6 +104,8 @@ private:
     static void onKey(GLFWwindow* window, int key, int scancode, int action, int mods);
     static void onFramebufferSize(GLFWwindow* window, int width, int height);
     static void onRefresh(GLFWwindow* window);
+    static void onContentScale(GLFWwindow* window, float x, float y);
+    void applyDisplayScale();
     template <class Work> void withContext(Work work);
     bool pending() const;
     void toPixels(double x, double y, int* px, int* py) const;
@@ -108,6 +115,7 @@ private:
     std::unique_ptr<GUIInputManager> input_;
     std::unique_ptr<Previous> previous_;
     bool installed_ = false;
+    bool followDisplayScale_ = true;
     int lastX_ = 0;
     int lastY_ = 0;
     int buttons_ = 0;

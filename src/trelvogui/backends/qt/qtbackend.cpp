@@ -1,5 +1,6 @@
 #include <trelvogui/backends/qt/qtbackend.h>
 
+#include <trelvogui/backends/detail/displayscale.h>
 #include <trelvogui/backends/detail/frametrace.h>
 #include <trelvogui/gui/guimanager.h>
 
@@ -156,6 +157,8 @@ bool QtBackend::Paint() {
         static_cast<int>(std::lround((widget_ ? widget_->height() : window_->height()) * ratio));
     if (width > 0 && height > 0 && (width != manager_->GetWidth() || height != manager_->GetHeight()))
         manager_->Resize(width, height);
+    if (followDisplayScale_)
+        detail::FollowDisplayScale(*manager_, ratio);
     current->functions()->glViewport(0, 0, width, height);
     manager_->UpdateLayers();
     manager_->Draw();

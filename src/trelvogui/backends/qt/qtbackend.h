@@ -65,6 +65,11 @@ public:
     int Frames() const { return frames_; }
     /// Framebuffer pixels per device-independent pixel.
     double PixelRatio() const;
+    /// While on (the default), each Paint sets the manager's display scale to PixelRatio(), so the
+    /// widgets keep their size on a HiDPI screen and when the view moves to another screen. Off
+    /// leaves the scale to the host.
+    void SetFollowDisplayScale(bool on) { followDisplayScale_ = on; }
+    bool GetFollowDisplayScale() const { return followDisplayScale_; }
 
     /// Input results arrive here: anything non-zero schedules a frame.
     void SetDrawFlags(GraphicsBase::DrawFlags flags) override;
@@ -88,6 +93,7 @@ private:
     std::unique_ptr<GUIInputManager> input_;
     boost::signals2::scoped_connection redrawRequest_;
     bool installed_ = false;
+    bool followDisplayScale_ = true;
     bool warnedEarly_ = false;
     bool painting_ = false;
     bool paintedInPaintGL_ = false;

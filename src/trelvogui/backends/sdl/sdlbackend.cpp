@@ -1,5 +1,6 @@
 #include <trelvogui/backends/sdl/sdlbackend.h>
 
+#include <trelvogui/backends/detail/displayscale.h>
 #include <trelvogui/backends/detail/frametrace.h>
 #include <trelvogui/gui/guimanager.h>
 
@@ -115,6 +116,7 @@ SDLBackend::SDLBackend(SDL_Window* window, void* context, GUIManager& manager)
     SDL_GetMouseState(&x, &y);
     toPixels(static_cast<float>(x), static_cast<float>(y), &lastX_, &lastY_);
     installed_ = true;
+    applyDisplayScale();
 }
 
 SDLBackend::~SDLBackend() {
@@ -147,6 +149,20 @@ void SDLBackend::PixelScale(float* x, float* y) const {
         *x = static_cast<float>(dw) / static_cast<float>(ww);
         *y = static_cast<float>(dh) / static_cast<float>(wh);
     }
+}
+
+void SDLBackend::SetFollowDisplayScale(bool on) {
+    followDisplayScale_ = on;
+    applyDisplayScale();
+}
+
+void SDLBackend::applyDisplayScale() {
+    if (!followDisplayScale_ || !liveWindow())
+        return;
+    float x = 1.f, y = 1.f;
+    PixelScale(&x, &y);
+    detail::FollowDisplayScale(*manager_, x);
+    requested_ = true;
 }
 
 void SDLBackend::toPixels(float x, float y, int* px, int* py) const {
@@ -271,7 +287,10 @@ DrawFlags SDLBackend::dispatch(const SDL_Event& e) {
             // A minimised window reports 0 x 0; the overlay keeps its layers until it comes back.
             if (dw > 0 && dh > 0)
                 manager_->Resize(dw, dh);
+            applyDisplayScale();
             requested_ = true;
+        } else if (e.window.event == SDL_WINDOWEVENT_DISPLAY_CHANGED) {
+            applyDisplayScale();
         } else if (e.window.event == SDL_WINDOWEVENT_EXPOSED) {
             requested_ = true;
         }

@@ -74,6 +74,11 @@ public:
     GUIManager& Manager() { return *manager_; }
     /// Drawable pixels per window unit along x and y (1 except on HiDPI screens).
     void PixelScale(float* x, float* y) const;
+    /// While on (the default), the manager's display scale follows the drawable-to-window ratio, at
+    /// installation, on size changes and when the window moves to another display. Off leaves the
+    /// scale to the host; turning it on again applies the window's ratio at once.
+    void SetFollowDisplayScale(bool on);
+    bool GetFollowDisplayScale() const { return followDisplayScale_; }
 
     static constexpr int kWheelNotch = 120;
 
@@ -84,12 +89,14 @@ private:
     SDL_Window* liveWindow() const;
     GraphicsBase::DrawFlags dispatch(const SDL_Event& event);
     void toPixels(float x, float y, int* px, int* py) const;
+    void applyDisplayScale();
 
     uint32_t windowId_ = 0;
     void* context_;
     GUIManager* manager_;
     std::unique_ptr<GUIInputManager> input_;
     bool installed_ = false;
+    bool followDisplayScale_ = true;
     bool warnedGone_ = false;
     int lastX_ = 0;
     int lastY_ = 0;
