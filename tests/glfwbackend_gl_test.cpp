@@ -1,5 +1,6 @@
 // The GLFW backend in a hidden window: events reach the overlay through the callbacks it installed,
 // chained after the host's own. Skipped without a display (scripts/test.sh runs it under Xvfb).
+#include "support/followscale.h"
 #include "support/logcapture.h"
 
 #include <trelvogui/backends/glfw/glfwbackend.h>
@@ -13,7 +14,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -173,13 +173,7 @@ TEST_F(GLFWBackendTest, TheManagersScaleFollowsTheWindowsUnlessTheHostTurnsThatO
     GUI::GLFWBackend input(window, *manager);
     float content = 0.f, unused = 0.f;
     glfwGetWindowContentScale(window, &content, &unused);
-    const float windows = std::clamp(content, 0.5f, 4.f);
-    EXPECT_EQ(manager->GetDisplayScale(), windows);
-    input.SetFollowDisplayScale(false);
-    ASSERT_TRUE(manager->SetDisplayScale(2.5f));
-    EXPECT_EQ(manager->GetDisplayScale(), 2.5f);
-    input.SetFollowDisplayScale(true);
-    EXPECT_EQ(manager->GetDisplayScale(), windows);
+    trelvo::test::ExpectScaleFollowsWindow(*manager, input, content);
 }
 
 TEST_F(GLFWBackendTest, ABackendOutlivingGLFWLeavesTheDestroyedWindowAlone) {

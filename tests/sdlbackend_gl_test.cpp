@@ -1,5 +1,6 @@
 // The SDL backend in a hidden window: SDL events reach the overlay, those it leaves go to the host's
 // handlers, and misuse is refused. Skipped without a display (scripts/test.sh runs it under Xvfb).
+#include "support/followscale.h"
 #include "support/logcapture.h"
 
 #include <trelvogui/backends/sdl/sdlbackend.h>
@@ -10,7 +11,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <memory>
 
 using namespace GraphicsBase;
@@ -123,13 +123,7 @@ TEST_F(SDLBackendTest, TheManagersScaleFollowsTheWindowsUnlessTheHostTurnsThatOf
     GUI::SDLBackend input(window, context, *manager);
     float x = 0.f, y = 0.f;
     input.PixelScale(&x, &y);
-    const float windows = std::clamp(x, 0.5f, 4.f);
-    EXPECT_EQ(manager->GetDisplayScale(), windows);
-    input.SetFollowDisplayScale(false);
-    ASSERT_TRUE(manager->SetDisplayScale(2.5f));
-    EXPECT_EQ(manager->GetDisplayScale(), 2.5f);
-    input.SetFollowDisplayScale(true);
-    EXPECT_EQ(manager->GetDisplayScale(), windows);
+    trelvo::test::ExpectScaleFollowsWindow(*manager, input, x);
 }
 
 TEST_F(SDLBackendTest, AnUninitialisedManagerOrMissingContextIsRefused) {
