@@ -455,8 +455,9 @@ void DataSetRenderer::Draw(const ChartView& view, unsigned pid, unsigned sid) {
     const int columns = view.plot.Width();
     if (n == 0 || columns <= 0 || view.plot.Height() <= 0)
         return;
-    PathBuilder path(vertices_, view.plot, style_, lineWidth_ * view.pixelScale,
-                     markerSize_ * view.pixelScale);
+    // Widths and marks are given in pixels at display scale 1.
+    const float lineWidth = lineWidth_ * view.pixelScale, markerSize = markerSize_ * view.pixelScale;
+    PathBuilder path(vertices_, view.plot, style_, lineWidth, markerSize);
     const double lo = std::min(view.xMin, view.xMax), hi = std::max(view.xMin, view.xMax);
     // On a logarithmic y axis a sample that is not positive has no place: it is left out (said once).
     auto reportLog = [this] {
@@ -558,7 +559,7 @@ void DataSetRenderer::Draw(const ChartView& view, unsigned pid, unsigned sid) {
             GLint viewport[4] = {};
             glGetIntegerv(GL_VIEWPORT, viewport);
             GB_CHECK_GL("datasetrenderer");
-            const int pad = 3 + static_cast<int>(std::ceil(std::max(lineWidth_, markerSize_)));
+            const int pad = 3 + static_cast<int>(std::ceil(std::max(lineWidth, markerSize)));
             const int left = region->xMin - viewport[0] - view.plot.xMin - pad;
             const int right = region->xMax - viewport[0] - view.plot.xMin + pad;
             jFrom = std::clamp(reversed ? columns - right : left, 0, columns);
