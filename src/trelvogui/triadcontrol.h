@@ -12,10 +12,18 @@
 #include <cstdint>
 #include <memory>
 
+namespace GraphicsBase {
 class Camera;
+}
+namespace GraphicsBase {
 struct DirectionalLight;
+}
+namespace GraphicsBase {
 class GLSLProgram;
+}
+namespace GraphicsBase {
 class GLVertexBuffer;
+}
 
 /// A lit cube whose faces name the axis directions, drawn with the host camera's view rotation in a
 /// square viewport 10 pixels from the view's lower-left corner. Clicking a face moves the camera to
@@ -70,7 +78,8 @@ public:
     /// looking straight down or up the y axis.
     static glm::vec3 PartDirection(unsigned int part);
     static glm::vec3 PartUp(unsigned int part);
-    TriadControl(std::shared_ptr<Camera> camera, std::shared_ptr<DirectionalLight> light);
+    TriadControl(std::shared_ptr<GraphicsBase::Camera> camera,
+                 std::shared_ptr<GraphicsBase::DirectionalLight> light);
     /// Deletes the program, the geometry and the label texture (GL context current).
     ~TriadControl() override;
 
@@ -82,11 +91,11 @@ public:
     bool LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) override;
     /// Places the camera on the clicked part's side (or starts flying there); 17 for the 26 parts, 0
     /// (nothing done) for other ids and for a release that ends an orbiting drag.
-    DrawFlags OnClick(GUI::Event* e) override;
-    DrawFlags OnMouseDown(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnClick(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnMouseDown(GUI::Event* e) override;
     /// Orbits once the pointer has travelled a few pixels from the press: half a turn across the cube.
-    DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy) override;
-    DrawFlags OnCancelDrag(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy) override;
+    GraphicsBase::DrawFlags OnCancelDrag(GUI::Event* e) override;
     /// With the GL context current: builds "Triad.vs" + "Triad.fs", the cube from the embedded model
     /// and the label texture. False (and nothing drawn) when any step fails.
     virtual bool Initialize();
@@ -96,6 +105,8 @@ public:
     void SetMinimumSize(int pixels);
     /// The side the next draw uses for the current camera size.
     int Side() const;
+    /// The gap between the cube and the view's lower-left corner: 10 pixels times the display scale.
+    int Margin() const;
     unsigned int LabelTexture() const { return labelTexture_; }
 
     /// How long a click takes to bring the camera to its view, in seconds: 0 (the default) jumps at
@@ -109,8 +120,8 @@ public:
     void SetEdgesAndCorners(bool on);
     bool EdgesAndCorners() const { return edgesAndCorners_; }
 
-    const Camera* SceneCamera() const override { return camera_.get(); }
-    const DirectionalLight* SceneLight() const override { return light_.get(); }
+    const GraphicsBase::Camera* SceneCamera() const override { return camera_.get(); }
+    const GraphicsBase::DirectionalLight* SceneLight() const override { return light_.get(); }
 
 private:
     class FlightTicker;
@@ -121,10 +132,10 @@ private:
     /// One step of the flight at the clock's time; false once it has landed (or was stopped).
     bool advanceFlight();
 
-    std::shared_ptr<Camera> camera_;
-    std::shared_ptr<DirectionalLight> light_;
-    std::unique_ptr<GLSLProgram> program_;
-    std::unique_ptr<GLVertexBuffer> vertexBuffer_;
+    std::shared_ptr<GraphicsBase::Camera> camera_;
+    std::shared_ptr<GraphicsBase::DirectionalLight> light_;
+    std::unique_ptr<GraphicsBase::GLSLProgram> program_;
+    std::unique_ptr<GraphicsBase::GLVertexBuffer> vertexBuffer_;
     unsigned int labelTexture_ = 0;
     int minimumSize_ = 100;
     bool ready_ = false;
