@@ -356,6 +356,7 @@ int main(int argc, char** argv) {
         s.printCamera();
         triad->SetFlightTime(0.f);
         GUI::Clock::SetSource({});
+        s.orbit(35.f, 25.f); // back to the oblique view the later frames show
     }
 
     // The charts: the pointer over the spike of the million-sample trace reads it out (point index,
