@@ -46,7 +46,8 @@ const glm::ivec3 kPartSigns[TriadControl::kPartCount] = {
 };
 // Beyond this coordinate (the cube spans -0.5..0.5) a point of a face belongs to an edge band.
 constexpr float kEdgeBand = 0.35f;
-// The pointer travel, in pixels, before a press on the cube becomes an orbit rather than a click.
+// The pointer travel, in pixels at display scale 1, before a press on the cube becomes an orbit rather than a
+// click.
 constexpr int kOrbitThreshold = 4;
 constexpr float kHalfPi = 1.57079632679f;
 constexpr float kPi = 3.14159265359f;
@@ -405,8 +406,10 @@ DrawFlags TriadControl::OnMouseDrag(GUI::Event*, int dx, int dy) {
         return DRAW_NOTHING;
     if (drag_ == Drag::Cancelled)
         return DRAW_CONSUMED;
-    dragTravel_ = std::min(dragTravel_ + std::abs(dx) + std::abs(dy), kOrbitThreshold);
-    if (drag_ != Drag::Orbiting && dragTravel_ < kOrbitThreshold)
+    // The threshold is a hand's jitter: on a dense display it spans as many device pixels more.
+    const int threshold = static_cast<int>(std::lround(kOrbitThreshold * DisplayScale()));
+    dragTravel_ = std::min(dragTravel_ + std::abs(dx) + std::abs(dy), threshold);
+    if (drag_ != Drag::Orbiting && dragTravel_ < threshold)
         return DRAW_CONSUMED;
     const glm::vec3 target = camera_->Target();
     const glm::vec3 offset = camera_->Position() - target;
