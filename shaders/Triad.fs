@@ -20,6 +20,8 @@ uniform uint pid;
 uniform float edgeBand;
 // The part of each sign triple, indexed 9 (x + 1) + 3 (y + 1) + z + 1.
 uniform int partOfSigns[27];
+// The edge or corner the pointer is over, -1 for none.
+uniform int hoverPart;
 
 layout(location = 0) out vec4 fragColor;
 layout(location = 1) out uvec4 fragIds;
@@ -42,10 +44,14 @@ void main() {
     vec3 shade = max(lighting / max(surface.rgb, vec3(0.01)), vec3(0.45));
     vec3 rgb = label * shade + material.specular.rgb * light.specular.rgb * specular * 0.4;
 
-    fragColor = vec4(Encode(clamp(rgb, 0.0, 1.0)), 1.0);
     // The face's own axis is always in the band; one more makes an edge, two more a corner.
     ivec3 signs = ivec3(greaterThan(cubePosition, vec3(edgeBand))) - ivec3(lessThan(cubePosition, vec3(-edgeBand)));
     int bands = abs(signs.x) + abs(signs.y) + abs(signs.z);
     int part = bands >= 2 ? partOfSigns[9 * (signs.x + 1) + 3 * (signs.y + 1) + signs.z + 1] : faceId;
+    // The edge or corner under the pointer lights up, showing where it begins.
+    if (part == hoverPart)
+        rgb = mix(rgb, vec3(1.0, 0.7, 0.25), 0.45);
+
+    fragColor = vec4(Encode(clamp(rgb, 0.0, 1.0)), 1.0);
     fragIds = uvec4(pid, uint(part), 0u, 0u);
 }

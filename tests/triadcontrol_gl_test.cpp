@@ -259,6 +259,27 @@ TEST_F(TriadTest, EdgesAndCornersAreClickableViewsOfTheirOwn) {
     }
     EXPECT_EQ(TriadControl::PartDirection(TriadControl::kPartCount), glm::vec3(0.f));
 
+    // An edge or corner under the pointer lights up, only while the pointer is over it; faces never.
+    GUI::GUIManager::PartLocation corner;
+    ASSERT_TRUE(manager->Locate(triad.get(), TriadControl::kCornerMinusXMinusYMinusZ, corner));
+    const glm::ivec2 at(corner.overlayPixel.x, corner.overlayPixel.y);
+    const auto colour = [&] { return trelvo::test::ReadLayers(*manager, 128, 128).Color(at.x, at.y); };
+    const auto hoverAt = [&](glm::ivec2 pointer) {
+        const int row = manager->HostRow(pointer.y);
+        Move(pointer.x, row, pointer.x, row);
+        manager->UpdateLayers();
+    };
+    hoverAt({200, 200}); // off the cube: nothing lit
+    const auto plain = colour();
+    GUI::GUIManager::PartLocation side;
+    ASSERT_TRUE(manager->Locate(triad.get(), TriadControl::kFaceMinusX, side));
+    for (const glm::ivec2 pointer :
+         {at, glm::ivec2(side.overlayPixel.x, side.overlayPixel.y), at, glm::ivec2(200, 200)}) {
+        hoverAt(pointer);
+        EXPECT_EQ(triad->HoveredPart() == TriadControl::kCornerMinusXMinusYMinusZ, pointer == at);
+        EXPECT_EQ(colour() != plain, pointer == at) << pointer.x;
+    }
+
     LookFrom({3.f, 4.f, 5.f});
     triad->SetEdgesAndCorners(false);
     manager->UpdateLayers();

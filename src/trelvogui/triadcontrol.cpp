@@ -317,6 +317,11 @@ void TriadControl::DrawCustom() {
         GB_CHECK_GL(kFile);
     }
     // Switched off, no coordinate but the face's own reaches the band: every pixel keeps its face id.
+    location = UniformLocationQuiet(program, "hoverPart");
+    if (location != -1) {
+        glUniform1i(location, hoveredPart_ < kPartCount ? static_cast<GLint>(hoveredPart_) : -1);
+        GB_CHECK_GL(kFile);
+    }
     location = UniformLocationQuiet(program, "edgeBand");
     if (location != -1) {
         glUniform1f(location, edgesAndCorners_ ? kEdgeBand : 1.f);
@@ -452,4 +457,29 @@ void TriadControl::moveCamera(const glm::vec3& position, const glm::vec3& up) {
     // rather than only when the host passes the news on.
     if (GUI::GUIManager* manager = Manager())
         manager->SetCameraUpdated(true);
+}
+
+bool TriadControl::hover(unsigned int part) {
+    // Faces look as they always have; the edges and corners, new targets, show where they begin.
+    if (part < kEdgePlusXPlusY || part >= kPartCount || !Enabled())
+        part = kPartCount;
+    if (part == hoveredPart_)
+        return false;
+    hoveredPart_ = part;
+    SetNeedsRedraw(true);
+    return true;
+}
+
+DrawFlags TriadControl::OnMouseEnter(GUI::Event* e) {
+    hover(e ? e->sid : kPartCount);
+    return Base::OnMouseEnter(e);
+}
+
+DrawFlags TriadControl::OnMouseHover(GUI::Event* e) {
+    return hover(e ? e->sid : kPartCount) ? DRAW_OVERLAY : DRAW_NOTHING;
+}
+
+DrawFlags TriadControl::OnMouseExit(GUI::Event* e) {
+    hover(kPartCount);
+    return Base::OnMouseExit(e);
 }

@@ -96,6 +96,13 @@ public:
     /// Orbits once the pointer has travelled a few pixels from the press: half a turn across the cube.
     GraphicsBase::DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy) override;
     GraphicsBase::DrawFlags OnCancelDrag(GUI::Event* e) override;
+    /// The edge or corner under the pointer is drawn lit up (faces are not; none after the pointer
+    /// leaves).
+    GraphicsBase::DrawFlags OnMouseEnter(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnMouseHover(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnMouseExit(GUI::Event* e) override;
+    /// The lit-up edge or corner, kPartCount for none.
+    unsigned int HoveredPart() const { return hoveredPart_; }
     /// With the GL context current: builds "Triad.vs" + "Triad.fs", the cube from the embedded model
     /// and the label texture. False (and nothing drawn) when any step fails.
     virtual bool Initialize();
@@ -131,6 +138,8 @@ private:
     void place(const glm::quat& orientation, float distance);
     /// One step of the flight at the clock's time; false once it has landed (or was stopped).
     bool advanceFlight();
+    /// Takes the event's part as the lit-up one; true when that changed.
+    bool hover(unsigned int part);
 
     std::shared_ptr<GraphicsBase::Camera> camera_;
     std::shared_ptr<GraphicsBase::DirectionalLight> light_;
@@ -140,6 +149,7 @@ private:
     int minimumSize_ = 100;
     bool ready_ = false;
     bool edgesAndCorners_ = true;
+    unsigned int hoveredPart_ = kPartCount;
 
     float flightSeconds_ = 0.f;
     GUI::Animation::EasingFunction easing_ = GUI::Animation::CubicEaseInOut;
