@@ -1,6 +1,10 @@
 // Costs of the view-orientation cube and the light widget: a layer update with one of them stale, and
 // reading the cube's model.
+#include <trelvogui/gui/animationsequence.h>
+#include <trelvogui/gui/button.h>
+#include <trelvogui/gui/guiclock.h>
 #include <trelvogui/gui/guimanager.h>
+#include <trelvogui/gui/label.h>
 #include <trelvogui/gui/panel.h>
 #include <trelvogui/lightcontrol.h>
 #include <trelvogui/triadcontrol.h>
@@ -16,7 +20,9 @@
 
 #include <GL/glew.h>
 
+#include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 using namespace GraphicsBase;
@@ -81,6 +87,80 @@ void BM_LayerUpdateLightWidgetStale(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_LayerUpdateLightWidgetStale)->Unit(benchmark::kMicrosecond);
+
+/// The cube and the light widget beside the peer benchmark's 100 buttons (four panels of 25), on a
+/// clock the benchmark advances by one 16 ms frame per iteration.
+struct ButtonScene : Scene {
+    std::vector<std::unique_ptr<GUI::Controls::Panel>> panels;
+    std::vector<std::unique_ptr<GUI::Controls::Button>> buttons;
+    uint64_t now = 1000;
+
+    bool Build() {
+        GUI::Clock::SetSource([this] { return now; });
+        if (!Scene::Build())
+            return false;
+        for (int p = 0; p < 4; ++p) {
+            auto box = std::make_unique<GUI::Controls::Panel>();
+            box->SetRectangle(
+                {450 + 200 * (p % 2), 646 + 200 * (p % 2), 200 + 200 * (p / 2), 396 + 200 * (p / 2)});
+            for (int i = 0; i < 25; ++i) {
+                auto button = std::make_unique<GUI::Controls::Button>();
+                const int x = 4 + 38 * (i % 5), y = 4 + 38 * (i / 5);
+                button->SetRectangle({x, x + 34, y, y + 20});
+                button->GetLabel()->SetFontSize(13);
+                button->SetText(L"B" + std::to_wstring(25 * p + i));
+                box->AddChild(button.get());
+                buttons.push_back(std::move(button));
+            }
+            box->Register(manager);
+            panels.push_back(std::move(box));
+        }
+        manager->UpdateLayers();
+        glFinish();
+        return true;
+    }
+    ~ButtonScene() { GUI::Clock::SetSource({}); }
+};
+
+/// One frame: the clock moves on 16 ms, the layers are brought up to date and finished.
+void Frame(ButtonScene& scene) {
+    scene.now += 16;
+    scene.manager->UpdateLayers();
+    glFinish();
+}
+
+/// The three kinds of frame compared in one run (ratios, the machine being noisy): the host moved its
+/// camera (the cube and the widgets that follow it are redrawn), the cube flies the camera to a view
+/// (which must cost the same), and a panel moves under an animation (the whole overlay is redrawn).
+void BM_FrameWith100Buttons(benchmark::State& state) {
+    if (!BenchContext().Valid())
+        return state.SkipWithError("no GL context");
+    ButtonScene scene;
+    if (!scene.Build())
+        return state.SkipWithError("widgets did not initialise");
+    const int kind = static_cast<int>(state.range(0));
+    scene.triad.SetFlightTime(10.f);
+    GUI::Event click;
+    unsigned part = TriadControl::kCornerPlusXPlusYPlusZ;
+    for (auto _ : state) {
+        if (kind == 0) {
+            scene.camera->SetPosition(scene.camera->Position() * 1.0001f);
+            scene.camera->CalcMatrices();
+        } else if (kind == 1 && !scene.triad.Flying()) {
+            click.sid = part = part == TriadControl::kCornerPlusXPlusYPlusZ
+                                   ? TriadControl::kCornerMinusXMinusYMinusZ
+                                   : TriadControl::kCornerPlusXPlusYPlusZ;
+            scene.triad.OnClick(&click);
+        } else if (kind == 2 && !scene.manager->NeedsRedrawForAnimation()) {
+            auto* slide = new GUI::Animation::Sequence(scene.panels[0].get(), 100.f);
+            slide->Start();
+            scene.manager->AddAnimation(slide);
+        }
+        Frame(scene);
+    }
+    state.SetLabel(kind == 0 ? "camera moved" : kind == 1 ? "cube flight" : "panel animation");
+}
+BENCHMARK(BM_FrameWith100Buttons)->Arg(0)->Arg(1)->Arg(2)->Unit(benchmark::kMicrosecond);
 
 /// Parsing the embedded cube model (12 triangles) into vertex records.
 void BM_ObjReaderCubeModel(benchmark::State& state) {

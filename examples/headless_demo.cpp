@@ -6,6 +6,7 @@
 #include "skinsheet.h"
 
 #include <trelvogui/gui/button.h>
+#include <trelvogui/gui/guiclock.h>
 #include <trelvogui/gui/panel.h>
 #include <trelvogui/gui/switchbutton.h>
 #include <trelvogui/lightcontrol.h>
@@ -104,11 +105,11 @@ struct Session {
             p.x, p.y, p.z, angle, axis.x, axis.y, axis.z, s.x, s.y, s.z,
             gizmo->rotatonIncrementOn() ? "on" : "off");
     }
-    /// Where the orientation cube shows one of its faces, in host pixels; exits when it is hidden.
+    /// Where the orientation cube shows one of its parts, in host pixels; exits when it is hidden.
     glm::ivec2 face(unsigned number) {
         int x = 0, y = 0;
         if (!host.FindPart(host.Triad()->GetId(), number, x, y)) {
-            std::printf("face %u of the orientation cube is not visible\n", number);
+            std::printf("part %u of the orientation cube is not visible\n", number);
             std::exit(1);
         }
         return {x, y};
@@ -332,6 +333,31 @@ int main(int argc, char** argv) {
     std::printf("the host orbits back to an oblique view of the re-lit scene:\n");
     s.printCamera();
     s.snapshot("relit-oblique");
+
+    // With a flight time the cube flies the camera to the clicked view; the demo holds the animation
+    // clock still so that it can show the flight halfway and landed.
+    {
+        uint64_t clock = GUI::Clock::Ticks();
+        GUI::Clock::SetSource([&clock] { return clock; });
+        TriadControl* triad = s.host.Triad();
+        triad->SetFlightTime(0.6f, GUI::Animation::CubicEaseInOut);
+        s.host.RenderFrame(s.angle); // the pointer finds what the layers hold
+        glm::ivec2 at = s.face(TriadControl::kCornerMinusXPlusYPlusZ);
+        s.click(at.x, at.y);
+        s.flush("click the orientation cube's -X +Y +Z corner (host " + std::to_string(at.x) + ", " +
+                std::to_string(at.y) + "), flying there in 0.6 s:");
+        clock += 300;
+        s.snapshot("cube-corner-mid-flight", true);
+        std::printf("halfway:\n");
+        s.printCamera();
+        clock += 300;
+        s.snapshot("cube-corner-landed", true);
+        std::printf("landed:\n");
+        s.printCamera();
+        triad->SetFlightTime(0.f);
+        GUI::Clock::SetSource({});
+        s.orbit(35.f, 25.f); // back to the oblique view the later frames show
+    }
 
     // The charts: the pointer over the spike of the million-sample trace reads it out (point index,
     // values and the statistics of what is in view); the wheel there zooms in about it.

@@ -16,6 +16,7 @@ out vec2 uv;
 out vec3 eyeNormal;
 out vec4 surface;
 flat out int faceId;
+out vec3 cubePosition;
 
 // The cube's corners reach sqrt(3)/2 from its centre; this margin keeps them inside the square.
 const float kExtent = 0.9;
@@ -26,5 +27,6 @@ void main() {
     eyeNormal = NormalMatrix * normal;
     surface = color;
     faceId = face;
+    cubePosition = position;
     gl_Position = vec4(eye.xy / kExtent, -eye.z / kExtent, 1.0);
 }

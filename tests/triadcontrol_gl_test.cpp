@@ -3,6 +3,7 @@
 #include "support/layerpixels.h"
 #include "support/overlayfixture.h"
 
+#include <trelvogui/gui/easing.h>
 #include <trelvogui/gui/panel.h>
 #include <trelvogui/triadcontrol.h>
 
@@ -14,6 +15,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include <GL/glew.h>
 
@@ -63,6 +65,21 @@ protected:
         return {static_cast<int>(std::lround(p.x)), static_cast<int>(std::lround(p.y))};
     }
     bool Visible(int face) const { return (glm::mat3(camera->ViewMatrix()) * kNormals[face]).z > 0.3f; }
+    /// Clicks where `part` is drawn now (through the id layer); false when it is not drawn.
+    bool ClickPart(unsigned part) {
+        GUI::GUIManager::PartLocation where;
+        if (!manager->Locate(triad.get(), part, where))
+            return false;
+        now += 1000;
+        Click(where.overlayPixel.x, where.overlayPixel.y);
+        return true;
+    }
+    /// The camera sits `distance` from `target` along `direction` with an upright up vector there.
+    void ExpectView(glm::vec3 target, float distance, glm::vec3 direction, glm::vec3 up) const {
+        EXPECT_NEAR(glm::distance(camera->Position(), target + distance * direction), 0.f, 1e-4f);
+        EXPECT_NEAR(glm::distance(camera->UpVector(), up), 0.f, 1e-5f);
+        EXPECT_EQ(camera->Target(), target);
+    }
 
     std::shared_ptr<Camera> camera;
     std::shared_ptr<DirectionalLight> light;
@@ -170,7 +187,7 @@ TEST_F(TriadTest, OnClickReturns17ForFacesAndIgnoresOtherPartIds) {
     EXPECT_NEAR(glm::distance(camera->Position(), glm::vec3(0.f, 7.f, 0.f)), 0.f, 1e-5f);
     EXPECT_EQ(camera->UpVector(), glm::vec3(0.f, 0.f, -1.f));
     const glm::mat4 view = camera->ViewMatrix();
-    for (unsigned sid : {6u, 7u, 0xFFFFFFFFu}) {
+    for (unsigned sid : {26u, 0xFFFFFFFFu}) {
         e.sid = sid;
         EXPECT_EQ(triad->OnClick(&e), DRAW_NOTHING);
     }
@@ -217,4 +234,177 @@ TEST_F(TriadTest, ALabelImageThatDoesNotDecodeFailsInitialisation) {
     triad->Register(manager);
     manager->UpdateLayers();
     EXPECT_EQ(PidAt(60, 60), 0u) << "an incomplete cube is not drawn";
+}
+
+// Every edge and corner, seen mostly along its own diagonal, is drawn with its own part id, and a
+// click there looks along that diagonal upright (no roll; -z up only straight down the y axis); the
+// clicked part then sits in the middle of the cube. Switched off, the faces cover the cube again.
+TEST_F(TriadTest, EdgesAndCornersAreClickableViewsOfTheirOwn) {
+    const glm::vec3 target(1.f, -2.f, 0.5f);
+    Add();
+    for (unsigned part = TriadControl::kEdgePlusXPlusY; part < TriadControl::kPartCount; ++part) {
+        SCOPED_TRACE("part " + std::to_string(part));
+        const glm::vec3 direction = TriadControl::PartDirection(part), up = TriadControl::PartUp(part);
+        EXPECT_NEAR(glm::dot(direction, up), 0.f, 1e-6f);
+        EXPECT_GT(up.y, 0.f) << "no edge or corner view is upside down";
+        LookFrom(7.f * glm::normalize(2.f * direction + glm::vec3(0.3f, 0.35f, 0.25f)), target);
+        manager->UpdateLayers();
+        ASSERT_TRUE(ClickPart(part));
+        ExpectView(target, 7.f, direction, up);
+        manager->UpdateLayers();
+        GUI::GUIManager::PartLocation where;
+        ASSERT_TRUE(manager->Locate(triad.get(), part, where));
+        EXPECT_NEAR(where.overlayPixel.x, 60, 3);
+        EXPECT_NEAR(where.overlayPixel.y, 60, 3);
+    }
+    EXPECT_EQ(TriadControl::PartDirection(TriadControl::kPartCount), glm::vec3(0.f));
+
+    // An edge or corner under the pointer lights up, only while the pointer is over it; faces never.
+    GUI::GUIManager::PartLocation corner;
+    ASSERT_TRUE(manager->Locate(triad.get(), TriadControl::kCornerMinusXMinusYMinusZ, corner));
+    const glm::ivec2 at(corner.overlayPixel.x, corner.overlayPixel.y);
+    const auto colour = [&] { return trelvo::test::ReadLayers(*manager, 128, 128).Color(at.x, at.y); };
+    const auto hoverAt = [&](glm::ivec2 pointer) {
+        const int row = manager->HostRow(pointer.y);
+        Move(pointer.x, row, pointer.x, row);
+        manager->UpdateLayers();
+    };
+    hoverAt({200, 200}); // off the cube: nothing lit
+    const auto plain = colour();
+    GUI::GUIManager::PartLocation side;
+    ASSERT_TRUE(manager->Locate(triad.get(), TriadControl::kFaceMinusX, side));
+    for (const glm::ivec2 pointer :
+         {at, glm::ivec2(side.overlayPixel.x, side.overlayPixel.y), at, glm::ivec2(200, 200)}) {
+        hoverAt(pointer);
+        EXPECT_EQ(triad->HoveredPart() == TriadControl::kCornerMinusXMinusYMinusZ, pointer == at);
+        EXPECT_EQ(colour() != plain, pointer == at) << pointer.x;
+    }
+
+    LookFrom({3.f, 4.f, 5.f});
+    triad->SetEdgesAndCorners(false);
+    manager->UpdateLayers();
+    GUI::GUIManager::PartLocation all, face;
+    ASSERT_TRUE(manager->Locate(triad.get(), GUI::GUIManager::kAnyPart, all));
+    int faces = 0;
+    for (unsigned f : {TriadControl::kFacePlusX, TriadControl::kFacePlusY, TriadControl::kFacePlusZ})
+        faces += manager->Locate(triad.get(), f, face) ? face.pixels : 0;
+    EXPECT_EQ(faces, all.pixels) << "without edges and corners the three faces cover the cube";
+}
+
+// A drag orbits about the target once past a few pixels of travel, keeps the distance and the
+// camera upright, stops at the pole without flipping, and its release is no click; Escape or another
+// button puts the camera back and the rest of that drag does nothing.
+TEST_F(TriadTest, ADragOrbitsUprightUpToThePoleAndEscapePutsItBack) {
+    const glm::vec3 target(1.f, -2.f, 0.5f);
+    LookFrom({0.f, 0.f, 7.f}, target);
+    Add();
+    const int x = 60, y = 256 - 60;
+    auto upright = [&] {
+        const glm::vec3 d = glm::normalize(camera->Position() - target), up = camera->UpVector();
+        EXPECT_NEAR(glm::length(camera->Position() - target), 7.f, 1e-4f);
+        EXPECT_NEAR(glm::dot(d, up), 0.f, 1e-5f);
+        EXPECT_NEAR(glm::length(up), 1.f, 1e-5f);
+        EXPECT_GE(up.y, -1e-6f) << "never over the pole";
+        return d;
+    };
+    Press(x, y);
+    Move(x + 2, y, x, y, 1);
+    EXPECT_EQ(camera->Position(), target + glm::vec3(0.f, 0.f, 7.f)) << "a jitter is still a click";
+    Move(x + 30, y, x + 2, y, 1);
+    glm::vec3 d = upright();
+    EXPECT_LT(d.x, -0.5f) << "the cube follows the pointer: the camera goes left";
+    Move(x + 30, y - 400, x + 30, y, 1); // far upward: the camera goes under, to the pole
+    d = upright();
+    EXPECT_NEAR(d.y, -1.f, 1e-5f);
+    Move(x + 60, y - 500, x + 30, y - 400, 1);
+    d = upright();
+    EXPECT_NEAR(d.y, -1.f, 1e-5f) << "a turn at the pole stays there";
+    Move(x + 60, y - 450, x + 60, y - 500, 1);
+    EXPECT_GT(upright().y, -0.99f) << "and comes back the way it went";
+    Release(x + 60, y - 450); // within the click window, over no part: no click either
+    upright();
+
+    VX_UI::KeyEvent escape;
+    escape.key = 27;
+    for (bool key : {true, false}) {
+        SCOPED_TRACE(key ? "escape" : "another button");
+        manager->UpdateLayers();
+        const glm::vec3 position = camera->Position(), up = camera->UpVector();
+        now += 1000;
+        Press(x, y);
+        Move(x + 40, y + 10, x, y, 1);
+        ASSERT_NE(camera->Position(), position);
+        const DrawFlags flags = key ? manager->keyPress(&escape) : Press(x + 40, y + 10, 3);
+        EXPECT_EQ(flags & DRAW_TRIAD_FACE, DRAW_TRIAD_FACE);
+        EXPECT_EQ(camera->Position(), position);
+        EXPECT_EQ(camera->UpVector(), up);
+        Move(x, y, x + 40, y + 10, 1);
+        Release(x, y);
+        EXPECT_EQ(camera->Position(), position) << "the rest of a cancelled drag and its release";
+    }
+}
+
+// With a flight time a click starts a flight the manager's clock drives: the camera leaves at the
+// next update, keeps its distance, passes the middle at half time (the easing's middle) with the host
+// asked for every frame, and lands exactly where an instant click goes. A click mid-flight retargets
+// from where the camera is; deleting the cube mid-flight is safe.
+TEST_F(TriadTest, AFlightEasesToTheViewRetargetsWithoutAJumpAndLandsExactly) {
+    const float bad[] = {-0.1f, 10.5f, std::numeric_limits<float>::quiet_NaN(),
+                         std::numeric_limits<float>::infinity()};
+    testing::internal::CaptureStdout();
+    for (float seconds : bad)
+        EXPECT_FALSE(triad->SetFlightTime(seconds));
+    EXPECT_FALSE(triad->SetFlightTime(1.f, nullptr));
+    const std::string out = testing::internal::GetCapturedStdout();
+    EXPECT_NE(out.find("TriadControl::SetFlightTime(): -0.1 seconds is outside 0 to 10; kept 0\n"),
+              std::string::npos);
+    EXPECT_EQ(triad->FlightTime(), 0.f);
+    ASSERT_TRUE(triad->SetFlightTime(0.4f, GUI::Animation::LinearInterpolation));
+
+    const glm::vec3 target(1.f, -2.f, 0.5f), start = target + glm::vec3(0.f, 0.f, 7.f);
+    LookFrom(start - target, target);
+    Add();
+    const unsigned corner = TriadControl::kCornerPlusXPlusYPlusZ;
+    ASSERT_TRUE(ClickPart(corner));
+    EXPECT_TRUE(triad->Flying());
+    EXPECT_EQ(camera->Position(), start) << "nothing moves before the next frame";
+    const glm::vec3 end = TriadControl::PartDirection(corner);
+    auto angle = [&](glm::vec3 a, glm::vec3 b) {
+        return std::acos(std::clamp(glm::dot(glm::normalize(a), glm::normalize(b)), -1.f, 1.f));
+    };
+    now += 200;
+    manager->UpdateLayers();
+    EXPECT_TRUE(manager->NeedsRedraw()) << "the host is asked for the next frame";
+    glm::vec3 d = camera->Position() - target;
+    EXPECT_NEAR(glm::length(d), 7.f, 1e-4f);
+    const float total = angle(start - target, end);
+    for (glm::vec3 from : {start - target, end}) {
+        EXPECT_GT(angle(d, from), 0.3f * total);
+        EXPECT_LT(angle(d, from), 0.7f * total);
+    }
+
+    // Retarget to the +x face from the middle of the flight.
+    const glm::vec3 middle = camera->Position();
+    ASSERT_TRUE(ClickPart(TriadControl::kFacePlusX));
+    EXPECT_EQ(camera->Position(), middle);
+    now += 100;
+    manager->UpdateLayers();
+    const float moved = glm::distance(camera->Position(), middle);
+    EXPECT_GT(moved, 0.f);
+    EXPECT_LT(moved, 0.5f * glm::distance(middle, target + glm::vec3(7.f, 0.f, 0.f)))
+        << "a quarter of the way on from where the camera was";
+    now += 300;
+    manager->UpdateLayers();
+    EXPECT_FALSE(triad->Flying());
+    ExpectView(target, 7.f, {1.f, 0.f, 0.f}, {0.f, 1.f, 0.f});
+    manager->UpdateLayers();
+    EXPECT_FALSE(manager->NeedsRedraw()) << "landed: no more frames asked for";
+
+    ASSERT_TRUE(ClickPart(corner));
+    now += 100;
+    manager->UpdateLayers();
+    triad.reset();
+    now += 100;
+    manager->UpdateLayers();
+    EXPECT_FALSE(manager->NeedsRedraw());
 }

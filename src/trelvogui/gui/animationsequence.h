@@ -48,6 +48,10 @@ public:
     virtual bool SetRotationFunction(EasingFunction f);
     virtual bool SetScaleFunction(EasingFunction f);
     virtual bool SetAlphaFunction(EasingFunction f);
+    /// Whether the sequence moves or fades its control through the animation frame (the default). One
+    /// that only drives something the control draws (a camera it follows) says false, and the
+    /// manager then redraws just what is stale instead of the whole overlay.
+    virtual bool MovesControl() const { return true; }
 
 protected:
     uint64_t startTime_ = 0;

@@ -347,7 +347,8 @@ void GUIManager::updateLayers() {
     uint64_t t0 = GUI::Clock::Ticks();
     updating_ = true;
     // Animations move and fade roots through their frames without marking them: redraw whole.
-    const bool animating = !animations_.empty();
+    const bool animating = std::any_of(animations_.begin(), animations_.end(),
+                                       [](GUI::Animation::Sequence* s) { return s && s->MovesControl(); });
 
     // A sequence may be cancelled while the sequences run (its control deleted by one of them): the
     // cancelled ones are only unlisted here and deleted after the loop.
