@@ -140,6 +140,7 @@ void BM_FrameWith100Buttons(benchmark::State& state) {
         return state.SkipWithError("widgets did not initialise");
     const int kind = static_cast<int>(state.range(0));
     scene.triad.SetFlightTime(10.f);
+    scene.triad.SetEdgesAndCorners(true);
     GUI::Event click;
     unsigned part = TriadControl::kCornerPlusXPlusYPlusZ;
     for (auto _ : state) {

@@ -341,6 +341,8 @@ int main(int argc, char** argv) {
         GUI::Clock::SetSource([&clock] { return clock; });
         TriadControl* triad = s.host.Triad();
         triad->SetFlightTime(0.6f, GUI::Animation::CubicEaseInOut);
+        triad->SetEdgesAndCorners(true);
+        triad->SetDragOrbits(true);
         s.host.RenderFrame(s.angle); // the pointer finds what the layers hold
         glm::ivec2 at = s.face(TriadControl::kCornerMinusXPlusYPlusZ);
         s.click(at.x, at.y);

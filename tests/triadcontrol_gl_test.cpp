@@ -241,6 +241,7 @@ TEST_F(TriadTest, ALabelImageThatDoesNotDecodeFailsInitialisation) {
 // clicked part then sits in the middle of the cube. Switched off, the faces cover the cube again.
 TEST_F(TriadTest, EdgesAndCornersAreClickableViewsOfTheirOwn) {
     const glm::vec3 target(1.f, -2.f, 0.5f);
+    triad->SetEdgesAndCorners(true);
     Add();
     for (unsigned part = TriadControl::kEdgePlusXPlusY; part < TriadControl::kPartCount; ++part) {
         SCOPED_TRACE("part " + std::to_string(part));
@@ -297,6 +298,7 @@ TEST_F(TriadTest, EdgesAndCornersAreClickableViewsOfTheirOwn) {
 TEST_F(TriadTest, ADragOrbitsUprightUpToThePoleAndEscapePutsItBack) {
     const glm::vec3 target(1.f, -2.f, 0.5f);
     LookFrom({0.f, 0.f, 7.f}, target);
+    triad->SetDragOrbits(true);
     Add();
     const int x = 60, y = 256 - 60;
     auto upright = [&] {
@@ -363,6 +365,7 @@ TEST_F(TriadTest, AFlightEasesToTheViewRetargetsWithoutAJumpAndLandsExactly) {
 
     const glm::vec3 target(1.f, -2.f, 0.5f), start = target + glm::vec3(0.f, 0.f, 7.f);
     LookFrom(start - target, target);
+    triad->SetEdgesAndCorners(true);
     Add();
     const unsigned corner = TriadControl::kCornerPlusXPlusYPlusZ;
     ASSERT_TRUE(ClickPart(corner));

@@ -406,7 +406,9 @@ DrawFlags TriadControl::OnMouseDown(GUI::Event* e) {
     return Base::OnMouseDown(e);
 }
 
-DrawFlags TriadControl::OnMouseDrag(GUI::Event*, int dx, int dy) {
+DrawFlags TriadControl::OnMouseDrag(GUI::Event* event, int dx, int dy) {
+    if (!dragOrbits_)
+        return Base::OnMouseDrag(event, dx, dy);
     if (!Enabled() || !camera_)
         return DRAW_NOTHING;
     if (drag_ == Drag::Cancelled)

@@ -122,10 +122,14 @@ public:
     bool SetFlightTime(float seconds, GUI::Animation::EasingFunction easing = GUI::Animation::CubicEaseInOut);
     float FlightTime() const { return flightSeconds_; }
     bool Flying() const { return flying_; }
-    /// Whether edges and corners pick as parts of their own (default true); off, the whole face
-    /// writes its face id as the cube always did.
+    /// Whether edges and corners pick as parts of their own, taking the 20 diagonal views (default
+    /// off: the whole face writes its face id, as the cube always did).
     void SetEdgesAndCorners(bool on);
     bool EdgesAndCorners() const { return edgesAndCorners_; }
+    /// Whether a drag on the cube orbits the camera about its target (default off: a drag does what
+    /// it did, and its release over the cube still clicks).
+    void SetDragOrbits(bool on) { dragOrbits_ = on; }
+    bool DragOrbits() const { return dragOrbits_; }
 
     const GraphicsBase::Camera* SceneCamera() const override { return camera_.get(); }
     const GraphicsBase::DirectionalLight* SceneLight() const override { return light_.get(); }
@@ -148,7 +152,8 @@ private:
     unsigned int labelTexture_ = 0;
     int minimumSize_ = 100;
     bool ready_ = false;
-    bool edgesAndCorners_ = true;
+    bool edgesAndCorners_ = false;
+    bool dragOrbits_ = false;
     unsigned int hoveredPart_ = kPartCount;
 
     float flightSeconds_ = 0.f;
