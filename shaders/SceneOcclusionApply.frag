@@ -5,7 +5,7 @@
 #include "SceneDepth.glsl"
 
 uniform sampler2D ColorTexture;
-// Occlusion in r, linear depth in g.
+// Occlusion in r, linear depth in g (-1 where nothing was drawn).
 uniform sampler2D OcclusionTexture;
 uniform ivec2 ViewportOrigin;
 // Scene pixels per viewport pixel.
@@ -16,8 +16,6 @@ uniform bool ShowOcclusion;
 layout(location = 0) out vec4 fragColor;
 
 float upsampled(ivec2 p, float depth) {
-    if (Scale == 1)
-        return texelFetch(OcclusionTexture, p, 0).r;
     ivec2 size = textureSize(OcclusionTexture, 0);
     ivec2 own = min(p / 2, size - 1);
     // The neighbours on the side of the block this pixel sits on, with bilinear weights.
@@ -45,7 +43,11 @@ float upsampled(ivec2 p, float depth) {
 void main() {
     ivec2 p = ivec2((gl_FragCoord.xy - vec2(ViewportOrigin)) * ViewportScale);
     vec4 colour = texelFetch(ColorTexture, p, 0);
-    float depth = texelFetch(DepthTexture, p, 0).r;
-    float occlusion = IsBackground(depth) ? 1.0 : upsampled(p, depth);
+    // At full resolution the term is already 1 on background; depth is read only to upsample.
+    float occlusion = texelFetch(OcclusionTexture, p, 0).r;
+    if (Scale != 1) {
+        float depth = texelFetch(DepthTexture, p, 0).r;
+        occlusion = IsBackground(depth) ? 1.0 : upsampled(p, depth);
+    }
     fragColor = ShowOcclusion ? vec4(vec3(occlusion), 1.0) : vec4(colour.rgb * occlusion, colour.a);
 }

@@ -1,9 +1,9 @@
 #version 330 core
-// One direction of the depth-aware blur over the occlusion term. PatternSize taps span the rotation
-// pattern exactly, so two passes remove it; taps on another surface (far in depth) are left out, so
-// nothing bleeds across silhouettes.
+// One direction of the depth-aware blur over the occlusion term. PatternSize taps span the
+// interleaving tile exactly, so two passes gather every direction of it back into each pixel; taps
+// on another surface (far in depth) are left out, so nothing bleeds across silhouettes.
 
-// Occlusion in r, linear depth in g.
+// Occlusion in r, linear depth in g (-1 where nothing was drawn).
 uniform sampler2D OcclusionTexture;
 uniform ivec2 Direction;
 uniform int PatternSize;
@@ -14,7 +14,7 @@ void main() {
     ivec2 p = ivec2(gl_FragCoord.xy);
     ivec2 size = textureSize(OcclusionTexture, 0);
     vec2 centre = texelFetch(OcclusionTexture, p, 0).rg;
-    if (centre.y >= 1e29) {
+    if (centre.y < 0.0) {
         result = vec4(1.0, centre.y, 0.0, 1.0);
         return;
     }

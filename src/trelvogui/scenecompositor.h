@@ -96,6 +96,7 @@ private:
     void drawTriangle();
 
     std::shared_ptr<Camera> camera_;
+    std::unique_ptr<GLSLProgram> linearDepthProgram_;
     std::unique_ptr<GLSLProgram> occlusionProgram_;
     std::unique_ptr<GLSLProgram> blurProgram_;
     std::unique_ptr<GLSLProgram> applyProgram_;
@@ -108,9 +109,10 @@ private:
     unsigned int colorTexture_ = 0;
     unsigned int depthTexture_ = 0;
     unsigned int normalTexture_ = 0;
-    // Raw occlusion, then after the horizontal and the vertical blur.
-    unsigned int occlusionFramebuffers_[3] = {0, 0, 0};
-    unsigned int occlusionTextures_[3] = {0, 0, 0};
+    // At the occlusion resolution: linear depth, then the raw occlusion, then after the horizontal
+    // and the vertical blur.
+    unsigned int occlusionFramebuffers_[4] = {0, 0, 0, 0};
+    unsigned int occlusionTextures_[4] = {0, 0, 0, 0};
     int width_ = 0;
     int height_ = 0;
     int maxSize_ = 16384;
