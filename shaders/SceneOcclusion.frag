@@ -63,10 +63,12 @@ vec3 reconstructNormal(ivec2 q, vec3 centre, ivec2 size) {
     return normalize(cross(dx, dy));
 }
 
-// Ordered pattern: each value once per tile, neighbours far apart in value.
+// Ordered (Bayer) pattern: each value once per tile, neighbours far apart in value. Computed, not
+// looked up: an indexed constant array would live in memory on a software rasteriser.
 int pattern(ivec2 q) {
-    const int bayer[16] = int[16](0, 8, 2, 10, 12, 4, 14, 6, 3, 11, 1, 9, 15, 7, 13, 5);
-    return PatternSize == 4 ? bayer[(q.y & 3) * 4 + (q.x & 3)] : (q.y & 1) * 2 + ((q.x ^ q.y) & 1);
+    if (PatternSize == 2)
+        return ((q.x & 1) << 1) ^ ((q.y & 1) * 3);
+    return (((q.x & 1) << 1) ^ ((q.y & 1) * 3)) * 4 + ((((q.x >> 1) & 1) << 1) ^ (((q.y >> 1) & 1) * 3));
 }
 
 void main() {

@@ -27,6 +27,7 @@ constexpr GLuint kColorUnit = 4;
 constexpr GLuint kDepthUnit = 5;
 constexpr GLuint kNormalUnit = 6;
 constexpr GLuint kOcclusionUnit = 7;
+constexpr GLuint kLinearDepthUnit = 8;
 
 using GUI::Renderer::detail::UniformLocation;
 
@@ -46,10 +47,11 @@ GLuint makeTexture(GLenum internalFormat, GLenum format, GLenum type, int width,
     glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(internalFormat), width, height, 0, format, type,
                  nullptr);
     GB_CHECK_GL(kFile);
-    // Every pass reads with texelFetch; the filters matter only for completeness.
+    // The passes read with texelFetch, or gather blocks of texels clamped at the edges.
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-    GB_CHECK_GL(kFile);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
     GB_CHECK_GL(kFile);
     return texture;
 }
@@ -397,14 +399,16 @@ void SceneCompositor::occlusionPasses() {
     blurProgram_->begin();
     glUniform1i(UniformLocation(program, "OcclusionTexture"), kOcclusionUnit);
     glUniform1i(UniformLocation(program, "PatternSize"), patternSize);
-    for (int pass = 1; pass < 3; ++pass) {
+    // At full resolution the apply pass blurs along the second direction as it reads.
+    const int passes = builtHalf_ ? 2 : 1;
+    for (int pass = 1; pass <= passes; ++pass) {
         glBindFramebuffer(GL_DRAW_FRAMEBUFFER, occlusionFramebuffers_[pass + 1]);
         glBindTexture(GL_TEXTURE_2D, occlusionTextures_[pass]);
         glUniform2i(UniformLocation(program, "Direction"), pass == 1 ? 1 : 0, pass == 1 ? 0 : 1);
         GB_CHECK_GL(kFile);
         drawTriangle();
     }
-    glBindTexture(GL_TEXTURE_2D, occlusionTextures_[3]);
+    glBindTexture(GL_TEXTURE_2D, occlusionTextures_[passes + 1]);
     GB_CHECK_GL(kFile);
 }
 
@@ -453,9 +457,12 @@ bool SceneCompositor::EndScene(GUI::GUIManager* overlay) {
             GB_CHECK_GL(kFile);
             GL::GLScopedSetter textures(
                 GL::BindTexture2D{kColorUnit, colorTexture_}, GL::BindTexture2D{kDepthUnit, depthTexture_},
-                GL::BindTexture2D{kNormalUnit, normalTexture_}, GL::BindTexture2D{kOcclusionUnit, 0});
+                GL::BindTexture2D{kNormalUnit, normalTexture_}, GL::BindTexture2D{kOcclusionUnit, 0},
+                GL::BindTexture2D{kLinearDepthUnit, 0});
             occlusionPasses();
 
+            glActiveTexture(GL_TEXTURE0 + kLinearDepthUnit);
+            glBindTexture(GL_TEXTURE_2D, occlusionTextures_[0]);
             glBindFramebuffer(GL_DRAW_FRAMEBUFFER, hostDraw);
             glViewport(v[0], v[1], v[2], v[3]);
             GB_CHECK_GL(kFile);
@@ -464,6 +471,8 @@ bool SceneCompositor::EndScene(GUI::GUIManager* overlay) {
             glUniform1i(UniformLocation(program, "ColorTexture"), kColorUnit);
             glUniform1i(UniformLocation(program, "DepthTexture"), kDepthUnit);
             glUniform1i(UniformLocation(program, "OcclusionTexture"), kOcclusionUnit);
+            glUniform1i(UniformLocation(program, "LinearDepthTexture"), kLinearDepthUnit);
+            glUniform1i(UniformLocation(program, "PatternSize"), builtHalf_ ? 2 : 4);
             const glm::mat4 inverse = glm::inverse(camera_->ProjectionMatrix());
             glUniformMatrix4fv(UniformLocation(program, "InverseProjection"), 1, GL_FALSE,
                                glm::value_ptr(inverse));
