@@ -1,6 +1,6 @@
 // One direction of the depth-aware blur over the occlusion term, shared by the blur pass and the
 // full-resolution apply pass (which folds in the second direction). PatternSize taps span the
-// interleaving tile exactly, so two directions gather every direction of it back into each pixel;
+// occlusion pass's tile exactly, so two directions gather all of its pixels' directions into each;
 // taps on another surface (far in depth) are left out, so nothing bleeds across silhouettes.
 
 // Occlusion in r, linear depth in g (-1 where nothing was drawn).

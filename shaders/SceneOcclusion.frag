@@ -3,9 +3,10 @@
 // directions around a pixel's normal that meet geometry within Radius. Writes the occlusion term
 // and the pixel's linear depth, which the blur and the upsampling weigh by.
 //
-// Sampling is interleaved: the directions are split among the PatternSize x PatternSize pixels of
-// a tile, each pixel tracing its share, and the blur, whose footprint is one tile, gathers them
-// back. A pixel's term after the blur so counts every direction of the tile.
+// Each pixel traces SampleCount directions, turned by its place in a PatternSize x PatternSize
+// tile; the blur, whose footprint is one tile, removes the pattern. Interleaved, the tile's pixels
+// instead split SampleCount directions among them and the blur gathers them back: a pixel's term
+// after the blur still counts all of them, at a fraction of the cost, but in coarser steps.
 
 // Linear depth at this pass's resolution, -1 where nothing was drawn.
 uniform sampler2D LinearDepthTexture;
@@ -21,8 +22,9 @@ uniform int SampleCount;
 // Full-resolution pixels per occlusion pixel along each axis (1 or 2), and the scene's size.
 uniform int Scale;
 uniform vec2 SceneSize;
-// Side of the interleaving tile (4 or 2).
+// Side of the tile (4 or 2).
 uniform int PatternSize;
+uniform bool Interleaved;
 
 layout(location = 0) out vec4 result;
 
@@ -106,19 +108,25 @@ void main() {
     float tolerance = pixelSize * sqrt(1.0 - cosine * cosine) / cosine;
 
     int cells = PatternSize * PatternSize;
-    int perPixel = max(1, (SampleCount + cells / 2) / cells);
+    int perPixel = Interleaved ? max(1, (SampleCount + cells / 2) / cells) : SampleCount;
+    // Interleaved, pixel k of the tile takes directions k, k + cells, ...; otherwise it takes all of
+    // them, turned and offset in elevation by k in different orders.
+    int total = Interleaved ? cells * perPixel : SampleCount;
     int k = pattern(q);
+    int first = Interleaved ? k : 0;
+    int stride = Interleaved ? cells : 1;
+    float rotation = Interleaved ? 0.0 : 6.28318531 * float(k) / float(cells);
+    float jitter = Interleaved ? 0.5 : (float((k * 7) & (cells - 1)) + 0.5) / float(cells);
     float step = Radius / float(kSteps);
     vec4 clipOrigin = Projection * vec4(origin, 1.0);
     vec2 toPixel = SceneSize / float(Scale);
     float hits = 0.0;
     for (int n = 0; n < perPixel; ++n) {
-        // Stratified in cos^2 of the elevation over the tile's directions: cosine-weighted, as
-        // light falls.
-        int i = k + cells * n;
-        float u = (float(i) + 0.5) / float(cells * perPixel);
+        // Stratified in cos^2 of the elevation: cosine-weighted directions, as light falls.
+        int i = first + stride * n;
+        float u = (float(i) + jitter) / float(total);
         float s = sqrt(u);
-        float phi = float(i) * kGoldenAngle;
+        float phi = float(i) * kGoldenAngle + rotation;
         vec3 direction = t * (s * cos(phi)) + b * (s * sin(phi)) + normal * sqrt(1.0 - u);
         // The ray is marched in a few steps and blocked at the first step that lies just behind
         // the visible surface. Right after a ray enters a surface it lies close behind it; a ray

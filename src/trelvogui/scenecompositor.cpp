@@ -388,6 +388,7 @@ void SceneCompositor::occlusionPasses() {
     glUniform1f(UniformLocation(program, "Intensity"), intensity_);
     glUniform1f(UniformLocation(program, "Bias"), bias_);
     glUniform1i(UniformLocation(program, "SampleCount"), samples_);
+    glUniform1i(UniformLocation(program, "Interleaved"), interleaved_ ? 1 : 0);
     glUniform1i(UniformLocation(program, "Scale"), scale);
     glUniform2f(UniformLocation(program, "SceneSize"), static_cast<float>(width_),
                 static_cast<float>(height_));

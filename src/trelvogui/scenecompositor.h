@@ -65,6 +65,12 @@ public:
     /// Hemisphere directions a pixel tests, 4 to 64 (default 16).
     bool SetSampleCount(int samples);
     int GetSampleCount() const { return samples_; }
+    /// Splits the sample directions among the pixels of a 4 x 4 tile (2 x 2 at half resolution)
+    /// instead of tracing them all at every pixel; the blur gathers them back, so each pixel still
+    /// counts the sample count, at a fraction of the cost but in coarser steps that can show as
+    /// bands on smooth gradients (default off).
+    void SetInterleavedSampling(bool on) { interleaved_ = on; }
+    bool GetInterleavedSampling() const { return interleaved_; }
     /// Computes the occlusion at half the resolution and upsamples it along depth (default off).
     void SetHalfResolution(bool half);
     bool GetHalfResolution() const { return half_; }
@@ -128,6 +134,7 @@ private:
     bool occlusion_ = true;
     bool normals_ = false;
     bool half_ = false;
+    bool interleaved_ = false;
     bool showOcclusion_ = false;
     float radius_ = 0.5f;
     float intensity_ = 1.f;
