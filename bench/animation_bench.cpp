@@ -9,6 +9,8 @@
 
 #include <string>
 
+using namespace GraphicsBase;
+
 namespace {
 namespace A = GUI::Animation;
 

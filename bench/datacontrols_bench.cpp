@@ -11,6 +11,8 @@
 #include <memory>
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace {
 
 constexpr int kScreen = 512;

@@ -13,6 +13,8 @@
 
 #include <memory>
 
+using namespace GraphicsBase;
+
 namespace {
 constexpr int kWidth = 1280;
 constexpr int kHeight = 720;
@@ -50,13 +52,24 @@ void BM_LayerUpdateGizmoAndPlaneStale(benchmark::State& state) {
 }
 BENCHMARK(BM_LayerUpdateGizmoAndPlaneStale)->Unit(benchmark::kMicrosecond);
 
-/// One drag step (CPU only: the ray work, the frame updates and the signal) for handle `range(0)`.
+/// One drag step (CPU only: the ray work, the frame updates and the signal) for handle `range(0)`;
+/// with `range(1)` set, the gizmo follows the world axes and snaps moves, turns and scales.
 void BM_DragStep(benchmark::State& state) {
     auto camera = MakeCamera();
     ManipulatorControl gizmo(camera);
     auto attached = std::make_shared<LocalFrame>();
     gizmo.attachFrame(attached);
     gizmo.transformationSignal.connect([] { return DRAW_SCENE; });
+    if (state.range(1) != 0) {
+        gizmo.setWorldAxes(true);
+        gizmo.setPlaneHandles(true);
+        gizmo.setTranslationIncrementOn(true);
+        gizmo.setScaleIncrementOn(true);
+        gizmo.setRotatationIncrementOn(true);
+        gizmo.setTranslationIncrement(0.01f);
+        gizmo.setScaleIncrement(0.01f);
+        gizmo.setRotationIncrement(0.01f);
+    }
     const unsigned handle = static_cast<unsigned>(state.range(0));
     GUI::Event press{kWidth / 2 + 40, kHeight / 2 - 30, 1, handle};
     gizmo.OnMouseDown(&press);
@@ -69,5 +82,5 @@ void BM_DragStep(benchmark::State& state) {
     }
     gizmo.OnMouseUp(&press);
 }
-BENCHMARK(BM_DragStep)->Arg(1)->Arg(5)->Arg(7)->Arg(10)->ArgName("handle");
+BENCHMARK(BM_DragStep)->ArgsProduct({{1, 5, 7, 10, 13}, {0, 1}})->ArgNames({"handle", "snapWorld"});
 } // namespace

@@ -15,6 +15,8 @@
 #include <memory>
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace {
 constexpr int kWidth = 1280;
 constexpr int kHeight = 800;

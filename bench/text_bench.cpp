@@ -9,6 +9,8 @@
 
 #include <memory>
 
+using namespace GraphicsBase;
+
 namespace {
 
 constexpr int kScreen = 512;

@@ -11,6 +11,8 @@
 #include <random>
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace demo {
 
 DemoCharts::DemoCharts() = default;

@@ -21,6 +21,8 @@
 
 #include <cstdio>
 
+using namespace GraphicsBase;
+
 namespace demo {
 namespace {
 
@@ -265,6 +267,15 @@ bool DemoHost::buildSceneWidgets() {
         stepNotes_.push_back(line);
         return DRAW_SCENE;
     });
+    // One undo step per drag: the cube's pose is noted at the press and kept when the drag ends (a
+    // cancelled drag has put everything back by itself and leaves nothing to undo).
+    gizmo_->dragStartedSignal.connect(
+        [this](const LocalFrame&, const LocalFrame&) { cubeAtPress_ = *cubeFrame_; });
+    gizmo_->dragEndedSignal.connect([this](const LocalFrame& atPress, const LocalFrame&) {
+        gizmoUndo_.push_back({atPress, cubeAtPress_});
+    });
+    gizmo_->dragCancelledSignal.connect(
+        [this](const LocalFrame&, const LocalFrame&) { note("  gizmo drag cancelled: back at the press"); });
     gizmo_->Register(manager_);
 
     // A slicing plane beside the cube, standing upright and facing along x: it slides along its
@@ -453,6 +464,24 @@ bool DemoHost::MousePress(int x, int y, int buttons) {
 
 bool DemoHost::MouseWheel(int delta) {
     return input_->mouseWheelEvent(delta);
+}
+
+bool DemoHost::KeyPress(unsigned int key, unsigned int modifiers) {
+    const bool handled = input_->keyPressEvent(key, modifiers);
+    note("  key " + std::to_string(key) + (handled ? " was used" : " was not used"));
+    return handled;
+}
+
+bool DemoHost::UndoGizmoDrag() {
+    if (gizmoUndo_.empty())
+        return false;
+    const GizmoUndo last = gizmoUndo_.back();
+    gizmoUndo_.pop_back();
+    *cubeFrame_ = last.cube;
+    gizmo_->getFrame() = last.gizmo;
+    gizmo_->SetNeedsRedraw(true);
+    note("  undo: the cube is back where the last gizmo drag started");
+    return true;
 }
 
 bool DemoHost::MouseRelease(int x, int y, int buttons) {

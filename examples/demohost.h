@@ -35,7 +35,7 @@ class DemoCharts;
 
 /// Everything a host does: owns its scene, builds the overlay once, forwards input through the
 /// input manager and draws the overlay after its own scene each frame.
-class DemoHost : public GraphicsScene {
+class DemoHost : public GraphicsBase::GraphicsScene {
 public:
     DemoHost(int width, int height);
     ~DemoHost() override;
@@ -55,15 +55,20 @@ public:
     bool MouseRelease(int x, int y, int buttons);
     /// A wheel turn with the pointer where the last pointer event left it (120 a notch).
     bool MouseWheel(int delta);
+    /// A key press (GLFW key codes: Escape is 256) with the given modifier bits.
+    bool KeyPress(unsigned int key, unsigned int modifiers = 0);
+    /// Puts the cube and the gizmo back where the last finished gizmo drag started; the host's undo,
+    /// one step per drag. False when there is nothing to undo.
+    bool UndoGizmoDrag();
 
-    void SetDrawFlags(DrawFlags flags) override;
+    void SetDrawFlags(GraphicsBase::DrawFlags flags) override;
     /// Lines describing what the last events reached.
     std::vector<std::string> TakeJournal();
 
     /// The host's camera, light and the cube's pose, shared with the 3D widgets.
-    const std::shared_ptr<Camera>& SceneCamera() const { return camera_; }
-    const std::shared_ptr<DirectionalLight>& SceneLight() const { return light_; }
-    const std::shared_ptr<LocalFrame>& CubeFrame() const { return cubeFrame_; }
+    const std::shared_ptr<GraphicsBase::Camera>& SceneCamera() const { return camera_; }
+    const std::shared_ptr<GraphicsBase::DirectionalLight>& SceneLight() const { return light_; }
+    const std::shared_ptr<GraphicsBase::LocalFrame>& CubeFrame() const { return cubeFrame_; }
     /// What a host does after moving its camera: new matrices, and the widgets that follow it restale.
     void CameraChanged();
     /// Likewise after the light moved.
@@ -103,9 +108,9 @@ private:
 
     int width_;
     int height_;
-    std::shared_ptr<Camera> camera_;
-    std::shared_ptr<DirectionalLight> light_;
-    std::shared_ptr<LocalFrame> cubeFrame_;
+    std::shared_ptr<GraphicsBase::Camera> camera_;
+    std::shared_ptr<GraphicsBase::DirectionalLight> light_;
+    std::shared_ptr<GraphicsBase::LocalFrame> cubeFrame_;
     std::shared_ptr<GUI::GUIManager> manager_;
     std::unique_ptr<GUI::GUIInputManager> input_;
     std::unique_ptr<SceneCompositor> compositor_;
@@ -129,6 +134,13 @@ private:
     int lastY_ = 0;
     std::vector<std::string> journal_;
     std::vector<std::string> stepNotes_;
+    // The host's undo stack of gizmo drags: the gizmo's and the cube's pose when each drag started.
+    struct GizmoUndo {
+        GraphicsBase::LocalFrame gizmo;
+        GraphicsBase::LocalFrame cube;
+    };
+    std::vector<GizmoUndo> gizmoUndo_;
+    GraphicsBase::LocalFrame cubeAtPress_;
     GLuint cubeProgram_ = 0;
     GLuint cubeVao_ = 0;
     GLuint cubeVbo_ = 0;

@@ -10,6 +10,8 @@
 #include <cstdio>
 #include <random>
 
+using namespace GraphicsBase;
+
 namespace demo {
 namespace {
 

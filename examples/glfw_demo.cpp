@@ -16,6 +16,8 @@
 #include <cstring>
 #include <string>
 
+using namespace GraphicsBase;
+
 namespace {
 demo::DemoHost* hostOf(GLFWwindow* w) {
     return static_cast<demo::DemoHost*>(glfwGetWindowUserPointer(w));

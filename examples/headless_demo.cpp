@@ -32,6 +32,8 @@
 #include <string>
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace {
 constexpr int kWidth = 1280;
 constexpr int kHeight = 720;
@@ -256,6 +258,44 @@ int main(int argc, char** argv) {
     s.printFrame(gizmo);
     s.snapshot("gizmo-ring-click");
 
+    // Undo and cancel. A drag on the Y arrow, then Escape while the button is still down: the cube
+    // and the gizmo go back to where the press found them.
+    {
+        glm::ivec2 arrowY = s.part(gizmo, 2);
+        glm::vec2 up = s.axisOnScreen(gizmo, 1) * 110.f;
+        s.move(arrowY.x, arrowY.y);
+        s.host.MousePress(arrowY.x, arrowY.y, 1);
+        for (int i = 1; i <= 4; ++i)
+            s.move(arrowY.x + int(up.x * float(i) / 4.f), arrowY.y + int(up.y * float(i) / 4.f), 1);
+        s.flush("drag the Y arrow 110 pixels along its axis, the button still down:");
+        s.printFrame(gizmo);
+        s.snapshot("gizmo-before-escape", true);
+        s.host.KeyPress(256);
+        s.host.MouseRelease(arrowY.x + int(up.x), arrowY.y + int(up.y), 0);
+        s.flush("press Escape during the drag (the drag is cancelled):");
+        s.printFrame(gizmo);
+        s.snapshot("gizmo-escape-cancelled", true);
+    }
+
+    // Plane squares between the arrows, on the world's axes: the one between X and Z slides the cube
+    // over the floor.
+    gizmo->setPlaneHandles(true);
+    gizmo->setWorldAxes(true);
+    s.host.RenderFrame(s.angle); // the pointer finds what the layers hold
+    {
+        glm::ivec2 square = s.part(gizmo, ManipulatorControl::kTranslateZX);
+        s.drag(square.x, square.y, square.x + 120, square.y + 40);
+        s.flush("turn the plane squares and world axes on and drag the X-Z square by (+120, +40) pixels:");
+        s.printFrame(gizmo);
+        s.snapshot("gizmo-plane-moved", true);
+    }
+    s.host.UndoGizmoDrag();
+    s.flush("undo the last drag (the host's undo, from the gizmo's drag signals):");
+    s.printFrame(gizmo);
+    s.snapshot("gizmo-undo", true);
+    gizmo->setPlaneHandles(false);
+    gizmo->setWorldAxes(false);
+
     // The orientation cube in the lower-left corner: a click on a face looks at the scene from that
     // side at the same distance.
     auto clickFace = [&](int face, const std::string& name) {
@@ -320,6 +360,16 @@ int main(int argc, char** argv) {
         std::printf("%s", s.host.Charts()->Describe().c_str());
         s.snapshot("chart-zoomed");
     }
+
+    // A window with a device-pixel ratio of 2 tells the manager; the 3D widgets and the axes draw
+    // their pixel sizes twice as large (the host's own panels keep the rectangles it gives them, and
+    // the charts, laid out for scale 1 here, are put away).
+    s.host.Charts()->Show(false);
+    s.host.Manager().SetDisplayScale(2.f);
+    s.flush("display scale 2 (a high-density display):");
+    s.snapshot("display-scale-2", true);
+    s.host.Manager().SetDisplayScale(1.f);
+    s.host.Charts()->Show(true);
 
     const auto& r = s.host.Toolbar()->GetRectangle();
     std::printf("tools panel now at (%d, %d)-(%d, %d); rotation %s\n", r.xMin, r.yMin, r.xMax, r.yMax,

@@ -51,7 +51,7 @@ int main(int argc, char** argv) {
         toggle.SetRectangle({0, 28, 16, 44});
         toggle.SetCallback([&] {
             std::printf("switch %s\n", toggle.IsOn() ? "on" : "off");
-            return DRAW_OVERLAY;
+            return GraphicsBase::DRAW_OVERLAY;
         });
         tools.AddChild(&toggle);
         tools.Register(manager); // registers the whole tree

@@ -14,6 +14,8 @@
 
 #include <cstdlib>
 
+using namespace GraphicsBase;
+
 // A unit cube as one 14-vertex triangle strip read from bit masks, coloured by position.
 const char* kVertex = R"(#version 330 core
 uniform mat4 mvp;

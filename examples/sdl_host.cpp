@@ -11,6 +11,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+using namespace GraphicsBase;
+
 int main(int argc, char** argv) {
     const int frames = argc > 1 ? std::atoi(argv[1]) : -1;
     if (SDL_Init(SDL_INIT_VIDEO) != 0) {

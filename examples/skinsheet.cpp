@@ -16,6 +16,8 @@
 #include <memory>
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace demo {
 namespace {
 constexpr int kWidth = 520;

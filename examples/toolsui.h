@@ -40,7 +40,7 @@ struct ToolsUI {
         toggle.SetRectangle({0, 28, 16, 44});
         toggle.SetCallback([this] {
             std::printf("switch %s\n", toggle.IsOn() ? "on" : "off");
-            return DRAW_OVERLAY;
+            return GraphicsBase::DRAW_OVERLAY;
         });
         tools.AddChild(&toggle);
         tools.Register(manager); // registers the whole tree

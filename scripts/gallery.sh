@@ -12,7 +12,7 @@ trap 'rm -rf "$out"' EXIT
 
 mkdir -p docs/images
 rm -f docs/images/*.png
-for name in initial occlusion-on occlusion-term clicked notes-resized gizmo-moved-x gizmo-turned-y cube-plus-y light-dragged chart-hover chart-zoomed; do
+for name in initial occlusion-on occlusion-term clicked notes-resized gizmo-moved-x gizmo-turned-y cube-plus-y light-dragged chart-hover chart-zoomed gizmo-plane-moved; do
     frame=$(ls "$out"/frame-*-"$name".png 2>/dev/null | head -n 1)
     if [ -z "$frame" ]; then
         echo "gallery: the demo wrote no frame named $name" >&2

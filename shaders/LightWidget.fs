@@ -12,6 +12,8 @@ in vec2 local;
 uniform Light light;
 uniform Material material;
 uniform uint primaryid;
+// Non-zero for a disabled widget: greyed, half transparent and transparent to picking.
+uniform int dimmed;
 
 const float kBallRadius = 0.74;
 const float kCorner = 0.28;
@@ -45,8 +47,10 @@ void main() {
         source = vec4(mix(source.rgb, shaded, ball), source.a + (1.0 - source.a) * ball);
     }
 
+    if (dimmed != 0)
+        source = vec4(mix(source.rgb, vec3(dot(source.rgb, vec3(1.0 / 3.0))), 0.6), source.a * 0.5);
     vec4 target = TARGET_COLOR;
     float a = source.a;
     fragColor = vec4(source.rgb * a + target.rgb * (1.0 - a), a + target.a * (1.0 - a));
-    fragIds = tile > 0.5 ? uvec4(primaryid, 0u, 0u, 0u) : TARGET_IDS;
+    fragIds = (tile > 0.5 && dimmed == 0) ? uvec4(primaryid, 0u, 0u, 0u) : TARGET_IDS;
 }

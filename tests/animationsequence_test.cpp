@@ -16,6 +16,8 @@
 #include <memory>
 #include <string>
 
+using namespace GraphicsBase;
+
 using namespace GUI::Animation;
 using GUI::Controls::Base;
 

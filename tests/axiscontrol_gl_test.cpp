@@ -5,8 +5,14 @@
 
 #include <trelvogui/axiscontrol.h>
 #include <trelvogui/gui/label.h>
+#include <trelvogui/gui/panel.h>
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+using namespace GraphicsBase;
 
 using GUI::Geometry::Rectangle;
 using trelvo::test::LayerPixels;
@@ -119,6 +125,56 @@ TEST_F(AxisGLTest, ShowFlagsLeaveThePictureAsItWas) {
         for (int x = std::max(first.xMin, 0); x < first.xMax; ++x)
             covered += after.Pid(x, y) == labelId;
     EXPECT_GT(covered, 10);
+}
+
+// Disabled, a data control (here an axis with its numbers and title) is drawn at a fixed fraction of
+// its opacity over what is behind it and writes no ids, so the panel under it gets the pointer.
+TEST_F(AxisGLTest, ADisabledDataControlIsDrawnFadedAndLeavesThePointerToWhatIsBehind) {
+    GUI::Controls::Panel panel;
+    panel.SetRectangle({0, 256, 0, 256});
+    panel.Register(manager);
+    AxisControl axis;
+    axis.SetFontColor(kInk);
+    ASSERT_TRUE(axis.Initialize());
+    axis.SetRectangle(kSquare);
+    panel.AddChild(&axis);
+    manager->UpdateLayers();
+    const LayerPixels on = Layers();
+    axis.SetVisible(false);
+    manager->UpdateLayers();
+    const LayerPixels hidden = Layers();
+    axis.SetVisible(true);
+    axis.SetEnabled(false);
+    manager->UpdateLayers();
+    const LayerPixels off = Layers();
+    // Each of the axis's draws (band, marks, texts) is faded over what is under it, so a pixel ends
+    // between the panel's colour and the enabled axis's one, most of the way back to the panel.
+    int axisPixels = 0, contrasted = 0;
+    float share = 0.f;
+    for (int y = 0; y < 256; ++y)
+        for (int x = 0; x < 256; ++x) {
+            if (on.Pid(x, y) == hidden.Pid(x, y))
+                continue;
+            ++axisPixels;
+            ASSERT_EQ(off.Pid(x, y), panel.GetId()) << x << "," << y;
+            for (int c = 0; c < 3; ++c) {
+                const int from = hidden.Color(x, y)[c], to = on.Color(x, y)[c], got = off.Color(x, y)[c];
+                // 8-bit rounding of the layer and of the blend: two steps either way.
+                ASSERT_TRUE(got >= std::min(from, to) - 2 && got <= std::max(from, to) + 2) << x << "," << y;
+                if (std::abs(to - from) > 40) {
+                    share += static_cast<float>(got - from) / static_cast<float>(to - from);
+                    ++contrasted;
+                }
+            }
+        }
+    ASSERT_GT(contrasted, 100);
+    EXPECT_NEAR(share / static_cast<float>(contrasted), 0.45f, 0.15f) << "faded to about 45 %";
+    EXPECT_GT(axisPixels, 500) << "the band, its marks and its texts";
+    axis.SetEnabled(true);
+    manager->UpdateLayers();
+    const LayerPixels again = Layers();
+    EXPECT_EQ(again.color, on.color);
+    EXPECT_EQ(again.ids, on.ids);
 }
 
 TEST_F(AxisGLTest, MissingUniformsAndBrokenShaders) {

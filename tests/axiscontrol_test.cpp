@@ -4,11 +4,15 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <string>
 #include <vector>
+
+using namespace GraphicsBase;
 
 using GUI::Geometry::Rectangle;
 
@@ -365,4 +369,22 @@ TEST(AxisControl, LogarithmicAxisOverNonPositiveRangeSaysSoOnceAndDrawsNoTicks) 
     EXPECT_EQ(Narrow(Texts(axis)), (std::vector<std::string>{"1", "10", "100"}));
     EXPECT_NEAR(axis.FractionOf(10.0), 0.5, 1e-9);
     EXPECT_NEAR(axis.ValueAt(0.5), 10.0, 1e-9);
+}
+
+TEST(AxisControl, NiceTicksKeepTheLabelOfANumberThroughAPan) {
+    AxisControl axis;
+    axis.SetAxisType(AxisControl::NiceSteps);
+    axis.SetRectangle({0, 400, 0, 30});
+    axis.SetRange(0.f, 100.f);
+    std::map<std::wstring, GUI::Controls::Label*> shown;
+    for (GUI::Controls::Label* label : axis.GetNumberLabels())
+        shown[label->GetText()] = label;
+    axis.SetRange(10.f, 110.f); // every tick's index shifts by one
+    int kept = 0;
+    for (GUI::Controls::Label* label : axis.GetNumberLabels())
+        if (shown.count(label->GetText()) != 0) {
+            EXPECT_EQ(shown[label->GetText()], label) << "the number's own label, not rasterised again";
+            ++kept;
+        }
+    EXPECT_GE(kept, 3);
 }

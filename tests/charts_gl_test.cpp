@@ -15,11 +15,16 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <random>
+#include <set>
 #include <string>
 #include <vector>
+
+using namespace GraphicsBase;
 
 using trelvo::test::LayerPixels;
 
@@ -57,56 +62,90 @@ protected:
 
 } // namespace
 
-TEST_F(ChartGLTest, DecimatedLinesGiveThePixelsOfEverySegment) {
-    // A random walk with noise: 10^5 samples over 554 columns, about 180 a column.
+TEST_F(ChartGLTest, DecimatedDrawingGivesThePixelsOfEverySample) {
+    // A random walk with noise: 10^5 samples over 554 columns, about 180 a column; drawn as a line, and
+    // as points with x given in sorted and in shuffled order (reduced through the x-sorted index).
     std::mt19937 rng(3);
     std::normal_distribution<double> step(0.0, 1.0);
-    std::vector<double> y(100000);
+    std::vector<double> y(100000), x(y.size());
+    std::iota(x.begin(), x.end(), 0.0);
     double v = 0.0;
     for (double& s : y)
         s = (v += step(rng)) + 8.0 * step(rng);
-    DataSetRenderer set;
-    ASSERT_TRUE(set.Initialize());
-    set.SetColor(kLine);
-    ASSERT_TRUE(set.SetData(y.data(), y.size()));
-    chart.AddRenderer(&set);
-    ASSERT_TRUE(chart.FitToData());
-    const GUI::Geometry::Rectangle plot = chart.PlotArea();
-    const double fullX0 = chart.XMin(), fullX1 = chart.XMax();
-    struct View {
+    std::vector<std::size_t> shuffled(y.size());
+    std::iota(shuffled.begin(), shuffled.end(), std::size_t(0));
+    std::shuffle(shuffled.begin(), shuffled.end(), rng);
+    std::vector<double> xs(y.size()), ys(y.size());
+    for (std::size_t i = 0; i < y.size(); ++i) {
+        xs[i] = x[shuffled[i]];
+        ys[i] = y[shuffled[i]];
+    }
+    struct Case {
         const char* name;
-        double x0, x1;
+        DataSetRenderer::Style style;
+        bool shuffledX;
     };
-    const View views[] = {{"everything", fullX0, fullX1},
-                          {"zoomed in", 41234.5, 63012.25},
-                          {"reversed", fullX1, fullX0},
-                          {"a few samples a column", 50000.0, 50900.0}};
-    for (const View& view : views) {
-        SCOPED_TRACE(view.name);
-        ASSERT_TRUE(chart.SetXRange(view.x0, view.x1));
-        set.SetDecimation(true);
-        const LayerPixels decimated = Draw();
-        EXPECT_LE(set.DrawnPathVertices(), static_cast<size_t>(4 * plot.Width() + 2));
-        set.SetDecimation(false);
-        const LayerPixels full = Draw();
-        int differing = 0, lit = 0;
-        for (int py = plot.yMin; py < plot.yMax; ++py)
-            for (int px = plot.xMin; px < plot.xMax; ++px) {
-                differing += Is(decimated, px, py, kLine) != Is(full, px, py, kLine);
-                lit += Is(full, px, py, kLine);
+    for (const Case& c :
+         {Case{"line", DataSetRenderer::Line, false}, Case{"points", DataSetRenderer::Points, false},
+          Case{"points, unsorted x", DataSetRenderer::Points, true}}) {
+        SCOPED_TRACE(c.name);
+        DataSetRenderer set;
+        ASSERT_TRUE(set.Initialize());
+        set.SetColor(kLine);
+        set.SetStyle(c.style);
+        ASSERT_TRUE(c.shuffledX ? set.SetData(xs.data(), ys.data(), y.size())
+                                : set.SetData(y.data(), y.size()));
+        chart.AddRenderer(&set);
+        ASSERT_TRUE(chart.FitToData());
+        const GUI::Geometry::Rectangle plot = chart.PlotArea();
+        const double fullX0 = chart.XMin(), fullX1 = chart.XMax();
+        struct View {
+            const char* name;
+            double x0, x1;
+        };
+        const View views[] = {{"everything", fullX0, fullX1},
+                              {"zoomed in", 41234.5, 63012.25},
+                              {"reversed", fullX1, fullX0},
+                              {"a few samples a column", 50000.0, 50900.0}};
+        for (const View& view : views) {
+            SCOPED_TRACE(view.name);
+            ASSERT_TRUE(chart.SetXRange(view.x0, view.x1));
+            set.SetDecimation(true);
+            const LayerPixels decimated = Draw();
+            const std::size_t drawn = set.DrawnPathVertices();
+            if (c.style == DataSetRenderer::Line) {
+                EXPECT_LE(drawn, static_cast<size_t>(4 * plot.Width() + 2));
+            } else {
+                // One mark per occupied pixel where the data are dense.
+                std::set<std::pair<int, int>> occupied;
+                const ChartView frame = chart.View();
+                for (std::size_t i = 0; i < y.size(); ++i) {
+                    const double px = std::floor(frame.PixelX(x[i])), py = std::floor(frame.PixelY(y[i]));
+                    if (px >= plot.xMin && px < plot.xMax && py >= plot.yMin && py < plot.yMax)
+                        occupied.emplace(int(px), int(py));
+                }
+                if (std::fabs(view.x1 - view.x0) > 4.0 * plot.Width()) {
+                    EXPECT_NEAR(double(drawn), double(occupied.size()), 2.0 + occupied.size() / 500.0);
+                }
             }
-        // Rasterisation rules differ where a column's extremes meet its neighbours' segments.
-        const int allowed = plot.Width() * plot.Height() / 1000;
-        int onlyDecimated = 0;
-        for (int py = plot.yMin; py < plot.yMax; ++py)
-            for (int px = plot.xMin; px < plot.xMax; ++px)
-                onlyDecimated += Is(decimated, px, py, kLine) && !Is(full, px, py, kLine);
-        EXPECT_LE(differing, allowed) << lit << " line pixels, " << onlyDecimated << " only decimated";
-        EXPECT_GT(lit, plot.Width()) << "the line is drawn";
-        if (differing > allowed) {
-            trelvo::test::SaveLayer(decimated, std::string("chart-decimated-") + view.name);
-            trelvo::test::SaveLayer(full, std::string("chart-full-") + view.name);
+            set.SetDecimation(false);
+            const LayerPixels full = Draw();
+            int differing = 0, lit = 0;
+            for (int py = plot.yMin; py < plot.yMax; ++py)
+                for (int px = plot.xMin; px < plot.xMax; ++px) {
+                    differing += Is(decimated, px, py, kLine) != Is(full, px, py, kLine);
+                    lit += Is(full, px, py, kLine);
+                }
+            // Rasterisation rules differ where a column's extremes meet its neighbours' segments.
+            const int allowed = plot.Width() * plot.Height() / 1000;
+            EXPECT_LE(differing, allowed) << lit << " lit pixels";
+            EXPECT_GT(lit, plot.Width()) << "the data are drawn";
+            if (differing > allowed) {
+                trelvo::test::SaveLayer(decimated, std::string("chart-decimated-") + c.name + view.name);
+                trelvo::test::SaveLayer(full, std::string("chart-full-") + c.name + view.name);
+            }
         }
+        chart.RemoveRenderer(&set);
     }
 }
 
@@ -258,6 +297,25 @@ TEST_F(ChartGLTest, BadInputGivesASensiblePictureAndNoGLError) {
     for (int py = view.plot.yMin; py < view.plot.yMax; ++py)
         lit += Is(l, static_cast<int>(view.PixelX(5.5)), py, kLine);
     EXPECT_GT(lit, 0);
+
+    // A line through more unsorted x than it joins in their own order is left out, said once.
+    std::vector<double> xs(DataSetRenderer::kMostUnsortedLine + 1), ys(xs.size(), 1.0);
+    for (std::size_t i = 0; i < xs.size(); ++i)
+        xs[i] = static_cast<double>((i * 7919) % xs.size());
+    DataSetRenderer curve;
+    ASSERT_TRUE(curve.Initialize());
+    ASSERT_TRUE(curve.SetData(xs.data(), ys.data(), xs.size()));
+    chart.AddRenderer(&curve);
+    testing::internal::CaptureStdout();
+    for (int frame = 0; frame < 2; ++frame) {
+        chart.SetNeedsRedraw(true);
+        Draw();
+    }
+    const std::string refused = testing::internal::GetCapturedStdout();
+    EXPECT_EQ(refused.find("x is not sorted"), refused.rfind("x is not sorted")) << refused;
+    EXPECT_NE(refused.find("x is not sorted"), std::string::npos) << refused;
+    EXPECT_EQ(curve.DrawnPathVertices(), 0u);
+    chart.RemoveRenderer(&curve);
 }
 
 namespace {

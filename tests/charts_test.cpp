@@ -14,6 +14,8 @@
 #include <string>
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace {
 
 const double kNaN = std::numeric_limits<double>::quiet_NaN();
@@ -86,7 +88,27 @@ TEST(MinMaxPyramid, RangesMatchBruteForceWhetherBuiltAppendedOrScrolled) {
             }
         }
     }
-    EXPECT_LE(MinMaxPyramid::SummaryBytes(1000000), 1000000 * sizeof(double) / 2) << "at most half the data";
+    EXPECT_LE(MinMaxPyramid::SummaryBytes(1000000), 1000000 * sizeof(float) / 2) << "at most half the data";
+}
+
+TEST(MinMaxPyramid, FloatSamplesStayFloatUntilOneNeedsMore) {
+    std::mt19937 rng(5);
+    const std::vector<double> noisy = Noisy(rng, 100000);
+    const std::vector<float> v(noisy.begin(), noisy.end());
+    const std::vector<double> rounded(v.begin(), v.end());
+    MinMaxPyramid p;
+    p.Assign(v.data(), v.size());
+    EXPECT_TRUE(p.SinglePrecision());
+    EXPECT_LE(p.MemoryBytes(), v.size() * sizeof(float) * 3 / 2) << "samples and summaries";
+    p.Append(0.5); // a float holds it: still single precision
+    EXPECT_TRUE(p.SinglePrecision());
+    p.Append(0.1); // it does not: every sample moves to double, none is rounded
+    EXPECT_FALSE(p.SinglePrecision());
+    EXPECT_EQ(p[p.Size() - 1], 0.1);
+    std::vector<double> all = rounded;
+    all.insert(all.end(), {0.5, 0.1});
+    for (std::size_t a : {std::size_t(0), std::size_t(777), std::size_t(99990)})
+        ExpectSame(p.Range(a, all.size()), BruteForce(all, a, all.size()));
 }
 
 TEST(DataSetRenderer, PointIndexAndStatisticsMatchBruteForceSortedOrNot) {
@@ -136,7 +158,7 @@ TEST(DataSetRenderer, BadInputIsRefusedWithAMessageAndLeavesTheSetAsItWas) {
     ASSERT_TRUE(set.SetData(y, 3));
     testing::internal::CaptureStdout();
     EXPECT_FALSE(set.SetData(static_cast<const double*>(nullptr), 5));
-    set.SetMemoryBudget(1000);
+    set.SetMemoryBudget(400);
     std::vector<float> many(100, 1.f);
     EXPECT_FALSE(set.SetData(many.data(), many.size()));
     // 10^9 samples are refused before anything is allocated (the pointer is never read).
@@ -188,6 +210,24 @@ TEST(DataSetRenderer, BadInputIsRefusedWithAMessageAndLeavesTheSetAsItWas) {
     EXPECT_NE(testing::internal::GetCapturedStdout().find("ChartControl::SetRanges()"), std::string::npos);
     EXPECT_DOUBLE_EQ(chart.YMin(), 0.01) << "unchanged";
     chart.RemoveRenderer(&signed_);
+}
+
+TEST(ChartControl, RangesFollowTheDataOnlyWhenAsked) {
+    ChartControl chart;
+    chart.SetRectangle({0, 400, 0, 300});
+    DataSetRenderer set;
+    const double first[] = {0.0, 1.0, 2.0}, later[] = {10.0, 20.0, 30.0, 40.0};
+    set.SetData(first, 3);
+    chart.AddRenderer(&set);
+    ASSERT_TRUE(chart.SetRanges(0.0, 1.0, 0.0, 1.0));
+    set.SetData(later, 4);
+    EXPECT_EQ(chart.YMax(), 1.0) << "the host's ranges stay by default";
+    chart.SetFollowData(true);
+    EXPECT_GE(chart.YMax(), 40.0);
+    set.Append(100.0);
+    EXPECT_GE(chart.YMax(), 100.0);
+    EXPECT_GE(chart.XMax(), 4.0);
+    chart.RemoveRenderer(&set);
 }
 
 TEST(HistogramRenderer, CountsMatchBruteForceForCountsWidthsAndRanges) {

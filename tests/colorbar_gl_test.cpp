@@ -12,6 +12,8 @@
 #include <cmath>
 #include <cstdlib>
 
+using namespace GraphicsBase;
+
 using GUI::Color;
 using GUI::Controls::ColorBar;
 using GUI::Geometry::Rectangle;

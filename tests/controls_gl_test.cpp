@@ -9,6 +9,8 @@
 #include <trelvogui/gui/switchbutton.h>
 #include <trelvogui/probecontrol.h>
 
+using namespace GraphicsBase;
+
 using GUI::Geometry::Rectangle;
 
 namespace {

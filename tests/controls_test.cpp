@@ -16,6 +16,8 @@
 
 #include <functional>
 
+using namespace GraphicsBase;
+
 using namespace GUI::Controls;
 using GUI::Geometry::Rectangle;
 

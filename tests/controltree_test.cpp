@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace GraphicsBase;
+
 using GUI::Controls::Base;
 using GUI::Geometry::Rectangle;
 using trelvo::test::LogCapture;

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace GraphicsBase;
+
 using GUI::Controls::Base;
 
 TEST(ControlFactory, IdsStartAtOneAndAreNeverReused) {

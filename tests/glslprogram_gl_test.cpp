@@ -15,6 +15,8 @@
 #include <unistd.h>
 #include <utility>
 
+using namespace GraphicsBase;
+
 using trelvo::test::GLTest;
 using trelvo::test::ShaderDir;
 

@@ -27,6 +27,8 @@
 #include <string>
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace {
 
 // Units the overlay binds on (text 1, widgets 8, targets and layers 9 to 12, atlas 13 and 14,

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace {
 /// Records which entry points ran and answers with a fixed result.
 struct RecordingHandler : InputHandler {

@@ -20,6 +20,8 @@
 #include <string>
 #include <vector>
 
+using namespace GraphicsBase;
+
 using GUI::Controls::Base;
 
 namespace {

@@ -5,6 +5,8 @@
 
 #include <GL/glew.h>
 
+using namespace GraphicsBase;
+
 using trelvo::test::GLTest;
 
 TEST_F(GLTest, ContextIsCoreProfileWithRequestedDefaultFramebuffer) {

@@ -17,6 +17,8 @@
 #include <memory>
 #include <string>
 
+using namespace GraphicsBase;
+
 namespace {
 
 /// A host's own context, made without HeadlessGLContext and without any GL loader call, so that

@@ -25,6 +25,7 @@
 #include <trelvogui/lightcontrol.h>
 #include <trelvogui/planecontrol.h>
 #include <trelvogui/triadcontrol.h>
+#include <trelvogui/xyplotcontrol.h>
 
 #include <graphicsbase/camera.h>
 #include <graphicsbase/directionallight.h>
@@ -39,6 +40,8 @@
 #include <random>
 #include <string>
 #include <vector>
+
+using namespace GraphicsBase;
 
 using namespace GUI::Controls;
 
@@ -109,7 +112,8 @@ struct World {
             axis->SetRectangle({20, 300, 60, 100});
         axis->Register(manager);
         roots.push_back(axis);
-        chart = own(new ChartControl());
+        // An XY plot, so that hovers over it take its readout-only redraw.
+        chart = own(new XYPlotControl());
         std::vector<double> walk(20000);
         std::mt19937 rng(9);
         std::normal_distribution<double> step(0.0, 1.0);
@@ -232,8 +236,14 @@ TEST_F(LayerEqualityTest, FastAndStrictUpdatesProduceIdenticalLayers) {
         const int which = pick(0, 1000);
         switch (op) {
         case 0: // hover
-        case 1:
             both([&](World& w) { w.Event(0, x, y); });
+            break;
+        case 1: // hover, then along the plot's data (its readout and marker redraw on their own)
+            both([&](World& w) {
+                w.Event(0, x, y);
+                for (int step = 0; step < 3; ++step)
+                    w.Event(0, 102 + (x + 5 * step) % 194, 240 - 168 - y % 44);
+            });
             break;
         case 2: { // click
             both([&](World& w) {

@@ -36,6 +36,8 @@
 #include <random>
 #include <set>
 
+using namespace GraphicsBase;
+
 using GUI::Controls::Base;
 using GUI::Controls::Button;
 using GUI::Controls::Panel;

@@ -15,6 +15,8 @@
 
 #include <GL/glew.h>
 
+using namespace GraphicsBase;
+
 namespace {
 
 constexpr float kDegree = 0.017453292f;
@@ -239,5 +241,37 @@ TEST_F(LightTest, ADragReportsItsEdgesAndEscapeOrAnotherButtonPutsTheLightBack) 
         now += 1000;
         Release(x + 5, y);
         EXPECT_TRUE(manager->Controls().empty()) << which;
+    }
+}
+
+TEST_F(LightTest, ADisabledOrHiddenWidgetLetsThePointerThroughAndCancelsItsDrag) {
+    const int x = 256 - 10 - 37, y = 256 - 10 - 37;
+    auto colour = [&] { return trelvo::test::ReadLayers(*manager, 256, 256).Color(208, 47); };
+    const auto lit = colour();
+    for (bool hide : {false, true}) {
+        SCOPED_TRACE(hide ? "hidden" : "disabled");
+        const glm::vec3 atPress = light->position;
+        now += 1000;
+        Press(x, y);
+        Move(x + 20, y + 10, x, y, 1);
+        ASSERT_NE(light->position, atPress);
+        hide ? widget->SetVisible(false) : widget->SetEnabled(false);
+        EXPECT_EQ(light->position, atPress) << "the drag under way is cancelled";
+        now += 1000;
+        Release(x + 20, y + 10);
+        manager->UpdateLayers();
+        EXPECT_EQ(PidAt(208, 47), 0u) << "no ids: the pointer goes to what is behind";
+        const auto dim = colour();
+        if (hide)
+            EXPECT_EQ(dim[3], 0);
+        else
+            EXPECT_TRUE(dim[3] > 0 && dim[3] < lit[3] && dim != lit) << "drawn dimmed";
+        now += 1000;
+        EXPECT_EQ(Press(x, y), DRAW_NOTHING);
+        Release(x, y);
+        hide ? widget->SetVisible(true) : widget->SetEnabled(true);
+        manager->UpdateLayers();
+        EXPECT_EQ(PidAt(208, 47), widget->GetId());
+        EXPECT_EQ(colour(), lit);
     }
 }

@@ -14,6 +14,7 @@
 
 #include <graphicsbase/camera.h>
 #include <graphicsbase/graphicsscene.h>
+#include <graphicsbase/inputhandler.h>
 
 #include <glm/gtc/matrix_transform.hpp>
 
@@ -22,6 +23,10 @@
 #include <cmath>
 #include <functional>
 #include <map>
+#include <string>
+#include <tuple>
+
+using namespace GraphicsBase;
 
 namespace {
 constexpr int kW = 640;
@@ -110,19 +115,19 @@ protected:
     void MoveTo(glm::vec2 p, int buttons = 0) {
         // Window pixel (floor x, floor y) is host pixel (floor x, height - floor y).
         int x = static_cast<int>(std::floor(p.x)), y = kH - static_cast<int>(std::floor(p.y));
-        input->mouseMoveEvent(x, y, lastX, lastY, buttons, 0);
+        input->mouseMoveEvent(x, y, lastX, lastY, buttons, modifiers);
         lastX = x;
         lastY = y;
         manager->UpdateLayers();
     }
     void PressAt(glm::vec2 p) {
         MoveTo(p);
-        input->mousePressEvent(lastX, lastY, lastX, lastY, 1, 0);
+        input->mousePressEvent(lastX, lastY, lastX, lastY, 1, modifiers);
     }
     void ReleaseAt(glm::vec2 p, uint64_t heldMs = 500) {
         MoveTo(p, 1);
         now += heldMs;
-        input->mouseReleaseEvent(lastX, lastY, lastX, lastY, 0, 0);
+        input->mouseReleaseEvent(lastX, lastY, lastX, lastY, 0, modifiers);
         manager->UpdateLayers();
     }
     /// Press at `from`, drag in `stepsCount` moves to `to`, release after a long hold (no click).
@@ -137,23 +142,26 @@ protected:
         ReleaseAt(at, 50);
     }
 
-    /// Where handle `id` of `gizmo` sits: head middle, box centre or a band pixel.
+    /// Where handle `id` of `gizmo` sits: head middle, box centre, or a band or plane-square pixel.
     glm::vec2 HandlePoint(ManipulatorControl& gizmo, int id) {
         const LocalFrame& f = gizmo.getFrame();
-        tgeom::vec axes[3] = {f.xvector(), f.yvector(), f.zvector()};
         glm::vec2 o = Window(f.getPosition());
         if (id == 10)
             return o + glm::vec2(15.f, 0.f);
+        if ((id >= 4 && id <= 6) || id > 10) {
+            auto found = Handles(gizmo.GetId());
+            EXPECT_TRUE(found.count(static_cast<unsigned>(id))) << "handle " << id << " is drawn";
+            return glm::vec2(found[static_cast<unsigned>(id)].second) + glm::vec2(0.5f);
+        }
+        // Arrows follow the world axes when the gizmo says so; scale boxes always the frame's.
+        const bool world = gizmo.worldAxes() && id <= 3;
+        const tgeom::vec axes[3] = {world ? tgeom::vec(1, 0, 0) : f.xvector(),
+                                    world ? tgeom::vec(0, 1, 0) : f.yvector(),
+                                    world ? tgeom::vec(0, 0, 1) : f.zvector()};
         tgeom::vec a = axes[(id - 1) % 3];
         glm::vec2 u = glm::normalize(Window(f.getPosition() + a) - o);
         float s = std::sqrt(1.f - std::pow(glm::dot(a, camera->ViewDir()), 2.f));
-        if (id <= 3)
-            return o + u * (70.f * s) + glm::vec2(0.5f);
-        if (id >= 7)
-            return o + u * (120.f * s) + glm::vec2(0.5f);
-        auto found = Handles(gizmo.GetId());
-        EXPECT_TRUE(found.count(static_cast<unsigned>(id))) << "ring " << id << " is drawn";
-        return glm::vec2(found[static_cast<unsigned>(id)].second) + glm::vec2(0.5f);
+        return o + u * ((id <= 3 ? 70.f : 120.f) * s) + glm::vec2(0.5f);
     }
 
     GraphicsScene scene;
@@ -164,6 +172,7 @@ protected:
     int lastX = 0;
     int lastY = 0;
     int steps = 0;
+    int modifiers = 0;
 };
 
 /// Angle in radians and unit axis of the turn from `a` to `b`.
@@ -565,18 +574,236 @@ TEST_F(GizmoTest, ScaleHandlesStopAtAFloorAndUniformScalingScalesEveryAxis) {
     EXPECT_EQ(attached->getScale(), s);
 }
 
+TEST_F(GizmoTest, EverySnapCountsWholeStepsFromThePressAndTheModifierInvertsIt) {
+    ManipulatorControl gizmo(camera);
+    Add(gizmo);
+    gizmo.setPlaneHandles(true);
+    constexpr float kStep = 0.25f;
+    ASSERT_TRUE(gizmo.setTranslationIncrement(kStep));
+    ASSERT_TRUE(gizmo.setScaleIncrement(kStep));
+    gizmo.setSnapInvertModifiers(0x2);
+    const tgeom::quat orientation(std::cos(0.1f), 0.f, std::sin(0.1f), 0.f);
+    const tgeom::vec at = gizmo.getFrame().getPosition();
+    // What a drag changed, in the steps snapping counts: the move along the frame's axes, the scale
+    // factor's change, the turn in 5-degree steps.
+    auto measure = [&](int id) {
+        const LocalFrame& f = gizmo.getFrame();
+        if (id >= 4 && id <= 6)
+            return glm::vec3(TurnBetween(orientation, f.getOrientation()).first / (5.f * kDegree), 0.f, 0.f);
+        if (id >= 7 && id <= 9)
+            return (f.getScale() - 1.f) / kStep;
+        const tgeom::vec d = f.getPosition() - at;
+        return glm::vec3(glm::dot(d, f.xvector()), glm::dot(d, f.yvector()), glm::dot(d, f.zvector())) /
+               kStep;
+    };
+    auto whole = [](const glm::vec3& v) {
+        return glm::all(glm::lessThan(glm::abs(v - glm::round(v)), glm::vec3(2e-3f)));
+    };
+    for (int id : {1, 3, 11, 13, 10, 7, 8, 5}) {
+        // Snapping off, on with the modifier held (so off), on, off with the modifier held (so on).
+        const std::pair<bool, int> runs[] = {{false, 0}, {true, 2}, {true, 0}, {false, 2}};
+        glm::vec3 ends[4];
+        for (int run = 0; run < 4; ++run) {
+            SCOPED_TRACE("handle " + std::to_string(id) + ", run " + std::to_string(run));
+            const auto [on, held] = runs[run];
+            gizmo.setPosition(at.x, at.y, at.z);
+            gizmo.setOrientation(orientation.w, orientation.x, orientation.y, orientation.z);
+            gizmo.setScale(1.f, 1.f, 1.f);
+            gizmo.setTranslationIncrementOn(on);
+            gizmo.setScaleIncrementOn(on);
+            gizmo.setRotatationIncrementOn(on);
+            manager->UpdateLayers();
+            const glm::vec2 grab = HandlePoint(gizmo, id);
+            const glm::vec2 out = glm::normalize(grab - Window(at)),
+                            motion = out * 60.f + glm::vec2(-out.y, out.x) * 30.f;
+            const bool snapped = on != (held != 0);
+            modifiers = held;
+            PressAt(grab);
+            // A slow drag: every move is below a step, so snapping each move would never leave the press.
+            bool allWhole = true;
+            for (int i = 1; i <= 20; ++i) {
+                MoveTo(grab + motion * (static_cast<float>(i) / 20.f), 1);
+                allWhole = allWhole && whole(measure(id));
+            }
+            ReleaseAt(grab + motion);
+            modifiers = 0;
+            ends[run] = measure(id);
+            EXPECT_EQ(allWhole, snapped);
+        }
+        EXPECT_GE(glm::length(ends[0]), 1.f) << "handle " << id << " moved at least a step";
+        // Rotations keep whole steps towards the press, moves and scales go to the nearest step.
+        const glm::vec3 expected = id >= 4 && id <= 6 ? glm::trunc(ends[0]) : glm::round(ends[0]);
+        EXPECT_LT(glm::distance(ends[1], ends[0]), 2e-3f) << "handle " << id;
+        for (int run : {2, 3})
+            EXPECT_LT(glm::distance(ends[run], expected), 2e-3f) << "handle " << id << ": no creep";
+    }
+}
+
+TEST_F(GizmoTest, WithWorldAxesMovesAndTurnsFollowTheWorldWhileScalingStaysOnTheFrame) {
+    ManipulatorControl gizmo(camera);
+    Add(gizmo);
+    gizmo.setOrientation(std::cos(0.25f), std::sin(0.25f) * 0.6f, 0.f, std::sin(0.25f) * 0.8f);
+    gizmo.setWorldAxes(true);
+    manager->UpdateLayers();
+    const tgeom::vec world[3] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+    for (int id : {1, 2, 3, 7, 8})
+        EXPECT_EQ(Hit(HandlePoint(gizmo, id)).second, static_cast<unsigned>(id)) << "handle " << id;
+    for (int id : {1, 2, 3}) {
+        const tgeom::vec p0 = gizmo.getFrame().getPosition();
+        const glm::vec2 grab = HandlePoint(gizmo, id);
+        Drag(grab, grab + glm::normalize(grab - Window(p0)) * 40.f + glm::vec2(7.f, -5.f));
+        const tgeom::vec moved = gizmo.getFrame().getPosition() - p0;
+        EXPECT_GT(glm::length(moved), 0.05f) << "arrow " << id;
+        EXPECT_NEAR(glm::length(glm::cross(moved, world[id - 1])), 0.f, 1e-3f)
+            << "along the world, arrow " << id;
+        manager->UpdateLayers();
+    }
+    for (int id : {4, 5, 6}) {
+        const tgeom::quat before = gizmo.getFrame().getOrientation();
+        Click(HandlePoint(gizmo, id));
+        auto [angle, axis] = TurnBetween(before, gizmo.getFrame().getOrientation());
+        EXPECT_NEAR(angle, 1.5707964f, 1e-4f) << "ring " << id;
+        EXPECT_NEAR(glm::dot(axis, world[id - 4]), 1.f, 1e-4f) << "about the world's axis, ring " << id;
+        manager->UpdateLayers();
+    }
+    // A scale box scales the frame along its own axis, where it is drawn.
+    const LocalFrame before = gizmo.getFrame();
+    const glm::vec2 box = HandlePoint(gizmo, 8);
+    Drag(box, box + glm::normalize(box - Window(before.getPosition())) * 40.f);
+    EXPECT_NEAR(gizmo.getFrame().getScale().y, 1.2f, 1e-2f);
+    EXPECT_EQ(gizmo.getFrame().getScale().x, 1.f);
+    EXPECT_EQ(gizmo.getFrame().getOrientation(), before.getOrientation());
+}
+
+TEST_F(GizmoTest, PlaneSquaresArePickedWhereDrawnAndMoveInTheirPlaneUnderThePointer) {
+    ManipulatorControl gizmo(camera);
+    Add(gizmo);
+    EXPECT_EQ(Handles(gizmo.GetId()).count(11), 0u) << "off by default";
+    gizmo.setPlaneHandles(true);
+    manager->UpdateLayers();
+    const LocalFrame& f = gizmo.getFrame();
+    for (unsigned id : {ManipulatorControl::kTranslateYZ, ManipulatorControl::kTranslateZX,
+                        ManipulatorControl::kTranslateXY}) {
+        SCOPED_TRACE(id);
+        GUI::GUIManager::PartLocation where;
+        ASSERT_TRUE(manager->Locate(&gizmo, id, where));
+        EXPECT_GT(where.pixels, 60);
+        EXPECT_EQ(Hit({where.overlayPixel.x + 0.5f, where.overlayPixel.y + 0.5f}).second, id);
+        const tgeom::vec normal = id == 11 ? f.xvector() : id == 12 ? f.yvector() : f.zvector();
+        const tgeom::vec p0 = f.getPosition();
+        const glm::vec2 grab(where.overlayPixel.x + 0.5f, where.overlayPixel.y + 0.5f),
+            to = grab + glm::vec2(35.f, -25.f);
+        Drag(grab, to);
+        const tgeom::vec moved = f.getPosition() - p0;
+        EXPECT_NEAR(glm::dot(moved, normal), 0.f, 1e-4f) << "in the plane";
+        // The point of the plane under the pointer keeps its place on the square.
+        auto onPlane = [&](glm::vec2 window, tgeom::vec origin) {
+            const glm::vec4 view(0, 0, kW, kH);
+            glm::vec3 a = glm::unProject(glm::vec3(glm::floor(window), 0.f), camera->ViewMatrix(),
+                                         camera->ProjectionMatrix(), view);
+            glm::vec3 b = glm::unProject(glm::vec3(glm::floor(window), 1.f), camera->ViewMatrix(),
+                                         camera->ProjectionMatrix(), view);
+            return a + (b - a) * (glm::dot(origin - a, normal) / glm::dot(b - a, normal)) - origin;
+        };
+        EXPECT_LT(glm::distance(onPlane(to, f.getPosition()), onPlane(grab, p0)), 2e-3f);
+        manager->UpdateLayers();
+    }
+    // A square needs both of its plane's arrows.
+    gizmo.enableTranslation(true, false, true);
+    manager->UpdateLayers();
+    auto drawn = Handles(gizmo.GetId());
+    EXPECT_EQ(std::make_tuple(drawn.count(11), drawn.count(12), drawn.count(13)),
+              std::make_tuple(0u, 1u, 0u));
+}
+
+TEST_F(GizmoTest, ADisabledOrHiddenGizmoLetsThePointerThroughAndCancelsItsDrag) {
+    struct Host : InputHandler {
+        DrawFlags mousePressEvent(VX_UI::MouseEvent*) override {
+            ++presses;
+            return DRAW_SCENE;
+        }
+        int presses = 0;
+    } host;
+    input->addScreenHandler(&host);
+    ManipulatorControl gizmo(camera);
+    Add(gizmo);
+    const glm::vec2 arrow = HandlePoint(gizmo, 1);
+    const auto lit = LayerColor(arrow);
+    const std::function<void(bool)> switches[] = {[&](bool v) { gizmo.SetEnabled(v); },
+                                                  [&](bool v) { gizmo.SetVisible(v); }};
+    for (int which = 0; which < 2; ++which) {
+        SCOPED_TRACE(which == 0 ? "disabled" : "hidden");
+        int cancelled = 0;
+        auto connection =
+            gizmo.dragCancelledSignal.connect([&](const LocalFrame&, const LocalFrame&) { ++cancelled; });
+        const LocalFrame atPress = gizmo.getFrame();
+        PressAt(arrow);
+        MoveTo(arrow + glm::vec2(30.f, 0.f), 1);
+        switches[which](false);
+        EXPECT_EQ(cancelled, 1) << "a drag under way is cancelled";
+        EXPECT_EQ(gizmo.getFrame().getPosition(), atPress.getPosition());
+        ReleaseAt(arrow + glm::vec2(30.f, 0.f));
+        manager->UpdateLayers();
+        EXPECT_TRUE(Handles(gizmo.GetId()).empty()) << "no ids: the pointer goes to what is behind";
+        const auto dim = LayerColor(arrow);
+        if (which == 0)
+            EXPECT_TRUE(dim[3] > 0 && dim[3] < 128 && dim[0] < lit[0]) << "drawn dimmed";
+        else
+            EXPECT_EQ(dim[3], 0) << "not drawn";
+        const int before = host.presses;
+        PressAt(arrow);
+        ReleaseAt(arrow);
+        EXPECT_EQ(host.presses - before, 1) << "the host got the press";
+        EXPECT_EQ(gizmo.getFrame().getPosition(), atPress.getPosition());
+        switches[which](true);
+        manager->UpdateLayers();
+        EXPECT_EQ(Hit(arrow), std::make_pair(gizmo.GetId(), 1u));
+        EXPECT_EQ(LayerColor(arrow), lit);
+        connection.disconnect();
+    }
+}
+
+TEST_F(GizmoTest, SnapStepsThatCannotWorkAreRefusedAndTheLastGoodOneKept) {
+    ManipulatorControl gizmo(camera);
+    const std::pair<std::function<bool(float)>, std::function<float()>> settings[] = {
+        {[&](float v) { return gizmo.setTranslationIncrement(v); },
+         [&] { return gizmo.translationIncrement(); }},
+        {[&](float v) { return gizmo.setScaleIncrement(v); }, [&] { return gizmo.scaleIncrement(); }},
+        {[&](float v) {
+             gizmo.setRotationIncrement(v);
+             return gizmo.rotationIncrement() == v;
+         },
+         [&] { return gizmo.rotationIncrement(); }}};
+    for (const auto& [set, get] : settings) {
+        EXPECT_TRUE(set(0.5f));
+        for (float bad : {0.f, -1.f, std::nanf(""), INFINITY, 1e30f}) {
+            testing::internal::CaptureStdout();
+            EXPECT_FALSE(set(bad)) << bad;
+            EXPECT_NE(testing::internal::GetCapturedStdout().find("is not a usable step"), std::string::npos)
+                << bad;
+            EXPECT_EQ(get(), 0.5f) << bad;
+        }
+    }
+}
+
 TEST_F(GizmoTest, ADragSignalsSlotMayDeleteTheGizmo) {
-    for (int which = 0; which < 3; ++which) {
+    // Started, ended, then cancelled by Escape, by disabling and by hiding the gizmo.
+    for (int which = 0; which < 5; ++which) {
         SCOPED_TRACE(which);
         auto* gizmo = new ManipulatorControl(camera);
         Add(*gizmo);
         ManipulatorControl::DragSignal* signals[] = {&gizmo->dragStartedSignal, &gizmo->dragEndedSignal,
                                                      &gizmo->dragCancelledSignal};
-        signals[which]->connect([gizmo](const LocalFrame&, const LocalFrame&) { delete gizmo; });
+        signals[std::min(which, 2)]->connect([gizmo](const LocalFrame&, const LocalFrame&) { delete gizmo; });
         const glm::vec2 grab = HandlePoint(*gizmo, 1);
         PressAt(grab);
         MoveTo(grab + glm::vec2(20.f, 0.f), 1);
-        input->keyPressEvent(which == 2 ? 27 : 65, 0);
+        if (which == 3)
+            gizmo->SetEnabled(false);
+        else if (which == 4)
+            gizmo->SetVisible(false);
+        else
+            input->keyPressEvent(which == 2 ? 27 : 65, 0);
         ReleaseAt(grab + glm::vec2(20.f, 0.f));
         EXPECT_TRUE(manager->Controls().empty());
     }
@@ -704,6 +931,15 @@ TEST_F(GizmoTest, PlaneOutlineFollowsTheFrameAndHidesWithIt) {
     box = outlineBox();
     EXPECT_NEAR(static_cast<float>(box[1] - box[0]) / static_cast<float>(box[3] - box[2]), 2.f, 0.05f);
     EXPECT_FALSE(Handles(plane.GetId()).empty());
+
+    // Disabled, the outline fades with the gizmo (no pure white left) and nothing is picked.
+    plane.SetEnabled(false);
+    manager->UpdateLayers();
+    EXPECT_EQ(outlineBox()[1], -1);
+    EXPECT_TRUE(Handles(plane.GetId()).empty());
+    plane.SetEnabled(true);
+    manager->UpdateLayers();
+    EXPECT_EQ(outlineBox(), box);
 }
 
 TEST_F(GizmoTest, ShadersLackingUniformsAreReportedAndDrawingGoesOn) {

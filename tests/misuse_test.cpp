@@ -14,6 +14,8 @@
 #include <functional>
 #include <memory>
 
+using namespace GraphicsBase;
+
 using GUI::Controls::Base;
 
 TEST(Misuse, RefusedWithAMessageAndNoChange) {

@@ -18,6 +18,8 @@
 #include <string>
 #include <vector>
 
+using namespace GraphicsBase;
+
 using GUI::Geometry::Point;
 using GUI::Geometry::Rectangle;
 using GUI::Geometry::TexturedRectangle;

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+using namespace GraphicsBase;
+
 using GUI::Texture::OpenglTexture;
 using trelvo::test::GLTest;
 

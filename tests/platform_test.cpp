@@ -12,6 +12,8 @@
 
 #include <cmath>
 
+using namespace GraphicsBase;
+
 namespace {
 void expectNear(const glm::vec3& a, const glm::vec3& b, float tolerance = 1e-5f) {
     EXPECT_NEAR(a.x, b.x, tolerance);

@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace {
 
 using trelvo::test::EncodePng;

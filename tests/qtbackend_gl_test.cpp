@@ -18,6 +18,8 @@
 #include <cstdlib>
 #include <memory>
 
+using namespace GraphicsBase;
+
 namespace {
 
 /// What each host view initialises in initializeGL: the overlay and one button on it.

@@ -23,6 +23,8 @@
 #include <string>
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace {
 using trelvo::test::AnalyticScene;
 using trelvo::test::ReferencePixel;

@@ -12,6 +12,8 @@
 
 #include <memory>
 
+using namespace GraphicsBase;
+
 namespace {
 
 class KeyRecorder : public InputHandler {

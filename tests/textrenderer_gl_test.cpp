@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace {
 
 using GUI::Geometry::Rectangle;

@@ -30,6 +30,8 @@
 #include <string>
 #include <vector>
 
+using namespace GraphicsBase;
+
 using GUI::Geometry::Rectangle;
 using GUI::Texture::Area;
 using GUI::Texture::Atlas;

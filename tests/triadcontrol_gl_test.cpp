@@ -17,6 +17,8 @@
 
 #include <GL/glew.h>
 
+using namespace GraphicsBase;
+
 namespace {
 
 const glm::vec3 kNormals[6] = {{0, -1, 0}, {0, 1, 0}, {0, 0, 1}, {-1, 0, 0}, {0, 0, -1}, {1, 0, 0}};

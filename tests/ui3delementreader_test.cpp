@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace {
 
 bool Load(const std::string& text, std::vector<UI3DVertex>& out, std::string& error) {

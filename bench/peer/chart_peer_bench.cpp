@@ -1,8 +1,9 @@
 // Charts in TrelvoGUI and in Dear ImGui on one headless context: a trace of n samples with one spike,
-// drawn 600 pixels wide. ImGui's PlotLines runs twice, with its default auto-scaling (it reads every
-// sample each frame to find the range) and with a fixed scale (it reads about one sample a pixel);
-// ratios are taken against the faster of the two. Frames of the three are measured in alternating
-// blocks; medians of CPU time, and of wall time with glFinish. Prints one line per ratio:
+// drawn 600 pixels wide, as a line (PlotLines) and as bars (PlotHistogram; cases prefixed "bars-"). ImGui's
+// PlotLines runs twice, with its default auto-scaling (it reads every sample each frame to find the range)
+// and with a fixed scale (it reads about one sample a pixel); ratios are taken against the faster of the two.
+// Frames of the three are measured in alternating blocks; medians of CPU time, and of wall time with
+// glFinish. Prints one line per ratio:
 //
 //     RATIO chart <case> <n> <trelvo/peer>
 //
@@ -11,7 +12,7 @@
 // the plot: TrelvoGUI's copy and pyramid against the float array the peer reads); and whether the
 // spike is in the picture, as "SPIKE chart <contestant> <n> <0|1>".
 //
-//     chart_peer_bench [--blocks B] [--frames F] [--n N]
+//     chart_peer_bench [--blocks B] [--frames F] [--n N] [--case NAME]
 #include <trelvogui/datasetrenderer.h>
 #include <trelvogui/gui/guimanager.h>
 #include <trelvogui/xyplotcontrol.h>
@@ -31,7 +32,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <string>
 #include <vector>
+
+using namespace GraphicsBase;
 
 namespace {
 constexpr int kWidth = 1280, kHeight = 720;
@@ -49,12 +53,14 @@ std::vector<float> Trace(std::size_t n) {
 
 class TrelvoPlot {
 public:
-    explicit TrelvoPlot(const std::vector<float>& samples) : manager_(std::make_shared<GUI::GUIManager>()) {
+    TrelvoPlot(const std::vector<float>& samples, bool bars) : manager_(std::make_shared<GUI::GUIManager>()) {
         manager_->Initialize();
         manager_->Resize(kWidth, kHeight);
         plot_.Initialize();
         set_.Initialize();
         set_.SetData(samples.data(), samples.size());
+        if (bars)
+            set_.SetStyle(DataSetRenderer::Bars);
         plot_.SetAutoScale(false);
         // The plot area lands on the same pixels as the peer's.
         plot_.SetRectangle({kPlotX - 72, kPlotX + kPlotW + 14, kPlotY - 48, kPlotY + kPlotH + 26});
@@ -104,7 +110,8 @@ private:
 
 class PeerPlot {
 public:
-    PeerPlot(const std::vector<float>& samples, bool autoScale) : samples_(samples), autoScale_(autoScale) {
+    PeerPlot(const std::vector<float>& samples, bool autoScale, bool bars)
+        : samples_(samples), autoScale_(autoScale), bars_(bars) {
         context_ = ImGui::CreateContext();
         ImGui::SetCurrentContext(context_);
         ImGuiIO& io = ImGui::GetIO();
@@ -129,8 +136,12 @@ public:
         ImGui::Begin("trace", nullptr, ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_NoSavedSettings);
         ImGui::SetCursorPos(ImVec2(8.f, 8.f));
         const float lo = autoScale_ ? FLT_MAX : -2.f, hi = autoScale_ ? FLT_MAX : kSpike + 5.f;
-        ImGui::PlotLines("##trace", samples_.data() + offset_, count_, 0, nullptr, lo, hi,
-                         ImVec2(float(kPlotW), float(kPlotH)));
+        if (bars_)
+            ImGui::PlotHistogram("##trace", samples_.data() + offset_, count_, 0, nullptr, lo, hi,
+                                 ImVec2(float(kPlotW), float(kPlotH)));
+        else
+            ImGui::PlotLines("##trace", samples_.data() + offset_, count_, 0, nullptr, lo, hi,
+                             ImVec2(float(kPlotW), float(kPlotH)));
         ImGui::End();
         ImGui::Render();
         ImGui_ImplOpenGL3_RenderDrawData(ImGui::GetDrawData());
@@ -159,7 +170,7 @@ public:
 
 private:
     const std::vector<float>& samples_;
-    bool autoScale_;
+    bool autoScale_, bars_;
     ImGuiContext* context_ = nullptr;
     int offset_ = 0, count_ = 0;
 };
@@ -179,12 +190,15 @@ bool SpikeVisible() {
 
 int main(int argc, char** argv) {
     int blocks = 6, frames = 6;
+    const char* only = nullptr;
     std::vector<std::size_t> sizes{1000, 100000, 1000000, 10000000};
     for (int i = 1; i + 1 < argc; ++i) {
         if (!std::strcmp(argv[i], "--blocks"))
             blocks = std::atoi(argv[++i]);
         else if (!std::strcmp(argv[i], "--frames"))
             frames = std::atoi(argv[++i]);
+        else if (!std::strcmp(argv[i], "--case"))
+            only = argv[++i];
         else if (!std::strcmp(argv[i], "--n"))
             sizes = {static_cast<std::size_t>(std::atoll(argv[++i]))};
     }
@@ -197,61 +211,70 @@ int main(int argc, char** argv) {
                 blocks, frames);
     for (std::size_t n : sizes) {
         const std::vector<float> samples = Trace(n);
-        TrelvoPlot trelvo(samples);
-        PeerPlot autoScaled(samples, true), fixed(samples, false);
-        struct Case {
-            const char* name;
-            void (TrelvoPlot::*trelvoStep)(int);
-            void (PeerPlot::*peerStep)(int);
-        };
-        const Case cases[] = {{"idle", nullptr, nullptr},
-                              {"hover", &TrelvoPlot::Hover, &PeerPlot::Hover},
-                              {"pan", &TrelvoPlot::Pan, &PeerPlot::Pan},
-                              {"zoom", &TrelvoPlot::Zoom, &PeerPlot::Zoom}};
-        for (const Case& c : cases) {
-            peer::Sample t, a, f;
-            for (int block = 0; block < blocks; ++block) {
-                for (int k = 0; k < frames; ++k)
-                    peer::Measure(t, [&] {
-                        if (c.trelvoStep)
-                            (trelvo.*c.trelvoStep)(k);
-                        peer::Clear(kWidth, kHeight);
-                        trelvo.Frame();
-                    });
-                for (PeerPlot* p : {&autoScaled, &fixed})
+        // The trace as a line (the peer's PlotLines) and as bars (its PlotHistogram).
+        for (bool bars : {false, true}) {
+            const std::string kind = bars ? "bars-" : "";
+            TrelvoPlot trelvo(samples, bars);
+            PeerPlot autoScaled(samples, true, bars), fixed(samples, false, bars);
+            struct Case {
+                const char* name;
+                void (TrelvoPlot::*trelvoStep)(int);
+                void (PeerPlot::*peerStep)(int);
+            };
+            const Case cases[] = {{"idle", nullptr, nullptr},
+                                  {"hover", &TrelvoPlot::Hover, &PeerPlot::Hover},
+                                  {"pan", &TrelvoPlot::Pan, &PeerPlot::Pan},
+                                  {"zoom", &TrelvoPlot::Zoom, &PeerPlot::Zoom}};
+            for (const Case& c : cases) {
+                const std::string name = kind + c.name;
+                if (only && name != only)
+                    continue;
+                peer::Sample t, a, f;
+                for (int block = 0; block < blocks; ++block) {
                     for (int k = 0; k < frames; ++k)
-                        peer::Measure(p == &autoScaled ? a : f, [&] {
-                            if (c.peerStep)
-                                (p->*c.peerStep)(k);
+                        peer::Measure(t, [&] {
+                            if (c.trelvoStep)
+                                (trelvo.*c.trelvoStep)(k);
                             peer::Clear(kWidth, kHeight);
-                            p->Frame();
+                            trelvo.Frame();
                         });
+                    for (PeerPlot* p : {&autoScaled, &fixed})
+                        for (int k = 0; k < frames; ++k)
+                            peer::Measure(p == &autoScaled ? a : f, [&] {
+                                if (c.peerStep)
+                                    (p->*c.peerStep)(k);
+                                peer::Clear(kWidth, kHeight);
+                                p->Frame();
+                            });
+                }
+                using S = peer::Sample;
+                const double tc = S::Median(t.cpu), tw = S::Median(t.wall);
+                const double pc = std::min(S::Median(a.cpu), S::Median(f.cpu));
+                const double pw = std::min(S::Median(a.wall), S::Median(f.wall));
+                std::printf(
+                    "# %s n=%zu: TrelvoGUI %.3f ms CPU (%.3f ms its own thread) %.3f ms wall; peer auto "
+                    "%.3f / %.3f ms, fixed %.3f / %.3f ms\n",
+                    name.c_str(), n, tc * 1e3, S::Median(t.thread) * 1e3, tw * 1e3, S::Median(a.cpu) * 1e3,
+                    S::Median(a.wall) * 1e3, S::Median(f.cpu) * 1e3, S::Median(f.wall) * 1e3);
+                std::printf("RATIO chart %s %zu %.3f\n", name.c_str(), n, tc / pc);
+                std::printf("RATIO chart %s-wall %zu %.3f\n", name.c_str(), n, tw / pw);
+                trelvo.Reset();
+                autoScaled.Reset();
+                fixed.Reset();
             }
-            using S = peer::Sample;
-            const double tc = S::Median(t.cpu), tw = S::Median(t.wall);
-            const double pc = std::min(S::Median(a.cpu), S::Median(f.cpu));
-            const double pw = std::min(S::Median(a.wall), S::Median(f.wall));
-            std::printf(
-                "# %s n=%zu: TrelvoGUI %.3f ms CPU %.3f ms wall; PlotLines auto %.3f / %.3f ms, fixed "
-                "%.3f / %.3f ms\n",
-                c.name, n, tc * 1e3, tw * 1e3, S::Median(a.cpu) * 1e3, S::Median(a.wall) * 1e3,
-                S::Median(f.cpu) * 1e3, S::Median(f.wall) * 1e3);
-            std::printf("RATIO chart %s %zu %.3f\n", c.name, n, tc / pc);
-            std::printf("RATIO chart %s-wall %zu %.3f\n", c.name, n, tw / pw);
-            trelvo.Reset();
-            autoScaled.Reset();
-            fixed.Reset();
-        }
-        std::printf("RATIO chart memory %zu %.3f\n", n, double(trelvo.Bytes()) / double(n * sizeof(float)));
-        // The spike in the whole trace, as each contestant draws it.
-        peer::Clear(kWidth, kHeight);
-        trelvo.Frame();
-        std::printf("SPIKE chart trelvo %zu %d\n", n, SpikeVisible() ? 1 : 0);
-        for (PeerPlot* p : {&autoScaled, &fixed}) {
+            if (!bars)
+                std::printf("RATIO chart memory %zu %.3f\n", n,
+                            double(trelvo.Bytes()) / double(n * sizeof(float)));
+            // The spike in the whole trace, as each contestant draws it.
             peer::Clear(kWidth, kHeight);
-            p->Frame();
-            std::printf("SPIKE chart peer-%s %zu %d\n", p == &autoScaled ? "auto" : "fixed", n,
-                        SpikeVisible() ? 1 : 0);
+            trelvo.Frame();
+            std::printf("SPIKE chart %strelvo %zu %d\n", kind.c_str(), n, SpikeVisible() ? 1 : 0);
+            for (PeerPlot* p : {&autoScaled, &fixed}) {
+                peer::Clear(kWidth, kHeight);
+                p->Frame();
+                std::printf("SPIKE chart %speer-%s %zu %d\n", kind.c_str(),
+                            p == &autoScaled ? "auto" : "fixed", n, SpikeVisible() ? 1 : 0);
+            }
         }
     }
     return 0;

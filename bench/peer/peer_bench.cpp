@@ -41,6 +41,8 @@
 #include <string>
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace {
 constexpr int kWidth = 1280;
 constexpr int kHeight = 720;

@@ -6,6 +6,8 @@
 #include <cmath>
 #include <cstdio>
 
+namespace GraphicsBase {
+
 namespace {
 
 bool Finite(const tgeom::mat4& m) {
@@ -126,3 +128,5 @@ void Camera::SetMatrixParams(RendererBase* renderer) const {
     renderer->SetProjectionMatrix(projection_);
     renderer->SetViewport(width_, height_);
 }
+
+} // namespace GraphicsBase

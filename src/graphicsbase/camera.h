@@ -4,6 +4,8 @@
 #include <graphicsbase/graphicsbase_export.h>
 #include <graphicsbase/tgeom.h>
 
+namespace GraphicsBase {
+
 class RendererBase;
 
 /// Camera looking from Position() at Target(). Call CalcMatrices() after changing it, or hand it the
@@ -76,3 +78,5 @@ private:
     tgeom::mat4 projection_{1.f};
     bool hostProjection_ = false;
 };
+
+} // namespace GraphicsBase

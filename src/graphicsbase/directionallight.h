@@ -4,6 +4,8 @@
 #include <graphicsbase/graphicsbase_export.h>
 #include <graphicsbase/tgeom.h>
 
+namespace GraphicsBase {
+
 /// Ambient, diffuse and specular RGBA colours and a position; the light shines from the position
 /// towards the origin.
 struct GRAPHICSBASE_EXPORT DirectionalLight {
@@ -15,3 +17,5 @@ struct GRAPHICSBASE_EXPORT DirectionalLight {
     /// Unit vector from the origin towards the light.
     tgeom::vec Direction() const;
 };
+
+} // namespace GraphicsBase

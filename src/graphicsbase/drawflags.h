@@ -1,6 +1,8 @@
 #pragma once
 // Bit set every input entry and control handler returns: what the host must redraw.
 
+namespace GraphicsBase {
+
 /// 0: not consumed, nothing to redraw. Results combine with bitwise or.
 enum DrawFlags : unsigned int {
     DRAW_NOTHING = 0,
@@ -21,3 +23,5 @@ constexpr DrawFlags operator&(DrawFlags a, DrawFlags b) {
 inline DrawFlags& operator|=(DrawFlags& a, DrawFlags b) {
     return a = a | b;
 }
+
+} // namespace GraphicsBase

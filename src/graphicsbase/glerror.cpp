@@ -4,6 +4,7 @@
 #include <GL/glew.h>
 
 namespace GraphicsBase {
+
 unsigned int CheckOpenGLError(const char* file, int line) {
     GLenum error = glGetError();
     if (error != GL_NO_ERROR)
@@ -11,4 +12,5 @@ unsigned int CheckOpenGLError(const char* file, int line) {
                                     line, static_cast<unsigned>(error));
     return error;
 }
+
 } // namespace GraphicsBase

@@ -7,6 +7,7 @@
 #include <cstdio>
 
 namespace GraphicsBase {
+
 namespace {
 bool fail(std::string* error, const std::string& why) {
     if (error)

@@ -6,6 +6,8 @@
 
 #include <memory>
 
+namespace GraphicsBase {
+
 class Camera;
 
 /// A RendererBase that optionally keeps the host camera it draws with.
@@ -20,3 +22,5 @@ public:
 private:
     std::shared_ptr<Camera> camera_;
 };
+
+} // namespace GraphicsBase

@@ -4,6 +4,8 @@
 
 #include <GL/glew.h>
 
+namespace GraphicsBase {
+
 namespace GL {
 namespace {
 const char* kFile = "glscopedbindings";
@@ -21,10 +23,15 @@ GLenum UnitEnum(int unit) {
 
 // The unit left active for the library's own work: a texture bound in passing lands here.
 constexpr int kWorkUnit = 15;
+
+// How many guards are open: the outermost one holds the host's state, the ones inside it the
+// library's own (GL work happens on one thread).
+int nesting = 0;
 } // namespace
 
 GLScopedBindings::GLScopedBindings() {
     save();
+    ++nesting;
     prepare();
 }
 
@@ -96,7 +103,11 @@ void GLScopedBindings::prepare() {
     for (const auto& mask : colorMask_)
         for (unsigned char channel : mask)
             fullMask = fullMask && channel;
-    if (!fullMask)
+    // The host's masks go; inside the library's own guard the id buffer keeps its mask, which the
+    // library sets on purpose (a disabled control draws without ids).
+    if (!fullMask && nesting > 1)
+        glColorMaski(0, GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+    else if (!fullMask)
         glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     if (polygonMode_[0] != GL_FILL || polygonMode_[1] != GL_FILL)
         glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
@@ -165,7 +176,10 @@ GLScopedBindings::~GLScopedBindings() {
     glPixelStorei(GL_UNPACK_ROW_LENGTH, pixelStore_[3]);
     glBindBuffer(GL_PIXEL_PACK_BUFFER, static_cast<GLuint>(packBuffer_));
     glBindBuffer(GL_PIXEL_UNPACK_BUFFER, static_cast<GLuint>(unpackBuffer_));
+    --nesting;
     GB_CHECK_GL(kFile);
 }
 
 } // namespace GL
+
+} // namespace GraphicsBase

@@ -4,6 +4,8 @@
 
 #include <graphicsbase/graphicsbase_export.h>
 
+namespace GraphicsBase {
+
 namespace GL {
 
 /// The guard every library entry point that touches GL opens first, so that the library lives inside
@@ -78,3 +80,5 @@ private:
 };
 
 } // namespace GL
+
+} // namespace GraphicsBase

@@ -5,6 +5,8 @@
 
 #include <GL/glew.h>
 
+namespace GraphicsBase {
+
 namespace GL {
 
 GLScopedSetter::Record* GLScopedSetter::push() {
@@ -117,3 +119,5 @@ GLScopedSetter::~GLScopedSetter() {
 }
 
 } // namespace GL
+
+} // namespace GraphicsBase

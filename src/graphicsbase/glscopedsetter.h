@@ -5,6 +5,8 @@
 
 #include <cstddef>
 
+namespace GraphicsBase {
+
 namespace GL {
 
 struct Enable {
@@ -76,3 +78,5 @@ private:
 };
 
 } // namespace GL
+
+} // namespace GraphicsBase

@@ -12,6 +12,8 @@
 #include <sstream>
 #include <utility>
 
+namespace GraphicsBase {
+
 namespace {
 
 constexpr const char* kTag = "glslprogram";
@@ -274,3 +276,5 @@ void GLSLProgram::end() {
     glUseProgram(0);
     GB_CHECK_GL(kTag);
 }
+
+} // namespace GraphicsBase

@@ -6,11 +6,13 @@
 #include <string>
 #include <vector>
 
+namespace GraphicsBase {
+
 /// Shader stages are added by file name and linked into one program. A name is looked up first in
 /// the directories of TRELVOGUI_SHADER_PATH (colon-separated), so shaders can be edited without a
 /// rebuild, then among the embedded resources of type "SHADER". A line `#include "name"` in a
-/// shader takes the text of the named file, looked up the same way (one level deep). Failures print the driver's log with
-/// the file name and return false. Move-only: owns its program and shader objects.
+/// shader takes the text of the named file, looked up the same way (one level deep). Failures print the
+/// driver's log with the file name and return false. Move-only: owns its program and shader objects.
 class GRAPHICSBASE_EXPORT GLSLProgram {
 public:
     GLSLProgram() = default;
@@ -50,3 +52,5 @@ private:
     std::string failedShader_;
     bool linked_ = false;
 };
+
+} // namespace GraphicsBase

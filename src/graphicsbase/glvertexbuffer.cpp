@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <utility>
 
+namespace GraphicsBase {
+
 namespace {
 
 constexpr const char* kTag = "glvertexbuffer";
@@ -234,3 +236,5 @@ bool GLVertexBuffer::draw(int mode, int first, int count) const {
     GB_CHECK_GL(kTag);
     return true;
 }
+
+} // namespace GraphicsBase

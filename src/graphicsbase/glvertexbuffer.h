@@ -5,6 +5,8 @@
 
 #include <cstddef>
 
+namespace GraphicsBase {
+
 /// Usage: declare the attributes in shader location order with addAttribute, call finishLayout once
 /// (creates the GL objects), upload vertices (and indices) with upload, then draw. Attribute i is
 /// fed to shader location i, interleaved in declaration order. Move-only: owns its VAO, VBO and IBO.
@@ -84,3 +86,5 @@ private:
     int vertexCount_ = 0;
     int indexCount_ = 0;
 };
+
+} // namespace GraphicsBase

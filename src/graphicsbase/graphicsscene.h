@@ -4,6 +4,8 @@
 #include <graphicsbase/drawflags.h>
 #include <graphicsbase/graphicsbase_export.h>
 
+namespace GraphicsBase {
+
 /// Hosts derive from this (or use it directly) to learn what an input event requires redrawing.
 class GRAPHICSBASE_EXPORT GraphicsScene {
 public:
@@ -16,3 +18,5 @@ public:
 private:
     DrawFlags flags_ = DRAW_NOTHING;
 };
+
+} // namespace GraphicsBase

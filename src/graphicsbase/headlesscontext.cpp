@@ -7,6 +7,8 @@
 
 #include <cstring>
 
+namespace GraphicsBase {
+
 #ifndef EGL_PLATFORM_SURFACELESS_MESA
 #define EGL_PLATFORM_SURFACELESS_MESA 0x31DD
 #endif
@@ -131,3 +133,5 @@ bool HeadlessGLContext::fail(const std::string& what) {
     valid_ = false;
     return false;
 }
+
+} // namespace GraphicsBase

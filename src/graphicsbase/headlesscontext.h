@@ -5,6 +5,8 @@
 
 #include <string>
 
+namespace GraphicsBase {
+
 /// Creates a width x height OpenGL 3.3 (or newer, compatible) core-profile context through EGL's
 /// surfaceless platform, with a pbuffer as the default framebuffer, and makes it current. The GL
 /// entry points are loaded for it. Check Valid(); Error() says why creation failed.
@@ -36,3 +38,5 @@ private:
     void* surface_ = nullptr;
     void* context_ = nullptr;
 };
+
+} // namespace GraphicsBase

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace GraphicsBase {
+
 InputHandler::~InputHandler() {
     // Taken out first: a registry's callback may remove other observers of this handler.
     auto observers = std::move(removalObservers_);
@@ -21,3 +23,5 @@ void InputHandler::RemoveRemovalObserver(const void* owner) {
                                            [owner](const auto& entry) { return entry.first == owner; }),
                             removalObservers_.end());
 }
+
+} // namespace GraphicsBase

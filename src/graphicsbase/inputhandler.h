@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+namespace GraphicsBase {
+
 /// Every entry point returns what must be redrawn; the defaults ignore the event and return 0.
 class GRAPHICSBASE_EXPORT InputHandler {
 public:
@@ -56,3 +58,5 @@ private:
     int id_ = 0;
     std::vector<std::pair<const void*, std::function<void(InputHandler*)>>> removalObservers_;
 };
+
+} // namespace GraphicsBase

@@ -2,6 +2,8 @@
 
 #include <glm/gtc/matrix_transform.hpp>
 
+namespace GraphicsBase {
+
 void LocalFrame::setOrientation(const tgeom::quat& q) {
     float len = glm::length(q);
     orientation_ = len > 0.f ? q / len : tgeom::quat(1.f, 0.f, 0.f, 0.f);
@@ -39,3 +41,5 @@ tgeom::mat4 LocalFrame::getMatrix() const {
     m = m * glm::mat4_cast(orientation_);
     return glm::scale(m, scale_);
 }
+
+} // namespace GraphicsBase

@@ -4,6 +4,8 @@
 #include <graphicsbase/graphicsbase_export.h>
 #include <graphicsbase/tgeom.h>
 
+namespace GraphicsBase {
+
 /// Position, unit orientation and per-axis scale. The axis vectors are the rotated unit axes.
 class GRAPHICSBASE_EXPORT LocalFrame {
 public:
@@ -40,3 +42,5 @@ private:
     tgeom::quat orientation_{1.f, 0.f, 0.f, 0.f};
     tgeom::vec scale_{1.f, 1.f, 1.f};
 };
+
+} // namespace GraphicsBase

@@ -3,6 +3,8 @@
 #include <cstdarg>
 #include <vector>
 
+namespace GraphicsBase {
+
 LogFile& LogFile::Instance() {
     static LogFile instance;
     return instance;
@@ -67,3 +69,5 @@ int LogFile::AddObserver(Observer observer) {
 void LogFile::RemoveObserver(int handle) {
     observers_.erase(handle);
 }
+
+} // namespace GraphicsBase

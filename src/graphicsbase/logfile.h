@@ -8,6 +8,8 @@
 #include <map>
 #include <string>
 
+namespace GraphicsBase {
+
 /// Levels AddLine takes, as plain ints: 2 for warnings, 5 for information. Scoped rather than
 /// LOG_-prefixed, because <syslog.h> defines macros of those names and hosts include both.
 namespace LogLevel {
@@ -53,3 +55,5 @@ private:
     int nextObserver_ = 1;
     std::map<int, Observer> observers_;
 };
+
+} // namespace GraphicsBase

@@ -6,6 +6,8 @@
 
 #include <cstring>
 
+namespace GraphicsBase {
+
 namespace {
 
 // Anything larger than this is taken for a corrupt header rather than allocated.
@@ -138,3 +140,5 @@ void PNGReader::clear() {
     height_ = 0;
     channels_ = 0;
 }
+
+} // namespace GraphicsBase

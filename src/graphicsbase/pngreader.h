@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+namespace GraphicsBase {
+
 /// Reads 8-bit RGB and RGBA PNGs; palette and grey images are expanded to RGB (RGBA when they carry
 /// transparency) and 16-bit channels are reduced to 8 bits. Rows are kept top-down, as stored.
 /// A failed load (including an image beyond kMaxPixels, or one whose header promises far more pixels
@@ -43,3 +45,5 @@ private:
     int height_ = 0;
     int channels_ = 0;
 };
+
+} // namespace GraphicsBase

@@ -4,6 +4,8 @@
 #include <graphicsbase/graphicsbase_export.h>
 #include <graphicsbase/tgeom.h>
 
+namespace GraphicsBase {
+
 /// Surface description handed to shaders.
 struct GRAPHICSBASE_EXPORT MaterialInfo {
     tgeom::vec4 color{1.f, 1.f, 1.f, 1.f};
@@ -59,3 +61,5 @@ private:
     int viewportHeight_ = 0;
     MaterialInfo material_;
 };
+
+} // namespace GraphicsBase

@@ -3,6 +3,8 @@
 #include <map>
 #include <tuple>
 
+namespace GraphicsBase {
+
 namespace {
 using Key = std::tuple<std::string, std::string, std::string>;
 std::map<Key, ResourceData>& registry() {
@@ -11,12 +13,10 @@ std::map<Key, ResourceData>& registry() {
 }
 } // namespace
 
-namespace GraphicsBase {
 void RegisterResource(const char* module, const char* name, const char* type, const unsigned char* data,
                       std::size_t size) {
     registry()[Key(module, name, type)] = ResourceData{data, size};
 }
-} // namespace GraphicsBase
 
 ResourceData LoadFromResource(const std::string& module, const std::string& name, const std::string& type) {
     auto it = registry().find(Key(module, name, type));
@@ -37,3 +37,5 @@ ResourceData FindResource(const std::string& name, const std::string& type) {
             return entry.second;
     return {};
 }
+
+} // namespace GraphicsBase

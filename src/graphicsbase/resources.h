@@ -7,10 +7,10 @@
 #include <string>
 
 namespace GraphicsBase {
+
 /// Adds an embedded resource. The bytes must outlive the process (static data).
 GRAPHICSBASE_EXPORT void RegisterResource(const char* module, const char* name, const char* type,
                                           const unsigned char* data, std::size_t size);
-} // namespace GraphicsBase
 
 /// A view of an embedded resource's bytes; empty (data null) when not found.
 struct ResourceData {
@@ -26,3 +26,5 @@ GRAPHICSBASE_EXPORT ResourceData LoadFromResource(const std::string& module, con
                                                   const std::string& type);
 /// Looks a resource up by name and type in any module (first registered wins).
 GRAPHICSBASE_EXPORT ResourceData FindResource(const std::string& name, const std::string& type);
+
+} // namespace GraphicsBase

@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+namespace GraphicsBase {
+
 float SrgbColor::ToLinear(float c) {
     return c <= 0.04045f ? c / 12.92f : std::pow((c + 0.055f) / 1.055f, 2.4f);
 }
@@ -13,3 +15,5 @@ float SrgbColor::FromLinear(float c) {
 glm::vec4 SrgbColor::ToLinear() const {
     return {ToLinear(r), ToLinear(g), ToLinear(b), a};
 }
+
+} // namespace GraphicsBase

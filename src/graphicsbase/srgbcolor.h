@@ -5,6 +5,8 @@
 
 #include <glm/glm.hpp>
 
+namespace GraphicsBase {
+
 /// Four channels in 0..1, sRGB encoded (alpha linear).
 struct GRAPHICSBASE_EXPORT SrgbColor {
     float r = 0.f, g = 0.f, b = 0.f, a = 1.f;
@@ -18,3 +20,5 @@ struct GRAPHICSBASE_EXPORT SrgbColor {
     static float ToLinear(float channel);
     static float FromLinear(float channel);
 };
+
+} // namespace GraphicsBase

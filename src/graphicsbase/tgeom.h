@@ -4,6 +4,8 @@
 #include <glm/glm.hpp>
 #include <glm/gtc/quaternion.hpp>
 
+namespace GraphicsBase {
+
 namespace tgeom {
 using vec = glm::vec3;
 using vec4 = glm::vec4;
@@ -11,3 +13,5 @@ using quat = glm::quat;
 using mat3 = glm::mat3;
 using mat4 = glm::mat4;
 } // namespace tgeom
+
+} // namespace GraphicsBase

@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <string_view>
 
+namespace GraphicsBase {
+
 namespace {
 
 using Vec3 = std::array<float, 3>;
@@ -270,3 +272,5 @@ bool UI3DElementReader::LoadFromASCIIToVertexArray(const unsigned char* data, st
         std::printf("UI3DElementReader::LoadFromASCIIToVertexArray(): %s\n", parser.fail.message.c_str());
     return false;
 }
+
+} // namespace GraphicsBase

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+namespace GraphicsBase {
+
 /// One vertex as the widgets upload it: 12 floats and 2 integers, 56 bytes, no padding.
 struct GRAPHICSBASE_EXPORT UI3DVertex {
     float position[3] = {0.f, 0.f, 0.f};
@@ -42,3 +44,5 @@ public:
     static bool LoadFromASCIIToVertexArray(const unsigned char* data, std::size_t size,
                                            std::vector<UI3DVertex>& vertices, std::string* error = nullptr);
 };
+
+} // namespace GraphicsBase

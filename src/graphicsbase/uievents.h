@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+namespace GraphicsBase {
+
 namespace VX_UI {
 
 enum EventType {
@@ -70,3 +72,5 @@ struct TabletEvent {
 };
 
 } // namespace VX_UI
+
+} // namespace GraphicsBase

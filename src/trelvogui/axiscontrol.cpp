@@ -23,6 +23,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+using namespace GraphicsBase;
+
 namespace {
 
 constexpr const char* kFile = "axiscontrol";
@@ -30,6 +32,8 @@ constexpr const char* kFile = "axiscontrol";
 // The band's marks, in pixels: a baseline along the edge and a mark across the band at each tick.
 constexpr float kBaselineDepth = 2.f;
 constexpr float kMarkWidth = 2.f;
+// Numbers and title, in pixels at display scale 1.
+constexpr int kLabelFontSize = 16;
 // Marks closer than a mark and a gap merge into a solid band, and every tick owns a label control:
 // no more intervals than that, and never more than a few thousand however long the axis.
 constexpr int kMinTickPitch = 4;
@@ -169,6 +173,7 @@ AxisControl::AxisControl() {
     // Its tick band may sit beside the rectangle (orientation 3): a cached layer holding an axis is
     // redrawn whole.
     SetDrawsOutsideRenderRectangle(true);
+    SetDimsWhenDisabled(true);
 }
 
 AxisControl::~AxisControl() {
@@ -300,9 +305,9 @@ std::wstring AxisControl::GetTitle() const {
 void AxisControl::Update() {
     const GUI::Geometry::Rectangle& r = GetRectangle();
     if (IsHorizontal(orientation_))
-        intervalCount_ = TruncateToInt(static_cast<float>(r.Width()) / static_cast<float>(tickSpacing_));
+        intervalCount_ = TruncateToInt(static_cast<float>(r.Width()) / static_cast<float>(std::max(1, Scaled(tickSpacing_))));
     else if (IsVertical(orientation_))
-        intervalCount_ = TruncateToInt(static_cast<float>(r.Height()) / static_cast<float>(tickSpacing_));
+        intervalCount_ = TruncateToInt(static_cast<float>(r.Height()) / static_cast<float>(std::max(1, Scaled(tickSpacing_))));
     if (intervalCount_ < 1)
         intervalCount_ = 1;
     // An explicit request wins over the spacing.
@@ -338,7 +343,7 @@ void AxisControl::ComputeTicks() {
         // The steps are sized from the control's width whatever the orientation, so a vertical axis
         // beside a plot of the same width gets the same integer steps as the plot's horizontal axis.
         const int width = GetRectangle().Width();
-        const int columns = std::clamp(width / tickSpacing_, 1, MaxIntervals(width));
+        const int columns = std::clamp(width / std::max(1, Scaled(tickSpacing_)), 1, MaxIntervals(width));
         const double range = static_cast<double>(max_) - static_cast<double>(min_);
         double step = std::trunc(std::ceil(range / columns));
         if (!(step >= 1.0))
@@ -368,7 +373,7 @@ int AxisControl::WantedIntervals() {
         return std::max(1, tickCount_ + 1);
     const GUI::Geometry::Rectangle& r = GetRectangle();
     const int length = IsVertical(orientation_) ? r.Height() : r.Width();
-    return std::max(1, length / tickSpacing_);
+    return std::max(1, length / std::max(1, Scaled(tickSpacing_)));
 }
 
 double AxisControl::FractionOf(double value) const {
@@ -431,7 +436,7 @@ void AxisControl::ComputeLogTicks(int wanted) {
     const GUI::Geometry::Rectangle& r = GetRectangle();
     const float length = static_cast<float>(IsVertical(orientation_) ? r.Height() : r.Width());
     const float decadePixels = length / static_cast<float>(std::log10(hi) - std::log10(lo));
-    if (every == 1 && decadePixels >= kMinorDecadePixels)
+    if (every == 1 && decadePixels >= kMinorDecadePixels * DisplayScale())
         for (int k = firstDecade - 1; k <= lastDecade; ++k)
             for (int j = 2; j <= 9; ++j) {
                 const double v = j * PowerOfTen(k);
@@ -472,6 +477,7 @@ void AxisControl::FormatNumbers() {
     const double scale = std::pow(10.0, shownExponent);
     char text[64];
     const std::size_t count = std::min(numberLabels_.size(), tickValues_.size());
+    numberTexts_.resize(count);
     for (std::size_t i = 0; i < count; ++i) {
         const float value = tickValues_[i];
         if (i < tickTexts_.size())
@@ -482,11 +488,47 @@ void AxisControl::FormatNumbers() {
             std::snprintf(text, sizeof text, "%.3fe%d", value / scale, shownExponent);
         else
             std::snprintf(text, sizeof text, "%.3f", static_cast<double>(value));
-        std::wstring wide;
+        std::wstring& wide = numberTexts_[i];
+        wide.clear();
         for (const char* c = text; *c != '\0'; ++c)
             wide.push_back(static_cast<wchar_t>(static_cast<unsigned char>(*c)));
-        numberLabels_[i]->SetText(std::move(wide));
     }
+    // A tick that keeps its number keeps the label that shows it, wherever the tick moved: after a
+    // pan every tick's index shifts, and only the numbers new to the axis are rasterised again. (The
+    // first two types keep their labels in place, text and all, as they always have.)
+    if (axisType_ != NiceSteps && axisType_ != Logarithmic) {
+        for (std::size_t i = 0; i < count; ++i)
+            numberLabels_[i]->SetText(numberTexts_[i]);
+        return;
+    }
+    labelsByText_.assign(numberLabels_.begin(), numberLabels_.begin() + static_cast<std::ptrdiff_t>(count));
+    for (std::size_t i = 0; i < count; ++i) {
+        numberLabels_[i] = nullptr;
+        for (GUI::Controls::Label*& label : labelsByText_)
+            if (label && label->GetTextRecord()->string == numberTexts_[i]) {
+                numberLabels_[i] = label;
+                label = nullptr;
+                break;
+            }
+    }
+    auto spare = labelsByText_.begin();
+    for (std::size_t i = 0; i < count; ++i) {
+        if (numberLabels_[i])
+            continue;
+        while (!*spare)
+            ++spare;
+        numberLabels_[i] = *spare++;
+        numberLabels_[i]->SetText(numberTexts_[i]);
+    }
+}
+
+int AxisControl::Scaled(int pixels) const {
+    return static_cast<int>(std::lround(static_cast<float>(pixels) * DisplayScale()));
+}
+
+void AxisControl::OnDisplayScaleChanged() {
+    Update();
+    SetNeedsRedraw(true);
 }
 
 void AxisControl::PlaceNumbers() {
@@ -494,13 +536,15 @@ void AxisControl::PlaceNumbers() {
     const GUI::Geometry::Rectangle& r = GetRectangle();
     const int w = r.Width();
     const int h = r.Height();
-    const int l = tickLength_;
+    const int l = Scaled(tickLength_);
+    const int fontSize = Scaled(kLabelFontSize);
     // Aligned on every layout, not only when made: the orientation may have changed since.
     const int horizontal[] = {1, 1, 2, 0};
     const int vertical[] = {0, 2, 1, 1};
     for (GUI::Controls::Label* label : numberLabels_) {
         label->SetHorizontalAlignment(horizontal[orientation_]);
         label->SetVerticalAlignment(vertical[orientation_]);
+        label->SetFontSize(static_cast<unsigned>(fontSize));
     }
     const std::size_t count = std::min(numberLabels_.size(), tickFractions_.size());
     for (std::size_t i = 0; i < count; ++i) {
@@ -509,16 +553,16 @@ void AxisControl::PlaceNumbers() {
         const int u = TruncateToInt(static_cast<float>(h) * f);
         switch (orientation_) {
         case AlongYMin:
-            numberLabels_[i]->SetRectangle({t - 25, t + 25, l, l + 20});
+            numberLabels_[i]->SetRectangle({t - Scaled(25), t + Scaled(25), l, l + Scaled(20)});
             break;
         case AlongYMax:
-            numberLabels_[i]->SetRectangle({t - 25, t + 25, h - l - 20, h - l});
+            numberLabels_[i]->SetRectangle({t - Scaled(25), t + Scaled(25), h - l - Scaled(20), h - l});
             break;
         case AlongXMax:
-            numberLabels_[i]->SetRectangle({w - l - 50, w - l, u - 10, u + 10});
+            numberLabels_[i]->SetRectangle({w - l - Scaled(50), w - l, u - Scaled(10), u + Scaled(10)});
             break;
         case AlongXMin:
-            numberLabels_[i]->SetRectangle({l, l + 50, u - 10, u + 10});
+            numberLabels_[i]->SetRectangle({l, l + Scaled(50), u - Scaled(10), u + Scaled(10)});
             break;
         }
     }
@@ -527,7 +571,6 @@ void AxisControl::PlaceNumbers() {
 void AxisControl::LayoutTitle() {
     if (!titleLabel_) {
         titleLabel_ = new GUI::Controls::Label();
-        titleLabel_->SetFontSize(16);
         titleLabel_->SetHorizontalAlignment(1);
         titleLabel_->SetVerticalAlignment(1);
         titleLabel_->SetColor(fontColor_);
@@ -542,19 +585,21 @@ void AxisControl::LayoutTitle() {
     const GUI::Geometry::Rectangle& r = GetRectangle();
     const int w = r.Width();
     const int h = r.Height();
-    const int l = tickLength_;
+    const int l = Scaled(tickLength_);
+    const int t = Scaled(kLabelFontSize);
+    titleLabel_->SetFontSize(static_cast<unsigned>(t));
     switch (orientation_) {
     case AlongYMin:
-        titleLabel_->SetRectangle({0, w, h, h + 16});
+        titleLabel_->SetRectangle({0, w, h, h + t});
         break;
     case AlongYMax:
-        titleLabel_->SetRectangle({0, w, h - l - 40, h - l - 24});
+        titleLabel_->SetRectangle({0, w, h - l - Scaled(40), h - l - Scaled(24)});
         break;
     case AlongXMax:
-        titleLabel_->SetRectangle({0, 16, 0, h});
+        titleLabel_->SetRectangle({0, t, 0, h});
         break;
     case AlongXMin:
-        titleLabel_->SetRectangle({w, w + 16, 0, h});
+        titleLabel_->SetRectangle({w, w + t, 0, h});
         break;
     }
 }
@@ -581,14 +626,14 @@ bool AxisControl::BuildGeometry() {
     // length and depth.
     const GUI::Geometry::Rectangle& r = GetRectangle();
     const float length = static_cast<float>(IsVertical(orientation_) ? r.Height() : r.Width());
-    const float depth = static_cast<float>(tickLength_);
+    const float depth = static_cast<float>(Scaled(tickLength_));
     const float rgba[4] = {fontColor_.r / 255.f, fontColor_.g / 255.f, fontColor_.b / 255.f,
                            fontColor_.a / 255.f};
     bandVertices_.clear();
     if (length > 0.f && depth != 0.f) {
-        const float baseline = std::min(1.f, kBaselineDepth / std::fabs(depth));
+        const float baseline = std::min(1.f, kBaselineDepth * DisplayScale() / std::fabs(depth));
         AppendQuad(bandVertices_, 0.f, 1.f, 0.f, baseline, rgba);
-        const float mark = std::min(1.f, kMarkWidth / length);
+        const float mark = std::min(1.f, kMarkWidth * DisplayScale() / length);
         auto addMark = [&](float f, float across) {
             // The same pixel the number label is centred on; the x-min orientation runs its band
             // from the top down, so its marks are mirrored to stay beside their numbers.
@@ -619,7 +664,7 @@ void AxisControl::DrawCustom() {
     const GUI::Geometry::Rectangle& r = GetRectangle();
     const float w = static_cast<float>(r.Width());
     const float h = static_cast<float>(r.Height());
-    const float l = static_cast<float>(tickLength_);
+    const float l = static_cast<float>(Scaled(tickLength_));
     glm::vec3 scale(1.f);
     glm::vec3 corner(0.f);
     float angle = 0.f;

@@ -7,8 +7,12 @@
 #include <string>
 #include <vector>
 
+namespace GraphicsBase {
 class GLSLProgram;
+}
+namespace GraphicsBase {
 class GLVertexBuffer;
+}
 
 namespace GUI::Controls {
 class Label;
@@ -107,7 +111,12 @@ public:
     const std::vector<GUI::Controls::Label*>& GetNumberLabels() const { return numberLabels_; }
     GUI::Controls::Label* GetTitleLabel() const { return titleLabel_; }
 
+public:
+    /// Lays the numbers and title out again at the new scale.
+    void OnDisplayScaleChanged() override;
+
 private:
+    int Scaled(int pixels) const;
     void Update();
     void ComputeTicks();
     void RebuildNumberLabels();
@@ -142,9 +151,13 @@ private:
     bool reportedLogRange_ = false;
     GUI::Controls::Label* titleLabel_ = nullptr;
     std::vector<GUI::Controls::Label*> numberLabels_;
-    GLSLProgram* program_ = nullptr;
-    std::unique_ptr<GLSLProgram> fetchProgram_; // the fast path's build, where the context offers fetch
-    GLVertexBuffer* vertexBuffer_ = nullptr;
+    // Scratch of FormatNumbers: the new texts, and the labels not yet given one.
+    std::vector<std::wstring> numberTexts_;
+    std::vector<GUI::Controls::Label*> labelsByText_;
+    GraphicsBase::GLSLProgram* program_ = nullptr;
+    std::unique_ptr<GraphicsBase::GLSLProgram>
+        fetchProgram_; // the fast path's build, where the context offers fetch
+    GraphicsBase::GLVertexBuffer* vertexBuffer_ = nullptr;
     // Scratch for the band's vertices, kept so that a re-layout does not allocate again.
     std::vector<float> bandVertices_;
 };

@@ -14,7 +14,10 @@
 #include <cstdio>
 #include <limits>
 
+using namespace GraphicsBase;
+
 ChartControl::ChartControl() : marks_(std::make_unique<trelvo::detail::ChartMarks>()) {
+    SetDimsWhenDisabled(true);
     xAxis_ = new AxisControl();
     yAxis_ = new AxisControl();
     xAxis_->SetOrientation(AxisControl::AlongYMax);
@@ -75,6 +78,28 @@ void ChartControl::UpdateAxes() {
     apply(xAxis_, logX_, xMin_, xMax_);
     apply(yAxis_, logY_, yMin_, yMax_);
     SetNeedsRedraw(true);
+}
+
+void ChartControl::SetNeedsRedraw(bool v) {
+    if (v && localChanges_ == 0)
+        damageWhole_ = true;
+    Base::SetNeedsRedraw(v);
+}
+
+void ChartControl::AddLayerDamage(const GUI::Geometry::Rectangle& area) {
+    if (area.Width() > 0 && area.Height() > 0 && damage_.size() < kMostDamagePieces)
+        damage_.push_back(area);
+    else if (area.Width() > 0 && area.Height() > 0)
+        damageWhole_ = true;
+}
+
+bool ChartControl::TakeLayerDamage(std::vector<GUI::Geometry::Rectangle>& areas) {
+    const bool confined = !damageWhole_;
+    if (confined)
+        areas.insert(areas.end(), damage_.begin(), damage_.end());
+    damageWhole_ = false;
+    damage_.clear();
+    return confined;
 }
 
 void ChartControl::SetTitle(const std::wstring& title) {
@@ -190,6 +215,18 @@ bool ChartControl::FitToData(double margin) {
     NiceBounds(x0, x1, margin, logX_, std::max(1, plot.Width() / std::max(1, xAxis_->GetTickSpacing())));
     NiceBounds(y0, y1, margin, logY_, std::max(1, plot.Height() / std::max(1, yAxis_->GetTickSpacing())));
     return SetRanges(x0, x1, y0, y1);
+}
+
+void ChartControl::SetFollowData(bool on) {
+    followData_ = on;
+    if (on)
+        FitToData();
+}
+
+void ChartControl::RendererDataChanged(ChartRenderer*) {
+    if (followData_)
+        FitToData();
+    SetNeedsRedraw(true);
 }
 
 void ChartControl::ShowGrid(bool show) {

@@ -40,6 +40,10 @@ public:
     bool LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) override;
     /// Lays the plot area, axes and title out for the new rectangle.
     void SetRectangle(GUI::Geometry::Rectangle r) override;
+    /// A redraw request from the chart or any part of it counts as a change of the whole chart, except
+    /// inside a LocalChange, whose areas the chart names itself.
+    void SetNeedsRedraw(bool v) override;
+    bool TakeLayerDamage(std::vector<GUI::Geometry::Rectangle>& areas) override;
 
     AxisControl* XAxis() { return xAxis_; }
     AxisControl* YAxis() { return yAxis_; }
@@ -76,11 +80,33 @@ public:
     void SetGridColor(const GUI::Color& color);
     void SetBackgroundColor(const GUI::Color& color);
 
+    /// With true, the ranges are fitted to the data (FitToData) whenever a renderer's data change;
+    /// off by default, so that a host's ranges stay where it put them.
+    void SetFollowData(bool on);
+    bool FollowData() const { return followData_; }
+
     /// The plot area in overlay pixels, and the mapping of the current frame.
     GUI::Geometry::Rectangle PlotArea();
     ChartView View();
 
 protected:
+    /// While one lives, redraw requests are small changes whose areas the chart adds with
+    /// AddLayerDamage (a hover marker, a readout), so that the layers are redrawn only there.
+    class LocalChange {
+    public:
+        explicit LocalChange(ChartControl& chart) : chart_(chart) { ++chart_.localChanges_; }
+        ~LocalChange() { --chart_.localChanges_; }
+        LocalChange(const LocalChange&) = delete;
+        LocalChange& operator=(const LocalChange&) = delete;
+
+    private:
+        ChartControl& chart_;
+    };
+    /// A renderer's data changed: refits when following the data, and redraws.
+    virtual void RendererDataChanged(ChartRenderer* renderer);
+    /// Overlay pixels that a LocalChange changes.
+    void AddLayerDamage(const GUI::Geometry::Rectangle& area);
+
     /// The chart's drawing without the host-state guard, for subclasses that draw more inside theirs.
     void DrawChart();
     /// Pixels around the plot area: room for the y axis, the x axis and the title.
@@ -88,6 +114,7 @@ protected:
     void UpdateAxes();
 
 private:
+    friend class ChartRenderer;
     void Layout();
     void SetLogarithmic(bool& flag, double& lo, double& hi, bool on);
 
@@ -99,7 +126,13 @@ private:
     double xMin_ = 0.0, xMax_ = 1.0, yMin_ = 0.0, yMax_ = 1.0;
     bool logX_ = false, logY_ = false;
     bool grid_ = true;
+    bool followData_ = false;
     GUI::Color gridColor_{58, 64, 76, 255};
     GUI::Color background_{24, 28, 36, 255};
     std::vector<float> vertices_;
+    int localChanges_ = 0;
+    bool damageWhole_ = true;
+    // Hovers between two updates add a few pieces each; past this many the chart is redrawn whole.
+    static constexpr std::size_t kMostDamagePieces = 16;
+    std::vector<GUI::Geometry::Rectangle> damage_;
 };

@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+using namespace GraphicsBase;
+
 double ChartView::Fraction(double v, double a, double b, bool logarithmic) {
     if (logarithmic) {
         if (!(v > 0.0) || !(a > 0.0) || !(b > 0.0))
@@ -46,4 +48,9 @@ ChartRenderer::~ChartRenderer() {
 void ChartRenderer::Changed() {
     if (chart_)
         chart_->SetNeedsRedraw(true);
+}
+
+void ChartRenderer::DataChanged() {
+    if (chart_)
+        chart_->RendererDataChanged(this);
 }

@@ -53,6 +53,8 @@ public:
 protected:
     /// Requests a redraw of the chart, if any.
     void Changed();
+    /// The data or the extent they span changed: a redraw, and a chart set to follow its data refits.
+    void DataChanged();
 
 private:
     friend class ChartControl;

@@ -10,6 +10,8 @@
 
 #include <cstdio>
 
+using namespace GraphicsBase;
+
 namespace GUI::Controls {
 
 namespace {
@@ -19,7 +21,9 @@ constexpr const char* kFile = "colorbar";
 constexpr GLint kColorMapUnit = 8;
 } // namespace
 
-ColorBar::ColorBar() = default;
+ColorBar::ColorBar() {
+    SetDimsWhenDisabled(true);
+}
 
 ColorBar::~ColorBar() {
     delete vertexBuffer_;

@@ -6,8 +6,12 @@
 #include <memory>
 #include <vector>
 
+namespace GraphicsBase {
 class GLSLProgram;
+}
+namespace GraphicsBase {
 class GLVertexBuffer;
+}
 
 namespace GUI::Controls {
 
@@ -46,9 +50,10 @@ public:
 private:
     bool initialized_ = false;
     unsigned int colorTexture_ = 0;
-    GLSLProgram* program_ = nullptr;
-    std::unique_ptr<GLSLProgram> fetchProgram_; // the fast path's build, where the context offers fetch
-    GLVertexBuffer* vertexBuffer_ = nullptr;
+    GraphicsBase::GLSLProgram* program_ = nullptr;
+    std::unique_ptr<GraphicsBase::GLSLProgram>
+        fetchProgram_; // the fast path's build, where the context offers fetch
+    GraphicsBase::GLVertexBuffer* vertexBuffer_ = nullptr;
 };
 
 } // namespace GUI::Controls

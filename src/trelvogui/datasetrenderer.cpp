@@ -2,13 +2,20 @@
 
 #include "detail/chartmarks.h"
 
+#include <trelvogui/gui/renderers/detail/targetbarrier.h>
+
+#include <graphicsbase/glerror.h>
 #include <graphicsbase/glvertexbuffer.h>
+
+#include <GL/glew.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <limits>
 #include <numeric>
+
+using namespace GraphicsBase;
 
 namespace {
 
@@ -127,18 +134,14 @@ bool DataSetRenderer::Initialize() {
 }
 
 std::size_t DataSetRenderer::MemoryBytes() const {
-    const std::size_t n = Size();
-    std::size_t bytes = n * sizeof(double) + MinMaxPyramid::SummaryBytes(n);
-    if (hasX_)
-        bytes += n * sizeof(double);
-    if (!xSorted_)
-        bytes += n * (sizeof(std::uint32_t) + sizeof(double)) + MinMaxPyramid::SummaryBytes(n);
-    return bytes;
+    return y_.MemoryBytes() + x_.capacity() * sizeof(double) + order_.capacity() * sizeof(std::uint32_t) +
+           byX_.MemoryBytes();
 }
 
-bool DataSetRenderer::Fits(std::size_t count, bool withX, const char* operation) const {
+bool DataSetRenderer::Fits(std::size_t count, bool withX, const char* operation,
+                           std::size_t sampleBytes) const {
     // Unsorted x may need the sorted index beside the samples: count it in up front.
-    const std::size_t perSample = sizeof(double) * (withX ? 3 : 1) + (withX ? sizeof(std::uint32_t) : 0);
+    const std::size_t perSample = sampleBytes + (withX ? 2 * sizeof(double) + sizeof(std::uint32_t) : 0);
     const bool indexable = count < std::numeric_limits<std::uint32_t>::max();
     const std::size_t most = indexable ? (budget_ / perSample) : 0;
     if (count <= most && count * perSample + 2 * MinMaxPyramid::SummaryBytes(count) <= budget_)
@@ -155,7 +158,7 @@ template <class T> bool DataSetRenderer::Assign(const T* x, const T* y, std::siz
         std::printf("DataSetRenderer::SetData(): No samples given for a count of %zu.\n", count);
         return false;
     }
-    if (!Fits(count, x != nullptr, "SetData"))
+    if (!Fits(count, x != nullptr, "SetData", sizeof(T)))
         return false;
     y_.Assign(y, count);
     x_.clear();
@@ -200,7 +203,7 @@ bool DataSetRenderer::Append(double y) {
         std::printf("DataSetRenderer::Append(): The data set has explicit x; append x and y.\n");
         return false;
     }
-    if (!Fits(Size() + 1, false, "Append"))
+    if (!Fits(Size() + 1, false, "Append", y_.SinglePrecision() ? sizeof(float) : sizeof(double)))
         return false;
     hasX_ = false;
     y_.Append(y);
@@ -213,7 +216,7 @@ bool DataSetRenderer::Append(double x, double y) {
         std::printf("DataSetRenderer::Append(): The data set has implicit x; append y alone.\n");
         return false;
     }
-    if (!Fits(Size() + 1, true, "Append"))
+    if (!Fits(Size() + 1, true, "Append", y_.SinglePrecision() ? sizeof(float) : sizeof(double)))
         return false;
     if (!hasX_) {
         x_.clear();
@@ -261,10 +264,11 @@ void DataSetRenderer::Clear() {
 }
 
 void DataSetRenderer::Touch() {
+    reportedUnsorted_ = false;
     orderValid_ = false;
     order_.clear();
     byX_.Clear();
-    Changed();
+    DataChanged();
 }
 
 double DataSetRenderer::X(std::size_t i) const {
@@ -409,7 +413,7 @@ MinMaxPyramid::Summary DataSetRenderer::Statistics(double x0, double x1) const {
 
 bool DataSetRenderer::Bounds(bool xLog, bool yLog, double& x0, double& x1, double& y0, double& y1) const {
     const std::size_t n = Size();
-    MinMaxPyramid::Summary ys = y_.Range(0, n);
+    MinMaxPyramid::Summary ys = y_.Extremes(0, n);
     if (ys.count == 0)
         return false;
     y0 = ys.min;
@@ -473,19 +477,51 @@ void DataSetRenderer::Draw(const ChartView& view, unsigned pid, unsigned sid) {
         base = view.plot.yMin;
     base = std::clamp(base, double(view.plot.yMin), double(view.plot.yMax));
 
-    std::size_t i0 = 0, i1 = n;
-    if (xSorted_) {
-        i0 = LowerIndex(lo);
-        i1 = LowerIndex(hi, true);
+    // Samples in x order: the set itself when x is sorted; for marks that need no order between
+    // them (points, bars) the index sorted by x otherwise. A line of unsorted x joins the samples in
+    // their own order, a curve that only every sample draws right.
+    const bool marks = style_ == Points || style_ == Bars;
+    if (!xSorted_ && !marks && n > kMostUnsortedLine) {
+        if (!reportedUnsorted_)
+            std::printf("DataSetRenderer::Draw(): x is not sorted, so a line joins the samples in their own "
+                        "order; %zu samples are more than the %zu drawn that way. Sort the samples by x or "
+                        "draw them as points.\n",
+                        n, kMostUnsortedLine);
+        reportedUnsorted_ = true;
+        return;
     }
-    const bool decimated = decimate_ && xSorted_ && i1 - i0 > static_cast<std::size_t>(2 * columns);
+    const bool ordered = xSorted_ || marks;
+    if (!xSorted_ && marks)
+        EnsureOrder();
+    const MinMaxPyramid& ys = xSorted_ ? y_ : byX_;
+    const std::size_t count = xSorted_ ? n : marks ? order_.size() : n;
+    auto xAt = [&](std::size_t k) { return xSorted_ || !marks ? X(k) : X(order_[k]); };
+    auto yAt = [&](std::size_t k) { return xSorted_ || !marks ? Y(k) : byX_[k]; };
+    auto lower = [&](double v, bool after) {
+        if (xSorted_ || !marks)
+            return LowerIndex(v, after);
+        if (std::isnan(v))
+            return count;
+        auto less = [this](std::uint32_t i, double w) { return X(i) < w; };
+        auto greater = [this](double w, std::uint32_t i) { return w < X(i); };
+        return static_cast<std::size_t>((after ? std::upper_bound(order_.begin(), order_.end(), v, greater)
+                                               : std::lower_bound(order_.begin(), order_.end(), v, less)) -
+                                        order_.begin());
+    };
+
+    std::size_t i0 = 0, i1 = count;
+    if (ordered) {
+        i0 = lower(lo, false);
+        i1 = lower(hi, true);
+    }
+    const bool decimated = decimate_ && ordered && i1 - i0 > static_cast<std::size_t>(2 * columns);
     if (!decimated) {
         // Every sample, with one neighbour beyond each end so the path runs out of the plot.
-        const std::size_t a = i0 > 0 ? i0 - 1 : 0, b = std::min(n, i1 + 1);
+        const std::size_t a = i0 > 0 ? i0 - 1 : 0, b = std::min(count, i1 + 1);
         const double barWidth =
             std::max(1.0, 0.8 * columns / std::max<double>(1.0, static_cast<double>(i1 - i0)));
         for (std::size_t i = a; i < b; ++i) {
-            const double px = view.PixelX(X(i)), y = py(Y(i));
+            const double px = view.PixelX(xAt(i)), y = py(yAt(i));
             if (style_ == Bars)
                 path.Bar(px - barWidth / 2, px + barWidth / 2, base, y);
             else
@@ -500,17 +536,51 @@ void DataSetRenderer::Draw(const ChartView& view, unsigned pid, unsigned sid) {
             if (j >= columns)
                 return i1;
             const double px = reversed ? view.plot.xMax - j : view.plot.xMin + j;
-            return std::clamp(LowerIndex(view.DataX(px)), i0, i1);
+            return std::clamp(lower(view.DataX(px), false), i0, i1);
         };
-        if (i0 > 0 && style_ != Points && style_ != Bars)
-            path.Point(view.PixelX(X(i0 - 1)), py(Y(i0 - 1)));
-        std::size_t a = edge(0);
-        for (int j = 0; j < columns; ++j) {
+        // Points: one mark on each pixel row that a sample of the column falls into.
+        MinMaxPyramid::RowMap rows;
+        if (style_ == Points) {
+            const double a = view.yLog ? std::log10(view.yMin) : view.yMin;
+            const double b = view.yLog ? std::log10(view.yMax) : view.yMax;
+            rows.scale = view.plot.Height() / (b - a);
+            rows.offset = -a * rows.scale;
+            rows.logarithmic = view.yLog;
+            rows.rows = view.plot.Height();
+            if (view.yLog && ys.Extremes(i0, i1).min <= 0.0)
+                reportLog();
+        }
+        // A partial redraw needs only the columns it covers, and a few beyond them whose marks and
+        // segments reach in; those are built exactly as in a whole frame.
+        int jFrom = 0, jTo = columns;
+        if (const GUI::Geometry::Rectangle* region = GUI::Renderer::detail::DrawRegion()) {
+            GLint viewport[4] = {};
+            glGetIntegerv(GL_VIEWPORT, viewport);
+            GB_CHECK_GL("datasetrenderer");
+            const int pad = 3 + static_cast<int>(std::ceil(std::max(lineWidth_, markerSize_)));
+            const int left = region->xMin - viewport[0] - view.plot.xMin - pad;
+            const int right = region->xMax - viewport[0] - view.plot.xMin + pad;
+            jFrom = std::clamp(reversed ? columns - right : left, 0, columns);
+            jTo = std::clamp(reversed ? columns - left : right, jFrom, columns);
+        }
+        if (i0 > 0 && !marks && jFrom == 0)
+            path.Point(view.PixelX(xAt(i0 - 1)), py(yAt(i0 - 1)));
+        std::size_t a = edge(jFrom);
+        for (int j = jFrom; j < jTo; ++j) {
             const std::size_t b = edge(j + 1);
             if (b <= a)
                 continue;
-            const MinMaxPyramid::Summary s = y_.Range(a, b);
             const double centre = (reversed ? view.plot.xMax - j - 0.5 : view.plot.xMin + j + 0.5);
+            if (style_ == Points) {
+                rowsMarked_.assign(static_cast<std::size_t>(rows.rows), 0);
+                ys.MarkRows(a, b, rows, rowsMarked_);
+                for (int r = 0; r < rows.rows; ++r)
+                    if (rowsMarked_[static_cast<std::size_t>(r)])
+                        path.Point(centre, view.plot.yMin + r + 0.5);
+                a = b;
+                continue;
+            }
+            const MinMaxPyramid::Summary s = ys.Extremes(a, b);
             if (style_ == Bars) {
                 if (s.count > 0)
                     path.Bar(centre - 0.5, centre + 0.5, std::min(base, py(s.min)),
@@ -518,8 +588,8 @@ void DataSetRenderer::Draw(const ChartView& view, unsigned pid, unsigned sid) {
                 a = b;
                 continue;
             }
-            const double first = Y(a), last = Y(b - 1);
-            path.Point(view.PixelX(X(a)), py(first));
+            const double first = yAt(a), last = yAt(b - 1);
+            path.Point(view.PixelX(xAt(a)), py(first));
             if (s.count > 0) {
                 // The extremes at the column's centre, the one nearer the first sample first.
                 double low = s.min, high = s.max;
@@ -545,11 +615,11 @@ void DataSetRenderer::Draw(const ChartView& view, unsigned pid, unsigned sid) {
                 path.Point(centre, lowFirst ? pLow : pHigh);
                 path.Point(centre, lowFirst ? pHigh : pLow);
             }
-            path.Point(view.PixelX(X(b - 1)), py(last));
+            path.Point(view.PixelX(xAt(b - 1)), py(last));
             a = b;
         }
-        if (i1 < n && style_ != Points && style_ != Bars)
-            path.Point(view.PixelX(X(i1)), py(Y(i1)));
+        if (i1 < count && !marks && jTo == columns)
+            path.Point(view.PixelX(xAt(i1)), py(yAt(i1)));
     }
     pathVertices_ = path.Vertices();
     const int mode = path.Thin() ? GLVertexBuffer::Lines : GLVertexBuffer::Triangles;

@@ -14,16 +14,22 @@ namespace trelvo::detail {
 class ChartMarks;
 }
 
-/// Samples y, with x given or implicit (the index), kept in double precision. Non-finite samples make
-/// gaps and are left out of bounds and statistics. A frame draws at most four vertices per pixel
-/// column of the plot area (the first, last, smallest and largest sample falling into it), read from
-/// a min/max pyramid, so a pan or zoom costs O(columns x log n) whatever n is, and a spike of one
-/// sample shows at every zoom. That holds for implicit or ascending x; a set whose x is not sorted
-/// draws every sample. Appending is amortised O(1) a sample; so is dropping from the front.
+/// Samples y, with x given or implicit (the index), kept at the precision they came in (x in double).
+/// Non-finite samples make gaps and are left out of bounds and statistics. A frame draws at most four
+/// vertices per pixel column of the plot area (the first, last, smallest and largest sample falling
+/// into it), read from a min/max pyramid, so a pan or zoom costs O(columns x log n) whatever n is, and
+/// a spike of one sample shows at every zoom. Points draw one mark per occupied pixel and bars the
+/// extreme bar per column where samples are dense. Points and bars of unsorted x reduce the same way
+/// through an index sorted by x; a line of unsorted x joins its samples in their own order and draws
+/// them all, up to kMostUnsortedLine. Appending is amortised O(1) a sample; so is dropping from the
+/// front.
 class TRELVOGUI_EXPORT DataSetRenderer : public ChartRenderer {
 public:
     enum Style : int { Line = 0, Points = 1, Steps = 2, Bars = 3 };
     static constexpr std::size_t npos = static_cast<std::size_t>(-1);
+    /// The most samples a line (or steps) of unsorted x draws; it joins them in their own order, so
+    /// every one of them is drawn. Beyond it the line is left out with a message.
+    static constexpr std::size_t kMostUnsortedLine = std::size_t(1) << 20;
 
     DataSetRenderer();
     ~DataSetRenderer() override;
@@ -92,7 +98,7 @@ public:
 
 private:
     template <class T> bool Assign(const T* x, const T* y, std::size_t count);
-    bool Fits(std::size_t count, bool withX, const char* operation) const;
+    bool Fits(std::size_t count, bool withX, const char* operation, std::size_t sampleBytes) const;
     /// First index with x >= v (or > v when `after`), for implicit or ascending x.
     std::size_t LowerIndex(double v, bool after = false) const;
     void EnsureOrder() const;
@@ -111,6 +117,7 @@ private:
     mutable MinMaxPyramid byX_;
     mutable bool orderValid_ = false;
     mutable bool reportedLog_ = false;
+    bool reportedUnsorted_ = false;
     bool reportedBudget_ = false;
 
     Style style_ = Line;
@@ -121,4 +128,5 @@ private:
     std::size_t pathVertices_ = 0;
     // Per-frame scratch, kept so that frames do not allocate.
     std::vector<float> vertices_;
+    std::vector<unsigned char> rowsMarked_;
 };

@@ -9,6 +9,8 @@
 #include <cstdio>
 #include <limits>
 
+using namespace GraphicsBase;
+
 HistogramRenderer::HistogramRenderer() : marks_(std::make_unique<trelvo::detail::ChartMarks>()) {}
 
 HistogramRenderer::~HistogramRenderer() = default;
@@ -121,17 +123,17 @@ bool HistogramRenderer::Rebin() {
         const std::size_t bin = std::min(bins - 1, static_cast<std::size_t>(std::max(0.0, at)));
         ++counts_[bin];
     }
-    Changed();
+    DataChanged();
     return true;
 }
 
 void HistogramRenderer::SetLogCounts(bool on) {
     logCounts_ = on;
-    Changed();
+    DataChanged();
 }
 void HistogramRenderer::SetCumulative(bool on) {
     cumulative_ = on;
-    Changed();
+    DataChanged();
 }
 void HistogramRenderer::SetColor(const GUI::Color& color) {
     color_ = color;

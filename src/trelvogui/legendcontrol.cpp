@@ -14,6 +14,8 @@
 #include <cmath>
 #include <cstdio>
 
+using namespace GraphicsBase;
+
 namespace {
 constexpr int kTitle = 34;   // title row on top, clear of the top number, which overhangs the bar
 constexpr int kNumbers = 62; // the axis: numbers and band beside the bar
@@ -23,6 +25,7 @@ constexpr int kBinPixels = 4;
 } // namespace
 
 LegendControl::LegendControl() : marks_(std::make_unique<trelvo::detail::ChartMarks>()) {
+    SetDimsWhenDisabled(true);
     bar_ = new GUI::Controls::ColorBar();
     axis_ = new AxisControl();
     axis_->SetAxisType(AxisControl::NiceSteps);

@@ -15,6 +15,9 @@
 #include <glm/gtc/type_ptr.hpp>
 
 #include <algorithm>
+#include <cmath>
+
+using namespace GraphicsBase;
 
 namespace {
 constexpr const char* kFile = "lightcontrol";
@@ -74,8 +77,9 @@ bool LightControl::Initialize() {
 }
 
 bool LightControl::LayerFootprint(int layerWidth, int, GUI::Geometry::Rectangle& area) {
-    const int side = program_ && quadBuffer_ && light_ ? widgetWidth_ : 0;
-    area = {layerWidth - side - 10, layerWidth - 10, 10, 10 + side};
+    const int side = program_ && quadBuffer_ && light_ ? Side() : 0;
+    const int m = Margin();
+    area = {layerWidth - side - m, layerWidth - m, m, m + side};
     return true;
 }
 
@@ -88,8 +92,9 @@ void LightControl::DrawCustom() {
     glGetIntegerv(GL_VIEWPORT, viewport);
     GB_CHECK_GL(kFile);
     // widgetHeight and the margin fields do not take part: the square is widgetWidth on both sides,
-    // 10 pixels in from the right and bottom edges.
-    glViewport(viewport[2] - widgetWidth_ - 10, 10, widgetWidth_, widgetWidth_);
+    // 10 pixels in from the right and bottom edges, both times the display scale.
+    const int side = Side(), m = Margin();
+    glViewport(viewport[2] - side - m, m, side, side);
     GB_CHECK_GL(kFile);
 
     GLSLProgram& drawing = GUI::Renderer::detail::BeginTargetDraw(*program_, fetchProgram_.get());
@@ -103,6 +108,8 @@ void LightControl::DrawCustom() {
         glUniform1ui(location, GetId());
         GB_CHECK_GL(kFile);
     }
+    // Disabled: greyed, half transparent and without ids, so the pointer reaches what is behind.
+    SetUniformQuiet(program, "dimmed", static_cast<GLint>(Enabled() ? 0 : 1));
     // The tile is translucent and composes over what the overlay drew before it, like every UI draw.
     GUI::Renderer::detail::TargetBarrier(&drawing == program_.get());
     quadBuffer_->draw(GLVertexBuffer::Triangles);
@@ -110,6 +117,8 @@ void LightControl::DrawCustom() {
 }
 
 DrawFlags LightControl::OnMouseDown(GUI::Event* e) {
+    if (!Enabled() || !Visible())
+        return DRAW_NOTHING;
     const DrawFlags result = Base::OnMouseDown(e);
     cancelled_ = false;
     if (!light_)
@@ -153,8 +162,10 @@ DrawFlags LightControl::OnCancelDrag(GUI::Event*) {
 DrawFlags LightControl::OnMouseDrag(GUI::Event*, int dx, int dy) {
     if (cancelled_)
         return DRAW_NOTHING;
-    const float a = -(static_cast<float>(dy) * kDegreesPerPixel) * kRadiansPerDegree;
-    const float b = static_cast<float>(dx) * kDegreesPerPixel * kRadiansPerDegree;
+    // At a larger display scale the same hand movement covers more pixels: the same turn.
+    const float perPixel = kDegreesPerPixel / DisplayScale();
+    const float a = -(static_cast<float>(dy) * perPixel) * kRadiansPerDegree;
+    const float b = static_cast<float>(dx) * perPixel * kRadiansPerDegree;
     glm::mat4 m = glm::rotate(glm::mat4(1.f), a, glm::vec3(1.f, 0.f, 0.f));
     m = glm::rotate(m, b, glm::vec3(0.f, 1.f, 0.f));
     if (light_)
@@ -164,4 +175,12 @@ DrawFlags LightControl::OnMouseDrag(GUI::Event*, int dx, int dy) {
     if (GUI::GUIManager* manager = Manager())
         manager->SetLightUpdated(true);
     return DRAW_LIGHT | DRAW_OVERLAY;
+}
+
+int LightControl::Side() const {
+    return static_cast<int>(std::lround(static_cast<float>(widgetWidth_) * DisplayScale()));
+}
+
+int LightControl::Margin() const {
+    return static_cast<int>(std::lround(10.f * DisplayScale()));
 }

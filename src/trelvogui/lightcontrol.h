@@ -11,9 +11,15 @@
 
 #include <memory>
 
+namespace GraphicsBase {
 struct DirectionalLight;
+}
+namespace GraphicsBase {
 class GLSLProgram;
+}
+namespace GraphicsBase {
 class GLVertexBuffer;
+}
 
 /// Shows how the scene light falls on a ball, in a square viewport 10 pixels from the view's
 /// lower-right corner. Dragging turns the light's position about the world x axis (vertical motion)
@@ -22,12 +28,16 @@ class GLVertexBuffer;
 ///
 /// widgetHeight, marginX and marginY are kept for hosts that lay out around the widget; the drawing
 /// uses widgetWidth for both sides and 10-pixel margins.
+///
+/// Disabled (SetEnabled(false)), the widget draws dimmed and writes no ids, so the pointer reaches
+/// what lies behind it.
 class TRELVOGUI_EXPORT LightControl : public GUI::Controls::Base {
 public:
     /// The ball's tile writes this one secondary id.
     static constexpr unsigned int kBall = 0;
     /// The light's position at the press and as it is now (at the release, or at the cancel).
-    using DragSignal = boost::signals2::signal<void(const tgeom::vec& atPress, const tgeom::vec& now)>;
+    using DragSignal = boost::signals2::signal<void(const GraphicsBase::tgeom::vec& atPress,
+                                                    const GraphicsBase::tgeom::vec& now)>;
     /// A press starts a drag and its release ends it: one undo step per drag for a host.
     DragSignal dragStartedSignal;
     DragSignal dragEndedSignal;
@@ -35,7 +45,7 @@ public:
     /// fires, and no end follows.
     DragSignal dragCancelledSignal;
 
-    explicit LightControl(std::shared_ptr<DirectionalLight> light);
+    explicit LightControl(std::shared_ptr<GraphicsBase::DirectionalLight> light);
     ~LightControl() override;
 
     /// Draws the widget; nothing before a successful Initialize. Leaves the viewport at (0, 0, w, h)
@@ -44,11 +54,11 @@ public:
     /// The widget's square, 10 pixels in from the lower-right corner.
     bool LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) override;
     /// Turns the light by the drag; returns 33.
-    DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy) override;
-    DrawFlags OnMouseDown(GUI::Event* e) override;
-    DrawFlags OnMouseUp(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy) override;
+    GraphicsBase::DrawFlags OnMouseDown(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnMouseUp(GUI::Event* e) override;
     /// Puts the light back where the drag under way found it. Nothing without a drag.
-    DrawFlags OnCancelDrag(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnCancelDrag(GUI::Event* e) override;
     /// With the GL context current: builds "LightWidget.vs" + "LightWidget.fs" and the quad. False
     /// when a shader fails to load or the program does not link.
     virtual bool Initialize();
@@ -60,20 +70,25 @@ public:
 
     void SetWidgetSize(int width, int height);
     void SetMargins(int x, int y);
-    const std::shared_ptr<DirectionalLight>& Light() const { return light_; }
+    /// The square's side and its gap to the view's right and bottom edges as drawn: widgetWidth and
+    /// 10 pixels, times the display scale.
+    int Side() const;
+    int Margin() const;
+    const std::shared_ptr<GraphicsBase::DirectionalLight>& Light() const { return light_; }
 
-    const DirectionalLight* SceneLight() const override { return light_.get(); }
+    const GraphicsBase::DirectionalLight* SceneLight() const override { return light_.get(); }
 
 private:
-    std::shared_ptr<GLSLProgram> program_;
-    std::unique_ptr<GLSLProgram> fetchProgram_; // the fast path's build, where the context offers fetch
-    std::shared_ptr<GLVertexBuffer> quadBuffer_;
-    std::shared_ptr<DirectionalLight> light_;
+    std::shared_ptr<GraphicsBase::GLSLProgram> program_;
+    std::unique_ptr<GraphicsBase::GLSLProgram>
+        fetchProgram_; // the fast path's build, where the context offers fetch
+    std::shared_ptr<GraphicsBase::GLVertexBuffer> quadBuffer_;
+    std::shared_ptr<GraphicsBase::DirectionalLight> light_;
     int widgetWidth_ = 75;
     int widgetHeight_ = 75;
     int marginX_ = 10;
     int marginY_ = 10;
-    tgeom::vec pressPosition_{0.f};
+    GraphicsBase::tgeom::vec pressPosition_{0.f};
     bool dragging_ = false;
     bool cancelled_ = false; // until the cancelled drag's button comes up
 };

@@ -9,6 +9,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
+
+using namespace GraphicsBase;
 
 namespace {
 constexpr float kQuarterTurn = 1.5707964f;
@@ -23,6 +26,27 @@ bool IsScaleBox(int id) {
     return id >= 7 && id <= 9;
 }
 constexpr int kCentre = 10;
+bool IsPlane(int id) {
+    return id >= 11 && id <= 13;
+}
+bool IsHandle(int id) {
+    return (id >= 1 && id <= kCentre) || IsPlane(id);
+}
+// The scale factor of a drag never falls below this.
+constexpr double kMinimumScale = 0.05;
+// Larger snap steps are refused: they would silently snap every drag back to its press.
+constexpr float kMaxTranslationIncrement = 1e6f;
+constexpr float kMaxScaleIncrement = 100.f;
+constexpr float kMaxRotationIncrement = 6.2831855f;
+
+/// Whether `step` is a usable snap step of at most `most`; says why not otherwise.
+bool UsableStep(const char* operation, float step, float most) {
+    if (step > 0.f && step <= most)
+        return true;
+    std::printf("ManipulatorControl::%s(): %g is not a usable step (it must lie above 0 and at most %g).\n",
+                operation, static_cast<double>(step), static_cast<double>(most));
+    return false;
+}
 
 bool Finite(const tgeom::vec& v) {
     return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
@@ -115,17 +139,45 @@ void ManipulatorControl::enableScaling(bool x, bool y, bool z) {
 
 void ManipulatorControl::setRotationIncrement(float radians) {
     // A zero, negative or non-finite step would make every snapped angle 0 or NaN.
-    if (!(radians > 0.f) || !std::isfinite(radians)) {
-        LogFile::Instance().AddLine(LogLevel::Warning,
-                                    "ManipulatorControl::setRotationIncrement(): %g is not a usable step.\n",
-                                    static_cast<double>(radians));
-        return;
-    }
-    rotationIncrement_ = radians;
+    if (UsableStep("setRotationIncrement", radians, kMaxRotationIncrement))
+        rotationIncrement_ = radians;
+}
+
+bool ManipulatorControl::setTranslationIncrement(float step) {
+    if (!UsableStep("setTranslationIncrement", step, kMaxTranslationIncrement))
+        return false;
+    translationIncrement_ = step;
+    return true;
+}
+
+bool ManipulatorControl::setScaleIncrement(float step) {
+    if (!UsableStep("setScaleIncrement", step, kMaxScaleIncrement))
+        return false;
+    scaleIncrement_ = step;
+    return true;
+}
+
+void ManipulatorControl::setWorldAxes(bool v) {
+    worldAxes_ = v;
+    renderer_->setWorldAxes(v);
+    SetNeedsRedraw(true);
+}
+
+void ManipulatorControl::setPlaneHandles(bool v) {
+    renderer_->setPlaneHandles(v);
+    SetNeedsRedraw(true);
+}
+
+bool ManipulatorControl::planeHandles() const {
+    return renderer_->planeHandles();
 }
 
 void ManipulatorControl::SetVisible(bool v) {
+    // Hiding cancels a drag under way, whose slot may delete the gizmo.
+    std::weak_ptr<const void> alive = LifeToken();
     Base::SetVisible(v);
+    if (alive.expired())
+        return;
     SetNeedsRedraw(true);
     renderer_->setVisible(v);
 }
@@ -137,12 +189,15 @@ void ManipulatorControl::DrawCustom() {
     GL::GLScopedBindings hostState;
     camera_->SetMatrixParams(renderer_.get());
     renderer_->setPid(GetId());
+    renderer_->setDimmed(!Enabled());
+    renderer_->setPixelScale(DisplayScale());
     renderer_->Render();
 }
 
 bool ManipulatorControl::LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) {
     if (!camera_ || !renderer_)
         return false;
+    renderer_->setPixelScale(DisplayScale());
     area = renderer_->LayerFootprint(layerWidth, layerHeight);
     return true;
 }
@@ -156,21 +211,60 @@ glm::vec2 ManipulatorControl::toWindow(int x, int y) const {
     return {static_cast<float>(x), static_cast<float>(camera_->Height()) - static_cast<float>(y)};
 }
 
-void ManipulatorControl::planeDirection(const glm::vec2& mouse, const tgeom::vec& axis,
-                                        tgeom::vec& out) const {
+bool ManipulatorControl::rayPlane(const glm::vec2& mouse, const tgeom::vec& normal, tgeom::vec& hit) const {
     tgeom::vec a, b;
     if (!camera_->UnProjectPoint(mouse.x, mouse.y, 0.f, &a.x, &a.y, &a.z) ||
         !camera_->UnProjectPoint(mouse.x, mouse.y, 1.f, &b.x, &b.y, &b.z))
-        return;
+        return false;
     tgeom::vec r = glm::normalize(b - a);
-    float facing = glm::dot(r, axis);
+    float facing = glm::dot(r, normal);
     if (facing == 0.f || !std::isfinite(facing))
+        return false;
+    tgeom::vec at = a + (glm::dot(pressPosition_ - a, normal) / facing) * r;
+    if (!Finite(at))
+        return false;
+    hit = at;
+    return true;
+}
+
+void ManipulatorControl::planeDirection(const glm::vec2& mouse, const tgeom::vec& axis,
+                                        tgeom::vec& out) const {
+    tgeom::vec hit;
+    if (!rayPlane(mouse, axis, hit))
         return;
-    float t = glm::dot(pressPosition_ - a, axis) / facing;
-    tgeom::vec towards = a + t * r - pressPosition_;
+    tgeom::vec towards = hit - pressPosition_;
     float length = glm::length(towards);
     if (length > 0.f && std::isfinite(length))
         out = towards / length;
+}
+
+tgeom::vec ManipulatorControl::handleAxis(int index) const {
+    if (worldAxes_) {
+        tgeom::vec world(0.f);
+        world[index] = 1.f;
+        return world;
+    }
+    LocalFrame& frame = renderer_->getFrame();
+    return index == 0 ? frame.xvector() : index == 1 ? frame.yvector() : frame.zvector();
+}
+
+bool ManipulatorControl::snapping(bool setting) const {
+    const GUI::GUIManager* manager = Manager();
+    const bool invert = manager && (manager->Modifiers() & snapInvertModifiers_) != 0;
+    return setting != invert;
+}
+
+tgeom::vec ManipulatorControl::snapOffset(const tgeom::vec& offset) const {
+    if (!snapping(translationIncrementOn_))
+        return offset;
+    // Whole steps along each handle axis, so that a move along one axis stays on it.
+    tgeom::vec snapped(0.f);
+    for (int i = 0; i < 3; ++i) {
+        const tgeom::vec axis = handleAxis(i);
+        snapped +=
+            axis * (std::round(glm::dot(offset, axis) / translationIncrement_) * translationIncrement_);
+    }
+    return snapped;
 }
 
 bool ManipulatorControl::projectedAxis(const tgeom::vec& axis, glm::vec2& start, glm::vec2& direction) const {
@@ -214,11 +308,14 @@ double ManipulatorControl::scaleFactor(const tgeom::vec& axis) const {
     if (!projectedAxis(axis, s0, d))
         return scale_;
     double factor = 1.0 + 0.005 * static_cast<double>(glm::dot(currentMouse_ - pressMouse_, d));
-    return factor < 0.05 ? 0.05 : factor;
+    // Measured from the press (factor 1), so that slow motion cannot creep past a step.
+    if (snapping(scaleIncrementOn_))
+        factor = 1.0 + std::round((factor - 1.0) / scaleIncrement_) * static_cast<double>(scaleIncrement_);
+    return factor < kMinimumScale ? kMinimumScale : factor;
 }
 
 DrawFlags ManipulatorControl::OnMouseDown(GUI::Event* e) {
-    if (!e || !camera_)
+    if (!e || !camera_ || !Enabled() || !Visible())
         return DRAW_NOTHING;
     LocalFrame& frame = getFrame();
     activeHandle_ = static_cast<int>(e->sid);
@@ -231,28 +328,20 @@ DrawFlags ManipulatorControl::OnMouseDown(GUI::Event* e) {
     pressOrientation_ = frame.getOrientation();
     moved_ = false;
     refusalLogged_ = false;
-    switch (activeHandle_) {
-    case 1:
-    case 4:
-        dragAxis_ = frame.xvector();
-        break;
-    case 2:
-    case 5:
-        dragAxis_ = frame.yvector();
-        break;
-    case 3:
-    case 6:
-        dragAxis_ = frame.zvector();
-        break;
-    default: // scale boxes and the centre keep the axis of the last press; scale_ is 1 already
-        break;
-    }
+    if (IsArrow(activeHandle_) || IsRing(activeHandle_))
+        dragAxis_ = handleAxis((activeHandle_ - 1) % 3);
+    else if (IsPlane(activeHandle_))
+        dragAxis_ = handleAxis(activeHandle_ - 11);
+    // scale boxes and the centre keep the axis of the last press; scale_ is 1 already
     planeDirection(pressMouse_, dragAxis_, pressDirection_);
     lastDirection_ = pressDirection_;
+    pressPlanePoint_ = pressPosition_;
+    if (IsPlane(activeHandle_))
+        rayPlane(pressMouse_, dragAxis_, pressPlanePoint_);
     pressFrame_ = frame;
     if (attachedFrame_)
         attachedPressFrame_ = *attachedFrame_;
-    dragging_ = activeHandle_ >= 1 && activeHandle_ <= static_cast<int>(kCentre); // a handle, not a stray id
+    dragging_ = IsHandle(activeHandle_); // a handle, not a stray id
     std::weak_ptr<const void> alive = LifeToken();
     processPressEvent();
     if (alive.expired())
@@ -320,12 +409,18 @@ bool ManipulatorControl::dragStep(const glm::vec2& mouse) {
     transformation_.reset();
 
     if (IsArrow(activeHandle_)) {
-        tgeom::vec axis = activeHandle_ == 1   ? frame.xvector()
-                          : activeHandle_ == 2 ? frame.yvector()
-                                               : frame.zvector();
-        tgeom::vec moved = axisPoint(axis);
+        tgeom::vec moved = axisPoint(handleAxis(activeHandle_ - 1));
+        moved = pressPosition_ + snapOffset(moved - pressPosition_);
         frame.setPosition(moved);
         transformation_.setPosition(moved - before);
+    } else if (IsPlane(activeHandle_)) {
+        // Both axes of the plane at once; a ray parallel to the plane leaves the gizmo where it is.
+        tgeom::vec hit;
+        if (rayPlane(currentMouse_, dragAxis_, hit)) {
+            tgeom::vec moved = pressPosition_ + snapOffset(hit - pressPlanePoint_);
+            frame.setPosition(moved);
+            transformation_.setPosition(moved - before);
+        }
     } else if (IsRing(activeHandle_)) {
         // A ray parallel to the ring's plane meets it nowhere: the turn stays where the last usable
         // ray put it rather than jumping back to the press orientation.
@@ -336,7 +431,7 @@ bool ManipulatorControl::dragStep(const glm::vec2& mouse) {
         // product a rounding error below 1 would already turn by half a milliradian.
         tgeom::vec across = glm::cross(pressDirection_, v);
         float angle = std::atan2(glm::length(across), std::clamp(glm::dot(pressDirection_, v), -1.f, 1.f));
-        if (rotationIncrementOn_)
+        if (snapping(rotationIncrementOn_))
             angle = std::trunc(angle / rotationIncrement_) * rotationIncrement_;
         if (glm::dot(across, dragAxis_) < 0.f)
             angle = -angle;
@@ -350,6 +445,7 @@ bool ManipulatorControl::dragStep(const glm::vec2& mouse) {
     } else if (IsScaleBox(activeHandle_)) {
         const double old = scale_;
         int axisIndex = activeHandle_ - 7;
+        // Scaling stays along the frame's own axes whatever the other handles follow.
         tgeom::vec axis = axisIndex == 0   ? frame.xvector()
                           : axisIndex == 1 ? frame.yvector()
                                            : frame.zvector();
@@ -366,6 +462,7 @@ bool ManipulatorControl::dragStep(const glm::vec2& mouse) {
         if (camera_->ProjectPoint(pressPosition_.x, pressPosition_.y, pressPosition_.z, &sx, &sy, &sz) &&
             camera_->UnProjectPoint(currentMouse_.x, currentMouse_.y, sz, &moved.x, &moved.y, &moved.z) &&
             Finite(moved)) {
+            moved = pressPosition_ + snapOffset(moved - pressPosition_);
             frame.setPosition(moved);
             transformation_.setPosition(moved - before);
         }
@@ -438,7 +535,8 @@ DrawFlags ManipulatorControl::OnClick(GUI::Event* e) {
         return DRAW_NOTHING;
     LocalFrame& frame = getFrame();
     glm::mat3 rotation = glm::mat3_cast(frame.getOrientation());
-    tgeom::vec axis = rotation[static_cast<int>(e->sid) - 4];
+    tgeom::vec axis =
+        worldAxes_ ? handleAxis(static_cast<int>(e->sid) - 4) : rotation[static_cast<int>(e->sid) - 4];
     // The step a slot reads is this turn, not what the last drag left there.
     transformation_.reset();
     const tgeom::quat old = frame.getOrientation();

@@ -20,6 +20,8 @@
 #include <cstdint>
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace {
 constexpr const char* kFile = "manipulatorrenderer";
 constexpr float kPi = 3.14159265f;
@@ -27,6 +29,14 @@ constexpr float kPi = 3.14159265f;
 constexpr float kArrowDistance = 60.f;
 constexpr float kBoxDistance = 120.f;
 constexpr float kRingRadius = 100.f;
+// The plane squares: the distance of a square's centre from the projected centre along each of its
+// two axes, and its half size, for axes across the view.
+constexpr float kPlaneHandleDistance = 38.f;
+constexpr float kPlaneHandleHalfSize = 8.f;
+// A dimmed gizmo: how far its colours go towards grey, and its opacity (at most half, so that it
+// writes no ids).
+constexpr float kDimmedGreyMix = 0.6f;
+constexpr float kDimmedAlpha = 0.45f;
 
 using GUI::Renderer::detail::UniformLocationQuiet;
 
@@ -140,6 +150,15 @@ bool ManipulatorRenderer::Initialize() {
 }
 
 tgeom::vec ManipulatorRenderer::axisVector(int axis) const {
+    if (worldAxes_) {
+        tgeom::vec world(0.f);
+        world[axisIndex_[axis]] = 1.f;
+        return world;
+    }
+    return localAxis(axis);
+}
+
+tgeom::vec ManipulatorRenderer::localAxis(int axis) const {
     switch (axisIndex_[axis]) {
     case 0:
         return frame_.xvector();
@@ -168,7 +187,11 @@ bool ManipulatorRenderer::projectAxis(const tgeom::vec& axis, glm::vec2& origin,
 
 glm::vec4 ManipulatorRenderer::handleColor(int axis, unsigned int id) const {
     glm::vec4 base = axis < 0 ? neutralColor_ : axisColor_[axis];
-    if (highlightDof_ != id)
+    if (dimmed_) {
+        const float grey = (base.r + base.g + base.b) / 3.f;
+        base = glm::vec4(glm::mix(glm::vec3(base), glm::vec3(grey), kDimmedGreyMix), kDimmedAlpha);
+    }
+    if (highlightDof_ != id || dimmed_)
         return base;
     float w = highlightColor_.a;
     glm::vec4 mixed = w * highlightColor_ + (1.f - w) * base;
@@ -204,24 +227,28 @@ void ManipulatorRenderer::drawAxis(int axis) {
     const bool box = handles_[6 + axis];
     if (!arrow && !box)
         return;
-    tgeom::vec v = axisVector(axis);
-    glm::vec2 o, u;
-    if (!projectAxis(v, o, u))
-        return;
-    float along = glm::dot(v, GetCamera()->ViewDir());
-    float s = std::sqrt(std::max(0.f, 1.f - along * along));
-    float threshold = 1.f - fadeStart_;
-    float alpha = s >= threshold ? 1.f : 1.f - (threshold - s) * fadeSlope_;
-    if (alpha <= 0.f)
-        return; // invisible and, below half coverage, unpickable: nothing to draw
-    float turn = std::atan2(u.y, u.x) - kPi / 2.f;
     const unsigned int arrowId = static_cast<unsigned int>(axis + 1);
     const unsigned int boxId = static_cast<unsigned int>(axis + 7);
+    // With world axes the arrow follows the world axis and the box stays on the frame's.
+    const tgeom::vec arrowAxis = axisVector(axis);
+    const tgeom::vec boxAxis = localAxis(axis);
     const glm::vec2 flat(1.f, 1.f);
-
-    if (arrow) {
+    // Where, which way and how opaque the handles along `v` are; false when nothing is to be drawn.
+    auto place = [&](const tgeom::vec& v, glm::vec2& o, float& turn, float& s, glm::vec2& u, float& alpha) {
+        if (!projectAxis(v, o, u))
+            return false;
+        float along = glm::dot(v, GetCamera()->ViewDir());
+        s = std::sqrt(std::max(0.f, 1.f - along * along));
+        float threshold = 1.f - fadeStart_;
+        alpha = s >= threshold ? 1.f : 1.f - (threshold - s) * fadeSlope_;
+        turn = std::atan2(u.y, u.x) - kPi / 2.f;
+        return alpha > 0.f; // invisible and, below half coverage, unpickable: nothing to draw
+    };
+    glm::vec2 o, u;
+    float turn = 0.f, s = 0.f, alpha = 0.f;
+    if (arrow && place(arrowAxis, o, turn, s, u, alpha)) {
         glm::vec4 color = handleColor(axis, arrowId);
-        color.a = alpha;
+        color.a = std::min(color.a, alpha);
         // A thin shaft from the centre handle to the head reads as an arrow and widens the grip.
         float from = centreSize_ * kRingRadius;
         float to = s * kArrowDistance;
@@ -231,9 +258,9 @@ void ManipulatorRenderer::drawAxis(int axis) {
         drawMesh(*arrowHead_, PlaceInPlane(o + u * (s * kArrowDistance), turn, 10.f, 30.f * s), color,
                  arrowId, flat);
     }
-    if (box) {
+    if (box && place(boxAxis, o, turn, s, u, alpha)) {
         glm::vec4 color = handleColor(axis, boxId);
-        color.a = alpha;
+        color.a = std::min(color.a, alpha);
         drawMesh(*scaleBox_, PlaceInPlane(o + u * (s * kBoxDistance), turn, 10.f, 10.f * s), color, boxId,
                  flat);
     }
@@ -266,6 +293,40 @@ void ManipulatorRenderer::drawRing(int axis) {
     model[3] = glm::vec4(o, 0.f, 1.f);
     const unsigned int id = static_cast<unsigned int>(axis + 4);
     drawMesh(*rotationArc_, model, handleColor(axis, id), id, glm::vec2(bandShade_, 1.f));
+}
+
+void ManipulatorRenderer::drawPlane(int normal) {
+    const unsigned int id = static_cast<unsigned int>(normal + 11);
+    if (!handleEnabled(static_cast<int>(id)))
+        return;
+    // A square in the plane of the other two axes, seen in perspective as a parallelogram spanned by
+    // their projected directions, in the quarter between them that faces the viewer (as the rings).
+    const int first = (normal + 1) % 3;
+    const int second = (normal + 2) % 3;
+    const tgeom::vec view = GetCamera()->ViewDir();
+    glm::vec2 o, u1, u2;
+    const tgeom::vec a1 = axisVector(first), a2 = axisVector(second);
+    if (!projectAxis(a1, o, u1) || !projectAxis(a2, o, u2))
+        return;
+    // Seen edge-on the square fades out as an arrow seen end-on does.
+    const float facing = std::abs(glm::dot(axisVector(normal), view));
+    const float threshold = 1.f - fadeStart_;
+    const float alpha = facing >= threshold ? 1.f : 1.f - (threshold - facing) * fadeSlope_;
+    if (alpha <= 0.f)
+        return;
+    auto extent = [&](const tgeom::vec& a, const glm::vec2& u) {
+        float along = glm::dot(a, view);
+        return u * (std::sqrt(std::max(0.f, 1.f - along * along)) * (along > 0.f ? -1.f : 1.f));
+    };
+    const glm::vec2 b1 = extent(a1, u1), b2 = extent(a2, u2);
+    glm::mat4 model(1.f);
+    model[0] = glm::vec4(b1 * kPlaneHandleHalfSize, 0.f, 0.f);
+    model[1] = glm::vec4(b2 * kPlaneHandleHalfSize, 0.f, 0.f);
+    model[3] = glm::vec4(o + (b1 + b2) * kPlaneHandleDistance, 0.f, 1.f);
+    // The colour of the axis the plane is normal to, as the ring about that axis.
+    glm::vec4 color = handleColor(normal, id);
+    color.a = std::min(color.a, alpha);
+    drawMesh(*scaleBox_, model, color, id, glm::vec2(1.f, 1.f));
 }
 
 void ManipulatorRenderer::drawAxisX() {
@@ -311,7 +372,8 @@ GUI::Geometry::Rectangle ManipulatorRenderer::LayerFootprint(int layerWidth, int
     // circle mapped onto two projected axes of at most kRingRadius each, a scale box sits at
     // kBoxDistance with a half-diagonal under 15, and the centre ring's radius is centreSize times
     // half of kRingRadius. Two pixels more for rasterisation at the edges.
-    const float reach = std::max({2.f * kRingRadius, kBoxDistance + 15.f, centreSize_ * kRingRadius}) + 2.f;
+    const float reach =
+        std::max({2.f * kRingRadius, kBoxDistance + 15.f, centreSize_ * kRingRadius}) * pixelScale_ + 2.f;
     // The pixel projection spans the camera's size; the layer's viewport may be another size.
     const float fx = static_cast<float>(layerWidth) / static_cast<float>(camera->Width());
     const float fy = static_cast<float>(layerHeight) / static_cast<float>(camera->Height());
@@ -353,6 +415,14 @@ void ManipulatorRenderer::Draw() {
     pixels[1][1] = 2.f / static_cast<float>(camera->Height());
     pixels[2][2] = -1.f;
     pixels[3] = glm::vec4(-1.f, -1.f, 0.f, 1.f);
+    // Every handle is laid out in pixels around the projected centre: the display scale enlarges the
+    // whole layout about that point, sizes, distances and widths alike.
+    if (pixelScale_ != 1.f) {
+        glm::mat4 aboutCentre(1.f);
+        aboutCentre[0][0] = aboutCentre[1][1] = pixelScale_;
+        aboutCentre[3] = glm::vec4(sx * (1.f - pixelScale_), sy * (1.f - pixelScale_), 0.f, 1.f);
+        pixels = pixels * aboutCentre;
+    }
     glUniformMatrix4fv(LoggedLocation(program, "ProjectionMatrix", "ProjectionMatrix"), 1, GL_FALSE,
                        glm::value_ptr(pixels));
     GB_CHECK_GL(kFile);
@@ -417,6 +487,9 @@ void ManipulatorRenderer::Draw() {
         }
         drawRingZ();
     }
+    // Small and between the arrows, they overlap no other handle: no order to keep.
+    for (int normal = 0; normal < 3; ++normal)
+        drawPlane(normal);
     active_->end();
     active_ = nullptr;
 }

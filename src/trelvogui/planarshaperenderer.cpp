@@ -20,6 +20,8 @@
 #include <cstdio>
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace {
 constexpr const char* kFile = "planarshaperenderer";
 constexpr int kDiscVertices = 101;

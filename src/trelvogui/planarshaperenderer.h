@@ -9,10 +9,18 @@
 
 #include <memory>
 
+namespace GraphicsBase {
 class Camera;
+}
+namespace GraphicsBase {
 class GLSLProgram;
+}
+namespace GraphicsBase {
 class GLVertexBuffer;
+}
+namespace GraphicsBase {
 class LocalFrame;
+}
 
 /// The outline's shape; any other value draws nothing.
 enum PlanarShape : int { Square = 1, Disc = 2 };
@@ -21,9 +29,9 @@ enum PlanarShape : int { Square = 1, Disc = 2 };
 /// axes before the frame's scale, so the gizmo's scale handles stretch it. It reads the frame at every
 /// draw and needs no updating when the frame moves. Drawn with the view and projection matrices the
 /// camera hands over (Camera::SetMatrixParams).
-class TRELVOGUI_EXPORT PlanarShapeRenderer : public GLRendererBase {
+class TRELVOGUI_EXPORT PlanarShapeRenderer : public GraphicsBase::GLRendererBase {
 public:
-    explicit PlanarShapeRenderer(std::shared_ptr<LocalFrame> frame);
+    explicit PlanarShapeRenderer(std::shared_ptr<GraphicsBase::LocalFrame> frame);
     ~PlanarShapeRenderer() override;
 
     PlanarShapeRenderer(const PlanarShapeRenderer&) = delete;
@@ -36,7 +44,7 @@ public:
     /// The pixels Draw can touch in a layer of the given size with the camera's matrices: the
     /// projected bounds of the outline (empty when nothing would be drawn). False when some of the
     /// outline lies behind the camera, where its projection bounds nothing.
-    bool LayerFootprint(const Camera& camera, int layerWidth, int layerHeight,
+    bool LayerFootprint(const GraphicsBase::Camera& camera, int layerWidth, int layerHeight,
                         GUI::Geometry::Rectangle& area) const;
 
     void SetVisible(bool v) { visible_ = v; }
@@ -47,10 +55,10 @@ public:
 private:
     /// Places the unit outline on the frame.
     glm::mat4 modelMatrix() const;
-    std::unique_ptr<GLVertexBuffer> _vbSquare;
-    std::unique_ptr<GLVertexBuffer> _vbDisc;
+    std::unique_ptr<GraphicsBase::GLVertexBuffer> _vbSquare;
+    std::unique_ptr<GraphicsBase::GLVertexBuffer> _vbDisc;
     PlanarShape shape_ = Square;
-    std::shared_ptr<LocalFrame> frame_;
+    std::shared_ptr<GraphicsBase::LocalFrame> frame_;
     bool visible_ = true;
-    std::unique_ptr<GLSLProgram> program_;
+    std::unique_ptr<GraphicsBase::GLSLProgram> program_;
 };

@@ -1,9 +1,14 @@
 #include <trelvogui/planecontrol.h>
 
+#include <trelvogui/gui/renderers/detail/disabledlook.h>
 #include <trelvogui/manipulatorrenderer.h>
 
 #include <graphicsbase/camera.h>
 #include <graphicsbase/glscopedbindings.h>
+
+#include <optional>
+
+using namespace GraphicsBase;
 
 PlaneControl::PlaneControl(std::shared_ptr<Camera> camera) : ManipulatorControl(std::move(camera)) {}
 
@@ -36,6 +41,10 @@ void PlaneControl::DrawCustom() {
     GL::GLScopedBindings hostState;
     ManipulatorControl::DrawCustom();
     GetCamera()->SetMatrixParams(planarRenderer_.get());
+    // The gizmo dims itself; the outline fades with it.
+    std::optional<GUI::Renderer::detail::DisabledLook> look;
+    if (!Enabled())
+        look.emplace();
     planarRenderer_->Draw();
 }
 

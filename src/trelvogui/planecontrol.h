@@ -11,7 +11,7 @@
 /// outline shares the gizmo's frame, so it follows every move, turn and scale without updating.
 class TRELVOGUI_EXPORT PlaneControl : public ManipulatorControl {
 public:
-    explicit PlaneControl(std::shared_ptr<Camera> camera);
+    explicit PlaneControl(std::shared_ptr<GraphicsBase::Camera> camera);
     ~PlaneControl() override;
 
     void DrawCustom() override;

@@ -6,6 +6,8 @@
 
 #include <cstdio>
 
+using namespace GraphicsBase;
+
 ProbeControl::ProbeControl(std::shared_ptr<GUI::GUIManager> manager) : manager_(std::move(manager)) {}
 
 ProbeControl::~ProbeControl() {

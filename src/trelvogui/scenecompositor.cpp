@@ -19,6 +19,8 @@
 #include <cmath>
 #include <string>
 
+using namespace GraphicsBase;
+
 namespace {
 const char* kFile = "scenecompositor";
 

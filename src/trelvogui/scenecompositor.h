@@ -5,8 +5,12 @@
 
 #include <memory>
 
+namespace GraphicsBase {
 class Camera;
+}
+namespace GraphicsBase {
 class GLSLProgram;
+}
 
 namespace GUI {
 class GUIManager;
@@ -25,7 +29,7 @@ class GUIManager;
 /// it while its context is current.
 class TRELVOGUI_EXPORT SceneCompositor {
 public:
-    explicit SceneCompositor(std::shared_ptr<Camera> camera);
+    explicit SceneCompositor(std::shared_ptr<GraphicsBase::Camera> camera);
     ~SceneCompositor();
     SceneCompositor(const SceneCompositor&) = delete;
     SceneCompositor& operator=(const SceneCompositor&) = delete;
@@ -101,11 +105,11 @@ private:
     void occlusionPasses();
     void drawTriangle();
 
-    std::shared_ptr<Camera> camera_;
-    std::unique_ptr<GLSLProgram> linearDepthProgram_;
-    std::unique_ptr<GLSLProgram> occlusionProgram_;
-    std::unique_ptr<GLSLProgram> blurProgram_;
-    std::unique_ptr<GLSLProgram> applyProgram_;
+    std::shared_ptr<GraphicsBase::Camera> camera_;
+    std::unique_ptr<GraphicsBase::GLSLProgram> linearDepthProgram_;
+    std::unique_ptr<GraphicsBase::GLSLProgram> occlusionProgram_;
+    std::unique_ptr<GraphicsBase::GLSLProgram> blurProgram_;
+    std::unique_ptr<GraphicsBase::GLSLProgram> applyProgram_;
     unsigned int emptyVertexArray_ = 0;
     // The target the host draws into (multisampled renderbuffers when asked for), and the
     // single-sample textures it resolves into (the same framebuffer when not multisampled).

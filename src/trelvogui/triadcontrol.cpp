@@ -25,6 +25,8 @@
 #include <string>
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace {
 constexpr const char* kFile = "triadcontrol";
 constexpr const char* kModule = "TrelvoGUI.dll";
@@ -52,6 +54,7 @@ TriadControl::TriadControl(std::shared_ptr<Camera> camera, std::shared_ptr<Direc
     : camera_(std::move(camera)), light_(std::move(light)), program_(std::make_unique<GLSLProgram>()) {
     SetUsesCamera(true);
     SetUsesLight(true);
+    SetDimsWhenDisabled(true);
 }
 
 TriadControl::~TriadControl() {
@@ -68,13 +71,19 @@ void TriadControl::SetMinimumSize(int pixels) {
 
 bool TriadControl::LayerFootprint(int, int, GUI::Geometry::Rectangle& area) {
     const int side = ready_ ? Side() : 0;
-    area = {10, 10 + side, 10, 10 + side};
+    const int m = Margin();
+    area = {m, m + side, m, m + side};
     return true;
 }
 
 int TriadControl::Side() const {
     const int shorter = camera_ ? std::min(camera_->Width(), camera_->Height()) : 0;
-    return std::max(minimumSize_, static_cast<int>(std::floor(shorter / 15.0)));
+    const int minimum = static_cast<int>(std::lround(minimumSize_ * DisplayScale()));
+    return std::max(minimum, static_cast<int>(std::floor(shorter / 15.0)));
+}
+
+int TriadControl::Margin() const {
+    return static_cast<int>(std::lround(10.f * DisplayScale()));
 }
 
 bool TriadControl::Initialize() {
@@ -181,7 +190,7 @@ void TriadControl::DrawCustom() {
     glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
     GB_CHECK_GL(kFile);
     const int side = Side();
-    glViewport(10, 10, side, side);
+    glViewport(Margin(), Margin(), side, side);
     GB_CHECK_GL(kFile);
 
     glActiveTexture(GL_TEXTURE0 + kLabelUnit);

@@ -8,10 +8,18 @@
 
 #include <memory>
 
+namespace GraphicsBase {
 class Camera;
+}
+namespace GraphicsBase {
 struct DirectionalLight;
+}
+namespace GraphicsBase {
 class GLSLProgram;
+}
+namespace GraphicsBase {
 class GLVertexBuffer;
+}
 
 /// A lit cube whose faces name the axis directions, drawn with the host camera's view rotation in a
 /// square viewport 10 pixels from the view's lower-left corner. Clicking a face moves the camera to
@@ -32,7 +40,8 @@ public:
         kFaceMinusZ = 4,
         kFacePlusX = 5,
     };
-    TriadControl(std::shared_ptr<Camera> camera, std::shared_ptr<DirectionalLight> light);
+    TriadControl(std::shared_ptr<GraphicsBase::Camera> camera,
+                 std::shared_ptr<GraphicsBase::DirectionalLight> light);
     /// Deletes the program, the geometry and the label texture (GL context current).
     ~TriadControl() override;
 
@@ -43,7 +52,7 @@ public:
     /// The cube's square, 10 pixels in from the lower-left corner.
     bool LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) override;
     /// Places the camera on the clicked face's side; 17 for faces 0-5, 0 (nothing done) otherwise.
-    DrawFlags OnClick(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnClick(GUI::Event* e) override;
     /// With the GL context current: builds "Triad.vs" + "Triad.fs", the cube from the embedded model
     /// and the label texture. False (and nothing drawn) when any step fails.
     virtual bool Initialize();
@@ -53,16 +62,18 @@ public:
     void SetMinimumSize(int pixels);
     /// The side the next draw uses for the current camera size.
     int Side() const;
+    /// The gap between the cube and the view's lower-left corner: 10 pixels times the display scale.
+    int Margin() const;
     unsigned int LabelTexture() const { return labelTexture_; }
 
-    const Camera* SceneCamera() const override { return camera_.get(); }
-    const DirectionalLight* SceneLight() const override { return light_.get(); }
+    const GraphicsBase::Camera* SceneCamera() const override { return camera_.get(); }
+    const GraphicsBase::DirectionalLight* SceneLight() const override { return light_.get(); }
 
 private:
-    std::shared_ptr<Camera> camera_;
-    std::shared_ptr<DirectionalLight> light_;
-    std::unique_ptr<GLSLProgram> program_;
-    std::unique_ptr<GLVertexBuffer> vertexBuffer_;
+    std::shared_ptr<GraphicsBase::Camera> camera_;
+    std::shared_ptr<GraphicsBase::DirectionalLight> light_;
+    std::unique_ptr<GraphicsBase::GLSLProgram> program_;
+    std::unique_ptr<GraphicsBase::GLVertexBuffer> vertexBuffer_;
     unsigned int labelTexture_ = 0;
     int minimumSize_ = 100;
     bool ready_ = false;

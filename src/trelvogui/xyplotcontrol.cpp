@@ -15,6 +15,8 @@
 #include <cmath>
 #include <cstdio>
 
+using namespace GraphicsBase;
+
 namespace {
 
 // Two clicks within this many milliseconds are a double click.
@@ -77,6 +79,11 @@ bool XYPlotControl::AddDataSet(DataSetRenderer* set) {
     return true;
 }
 
+void XYPlotControl::RendererDataChanged(ChartRenderer* renderer) {
+    ChartControl::RendererDataChanged(renderer);
+    UpdateStatistics();
+}
+
 bool XYPlotControl::AutoScale() {
     const bool fitted = FitToData();
     UpdateStatistics();
@@ -134,8 +141,14 @@ bool XYPlotControl::Hover(int x, int y) {
     }
     if (best == hoveredSet_ && bestIndex == hovered_)
         return false;
+    // Only the marker's old and new squares and the readout change.
+    LocalChange local(*this);
+    AddLayerDamage(MarkerArea(view));
     hoveredSet_ = best;
     hovered_ = bestIndex;
+    AddLayerDamage(MarkerArea(view));
+    const GUI::Geometry::Rectangle& text = readout_->GetRectangle();
+    AddLayerDamage({text.xMin - 2, text.xMax + 2, text.yMin - 2, text.yMax + 2});
     if (best) {
         char text[160];
         std::snprintf(text, sizeof text, "[%zu]  x %.6g  y %.6g", bestIndex, best->X(bestIndex),
@@ -200,17 +213,36 @@ DrawFlags XYPlotControl::OnMouseWheel(GUI::Event* e, int delta) {
     return done ? DRAW_OVERLAY : DRAW_NOTHING;
 }
 
+bool XYPlotControl::MarkerCentre(const ChartView& view, float& x, float& y) const {
+    if (!hoveredSet_ || hovered_ >= hoveredSet_->Size())
+        return false;
+    const double px = view.PixelX(hoveredSet_->X(hovered_)), py = view.PixelY(hoveredSet_->Y(hovered_));
+    if (!std::isfinite(px) || !std::isfinite(py) || std::fabs(px) > 1e7 || std::fabs(py) > 1e7)
+        return false;
+    x = static_cast<float>(px);
+    y = static_cast<float>(py);
+    return true;
+}
+
+GUI::Geometry::Rectangle XYPlotControl::MarkerArea(const ChartView& view) const {
+    float x, y;
+    if (!MarkerCentre(view, x, y))
+        return {0, 0, 0, 0};
+    // The square's pixels and one more on each side.
+    const int h = static_cast<int>(std::ceil(kMarker / 2)) + 1;
+    const int cx = static_cast<int>(std::floor(x)), cy = static_cast<int>(std::floor(y));
+    return {cx - h, cx + h + 1, cy - h, cy + h + 1};
+}
+
 void XYPlotControl::DrawCustom() {
     GL::GLScopedBindings hostState;
     DrawChart();
-    if (!hoveredSet_ || hovered_ >= hoveredSet_->Size())
-        return;
     const ChartView v = View();
-    const double px = v.PixelX(hoveredSet_->X(hovered_)), py = v.PixelY(hoveredSet_->Y(hovered_));
-    if (!std::isfinite(px) || !std::isfinite(py))
+    float fx, fy;
+    if (!MarkerCentre(v, fx, fy))
         return;
     vertices_.clear();
-    const float h = kMarker / 2, fx = static_cast<float>(px), fy = static_cast<float>(py);
+    const float h = kMarker / 2;
     trelvo::detail::ChartMarks::AppendRectangle(vertices_, fx - h, fy - h, fx + h, fy + h);
     marker_->Draw(vertices_, GLVertexBuffer::Triangles, {255, 255, 255, 255}, GetId(), 0, v.plot);
 }

@@ -27,16 +27,16 @@ public:
     void DrawCustom() override;
     void SetRectangle(GUI::Geometry::Rectangle r) override;
 
-    DrawFlags OnMouseHover(GUI::Event* e) override;
-    DrawFlags OnMouseExit(GUI::Event* e) override;
-    DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy) override;
-    DrawFlags OnClick(GUI::Event* e) override;
-    DrawFlags OnMouseWheel(GUI::Event* e, int delta) override;
+    GraphicsBase::DrawFlags OnMouseHover(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnMouseExit(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy) override;
+    GraphicsBase::DrawFlags OnClick(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnMouseWheel(GUI::Event* e, int delta) override;
 
     /// Adds a data set (not owned) and, with auto-scaling on, fits the ranges to all data.
     bool AddDataSet(DataSetRenderer* set);
     /// Fit on AddDataSet and on AutoScale (on by default). Data changes are fitted when the host calls
-    /// AutoScale, so a stream of appends costs no re-layout per sample.
+    /// AutoScale, or at once with SetFollowData(true).
     void SetAutoScale(bool on) { autoScale_ = on; }
     bool AutoScale();
 
@@ -49,10 +49,18 @@ public:
     /// Statistics of the first data set over the x range in view.
     MinMaxPyramid::Summary VisibleStatistics();
 
+protected:
+    /// The statistics follow the data (and the ranges too, when set to follow them).
+    void RendererDataChanged(ChartRenderer* renderer) override;
+
 private:
     void UpdateStatistics();
     void PlaceLabels();
     bool Hover(int x, int y);
+    /// The hover marker's centre in overlay pixels; false when none is shown.
+    bool MarkerCentre(const ChartView& view, float& x, float& y) const;
+    /// The pixels the hover marker covers (empty when none).
+    GUI::Geometry::Rectangle MarkerArea(const ChartView& view) const;
 
     DataSetRenderer* first_ = nullptr;
     std::unique_ptr<trelvo::detail::ChartMarks> marker_;

@@ -1,9 +1,30 @@
 // Builds a small control tree against the installed package through the umbrella headers, the way
-// an ordinary host includes them: after <syslog.h> and its own GL header. It uses no symbol of
-// GraphicsBase itself, so it starts only if the installed TrelvoGUI finds its sibling library.
+// an ordinary host includes them: after <syslog.h>, its own GL header and its own classes named like
+// the platform layer's (which lives in namespace GraphicsBase, so neither hides the other). It uses no
+// symbol of GraphicsBase beyond the camera, so it starts only if the installed TrelvoGUI finds its
+// sibling library.
 #include <syslog.h>
 
 #include <GL/gl.h>
+
+// A viewer's own types, in the global namespace, each unlike the library's.
+class Camera {
+public:
+    int orbitSteps = 3;
+};
+struct LocalFrame {
+    double origin[3] = {1, 2, 3};
+};
+struct DirectionalLight {
+    const char* name = "key";
+};
+class InputHandler {
+public:
+    int Handle() const { return 7; }
+};
+class GraphicsScene {};
+class GLSLProgram {};
+enum DrawFlags { DRAW_EVERYTHING = 99 };
 
 #include <graphicsbase/graphicsbase.h>
 #include <trelvogui/trelvogui.h>
@@ -24,5 +45,17 @@ int main() {
     // No context is current here: the manager must refuse to start, not crash.
     const bool started = manager->Initialize();
     const int syslogLevel = LOG_WARNING; // the host's own macro still means what it did
-    return (child.GetId() == 2 && r.xMin == 15 && r.yMin == 25 && !started && syslogLevel == 4) ? 0 : 1;
+
+    // The host's classes and the library's live side by side.
+    Camera own;
+    auto camera = std::make_shared<GraphicsBase::Camera>();
+    camera->SetViewport(64, 48);
+    ManipulatorControl gizmo(camera);
+    const bool ownTypesIntact = own.orbitSteps == 3 && LocalFrame{}.origin[2] == 3 &&
+                                DirectionalLight{}.name[0] == 'k' && InputHandler{}.Handle() == 7 &&
+                                DRAW_EVERYTHING == 99 && camera->Width() == 64;
+    return (child.GetId() == 2 && r.xMin == 15 && r.yMin == 25 && !started && syslogLevel == 4 &&
+            ownTypesIntact)
+               ? 0
+               : 1;
 }

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+using namespace GraphicsBase;
+
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     std::vector<UI3DVertex> vertices;
     std::string error;

@@ -3,6 +3,8 @@
 
 #include <cstdlib>
 
+using namespace GraphicsBase;
+
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     PNGReader reader;
     if (reader.loadFromMemory(data, size)) {

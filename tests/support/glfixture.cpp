@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <filesystem>
 
+using namespace GraphicsBase;
+
 namespace trelvo::test {
 
 void GLTest::SetUp() {

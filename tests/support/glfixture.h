@@ -31,7 +31,7 @@ protected:
     /// Reads a whole RGBA8 region, rows bottom-up as GL returns them.
     std::vector<uint8_t> ReadColorRegion(int x, int y, int width, int height);
 
-    std::unique_ptr<HeadlessGLContext> context;
+    std::unique_ptr<GraphicsBase::HeadlessGLContext> context;
     std::unique_ptr<LogCapture> log;
 };
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+using namespace GraphicsBase;
+
 namespace trelvo::test {
 
 LogCapture::LogCapture() {

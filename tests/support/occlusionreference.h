@@ -5,7 +5,9 @@
 
 #include <vector>
 
+namespace GraphicsBase {
 class Camera;
+}
 
 namespace trelvo::test {
 
@@ -53,7 +55,7 @@ struct ReferencePixel {
 /// Casts a primary ray through every pixel centre of a width x height view of `camera` and, from
 /// the visible point, `rays` stratified cosine-weighted rays of length `radius`. Rows bottom-up, as
 /// glReadPixels returns them.
-std::vector<ReferencePixel> ReferenceOcclusion(const AnalyticScene& scene, const Camera& camera, int width,
-                                               int height, float radius, int rays = 256);
+std::vector<ReferencePixel> ReferenceOcclusion(const AnalyticScene& scene, const GraphicsBase::Camera& camera,
+                                               int width, int height, float radius, int rays = 256);
 
 } // namespace trelvo::test

@@ -2,6 +2,8 @@
 
 #include <trelvogui/gui/guiclock.h>
 
+using namespace GraphicsBase;
+
 namespace trelvo::test {
 namespace {
 VX_UI::MouseEvent hostEvent(int x, int y, int prevX, int prevY, int buttons) {

@@ -16,11 +16,11 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    DrawFlags Move(int x, int y, int prevX, int prevY, int buttons = 0);
-    DrawFlags Press(int x, int y, int buttons = 1);
-    DrawFlags Release(int x, int y);
+    GraphicsBase::DrawFlags Move(int x, int y, int prevX, int prevY, int buttons = 0);
+    GraphicsBase::DrawFlags Press(int x, int y, int buttons = 1);
+    GraphicsBase::DrawFlags Release(int x, int y);
     /// A quick press and release at overlay pixel (x, y), y up: a click. Returns the release's flags.
-    DrawFlags Click(int x, int y);
+    GraphicsBase::DrawFlags Click(int x, int y);
     /// The primary id under overlay pixel (x, y), y up.
     unsigned PidAt(int x, int y);
 

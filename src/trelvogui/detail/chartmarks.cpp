@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <cmath>
 
+using namespace GraphicsBase;
+
 namespace trelvo::detail {
 namespace {
 constexpr const char* kFile = "chartmarks";

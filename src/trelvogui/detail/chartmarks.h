@@ -7,8 +7,12 @@
 #include <memory>
 #include <vector>
 
+namespace GraphicsBase {
 class GLSLProgram;
+}
+namespace GraphicsBase {
 class GLVertexBuffer;
+}
 
 namespace trelvo::detail {
 
@@ -38,9 +42,9 @@ public:
     static void AppendRectangle(std::vector<float>& out, float x0, float y0, float x1, float y1);
 
 private:
-    std::unique_ptr<GLSLProgram> program_;
-    std::unique_ptr<GLSLProgram> fetch_;
-    std::unique_ptr<GLVertexBuffer> buffer_;
+    std::unique_ptr<GraphicsBase::GLSLProgram> program_;
+    std::unique_ptr<GraphicsBase::GLSLProgram> fetch_;
+    std::unique_ptr<GraphicsBase::GLVertexBuffer> buffer_;
 };
 
 } // namespace trelvo::detail

@@ -8,6 +8,8 @@
 
 #include <cmath>
 
+using namespace GraphicsBase;
+
 namespace GUI::Animation {
 
 Sequence::Sequence(GUI::Controls::Base* control, float seconds) : control_(control) {

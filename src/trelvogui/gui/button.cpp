@@ -3,6 +3,8 @@
 #include <trelvogui/gui/label.h>
 #include <trelvogui/gui/textureatlas.h>
 
+using namespace GraphicsBase;
+
 namespace GUI::Controls {
 
 Button::Button() : label_(new Label()) {

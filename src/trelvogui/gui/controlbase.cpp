@@ -1,6 +1,7 @@
 #include <trelvogui/gui/controlbase.h>
 
 #include <trelvogui/gui/guimanager.h>
+#include <trelvogui/gui/renderers/detail/disabledlook.h>
 #include <trelvogui/gui/renderers/renderer.h>
 #include <trelvogui/gui/texture.h>
 #include <trelvogui/gui/textureatlas.h>
@@ -8,6 +9,9 @@
 #include <graphicsbase/logfile.h>
 
 #include <algorithm>
+#include <optional>
+
+using namespace GraphicsBase;
 
 namespace GUI::Controls {
 namespace {
@@ -123,6 +127,9 @@ void Base::DrawToTexture(GUI::Texture::Atlas* atlas) {
 void Base::DrawWithChildren(GUI::Texture::Atlas* atlas) {
     if (!Visible())
         return;
+    std::optional<GUI::Renderer::detail::DisabledLook> look;
+    if (dimsWhenDisabled_ && !Enabled())
+        look.emplace();
     DrawControl(atlas);
     DrawCustom();
     for (Base* child : children_)
@@ -164,6 +171,9 @@ bool Base::collectDamage(GUI::Geometry::Rectangle& damage, bool& any) {
 void Base::drawWithChildrenIn(GUI::Texture::Atlas* atlas, const GUI::Geometry::Rectangle& region) {
     if (!Visible())
         return;
+    std::optional<GUI::Renderer::detail::DisabledLook> look;
+    if (dimsWhenDisabled_ && !Enabled())
+        look.emplace();
     DrawControl(atlas);
     DrawCustom();
     for (Base* child : children_)
@@ -385,13 +395,24 @@ bool Base::UsesLight() {
 }
 
 void Base::SetEnabled(bool v) {
+    if (!v && !giveUpDrag())
+        return;
     enabled_ = v;
     SetNeedsRedraw(true);
 }
 
 void Base::SetVisible(bool v) {
+    if (!v && !giveUpDrag())
+        return;
     visible_ = v;
     SetNeedsRedraw(true);
+}
+
+bool Base::giveUpDrag() {
+    // A control switched off in the middle of its drag puts the drag back; a slot may delete it.
+    std::weak_ptr<const void> alive = life_;
+    OnCancelDrag(nullptr);
+    return !alive.expired();
 }
 
 void Base::SetPressed(bool v) {
@@ -588,6 +609,8 @@ bool Base::Register(std::shared_ptr<GUI::GUIManager> manager) {
         bool ok = true;
         for (Base* child : children_)
             ok = child->Register(manager) && ok;
+        if (manager->GetDisplayScale() != 1.f)
+            OnDisplayScaleChanged();
         return ok;
     }
     // One manager at a time: the registry this control was in forgets it (and its subtree) first.
@@ -601,6 +624,9 @@ bool Base::Register(std::shared_ptr<GUI::GUIManager> manager) {
     bool ok = static_cast<GUI::Controls::Factory*>(manager.get())->AddControl(this);
     for (Base* child : children_)
         ok = child->Register(manager) && ok;
+    // Laid out before it knew the manager: at scale 1.
+    if (manager->GetDisplayScale() != 1.f)
+        OnDisplayScaleChanged();
     return ok;
 }
 
@@ -621,8 +647,16 @@ DrawFlags Base::OnMouseWheel(GUI::Event*, int) {
     return DRAW_NOTHING;
 }
 
+float Base::DisplayScale() const {
+    return manager_ ? manager_->GetDisplayScale() : 1.f;
+}
+
 DrawFlags Base::OnCancelDrag(GUI::Event*) {
     return DRAW_NOTHING;
+}
+
+bool Base::TakeLayerDamage(std::vector<GUI::Geometry::Rectangle>&) {
+    return false;
 }
 
 } // namespace GUI::Controls

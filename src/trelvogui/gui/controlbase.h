@@ -14,8 +14,12 @@
 #include <memory>
 #include <vector>
 
+namespace GraphicsBase {
 class Camera;
+}
+namespace GraphicsBase {
 struct DirectionalLight;
+}
 
 namespace GUI {
 class GUIManager;
@@ -62,14 +66,14 @@ public:
     /// Free-form drawing with the control's own programs (nothing here).
     virtual void DrawCustom();
 
-    virtual DrawFlags OnMouseDown(GUI::Event* e);
-    virtual DrawFlags OnMouseHover(GUI::Event* e);
-    virtual DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy);
-    virtual DrawFlags OnMouseUp(GUI::Event* e);
-    virtual DrawFlags OnMouseEnter(GUI::Event* e);
-    virtual DrawFlags OnMouseExit(GUI::Event* e);
-    virtual DrawFlags OnClick(GUI::Event* e);
-    virtual DrawFlags OnDoubleClick(GUI::Event* e);
+    virtual GraphicsBase::DrawFlags OnMouseDown(GUI::Event* e);
+    virtual GraphicsBase::DrawFlags OnMouseHover(GUI::Event* e);
+    virtual GraphicsBase::DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy);
+    virtual GraphicsBase::DrawFlags OnMouseUp(GUI::Event* e);
+    virtual GraphicsBase::DrawFlags OnMouseEnter(GUI::Event* e);
+    virtual GraphicsBase::DrawFlags OnMouseExit(GUI::Event* e);
+    virtual GraphicsBase::DrawFlags OnClick(GUI::Event* e);
+    virtual GraphicsBase::DrawFlags OnDoubleClick(GUI::Event* e);
 
     virtual bool HasParent();
     virtual bool HasChildren();
@@ -101,6 +105,7 @@ public:
     virtual bool LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area);
     virtual bool UsesCamera();
     virtual bool UsesLight();
+    /// Disabling or hiding a control cancels the drag it holds (OnCancelDrag).
     virtual void SetEnabled(bool v);
     virtual void SetVisible(bool v);
     virtual void SetPressed(bool v);
@@ -138,15 +143,23 @@ public:
     virtual GUI::Animation::Frame* GetLocalFrameAnimation();
     /// The wheel turned by `delta` (positive away from the user, 120 a notch) with the pointer over
     /// the control at the event's position. DRAW_NOTHING (the default) passes it on to the parent.
-    virtual DrawFlags OnMouseWheel(GUI::Event* e, int delta);
+    virtual GraphicsBase::DrawFlags OnMouseWheel(GUI::Event* e, int delta);
     /// The host camera and light the control draws with (null where it uses none). The manager
     /// compares their matrices, viewport and values with those of the last update and redraws the
     /// controls that follow a changed one, whether or not the host reported the change.
-    virtual const Camera* SceneCamera() const { return nullptr; }
-    virtual const DirectionalLight* SceneLight() const { return nullptr; }
+    virtual const GraphicsBase::Camera* SceneCamera() const { return nullptr; }
+    virtual const GraphicsBase::DirectionalLight* SceneLight() const { return nullptr; }
     /// The left-button drag this control holds is to be abandoned: Escape was pressed or another
     /// button went down. DRAW_NOTHING (the default) leaves the event to the manager's usual routing.
-    virtual DrawFlags OnCancelDrag(GUI::Event* e);
+    virtual GraphicsBase::DrawFlags OnCancelDrag(GUI::Event* e);
+    /// For a stale root drawn straight into the layers whose footprint stays where it was: where its
+    /// picture changed since the last update (overlay pixels, appended to `areas`; none for nowhere),
+    /// when the control knows that the change is confined there. The manager asks once per update and
+    /// the control forgets what it reported. False (the default): the whole footprint is redrawn.
+    virtual bool TakeLayerDamage(std::vector<GUI::Geometry::Rectangle>& areas);
+    /// The manager's display scale changed (or the control joined a manager whose scale is not 1):
+    /// controls that lay out children in pixels lay them out again. Nothing by default.
+    virtual void OnDisplayScaleChanged() {}
 
     /// Expires when this control is destroyed. Code that calls out to host code (signals, callbacks)
     /// takes one first and stops touching the control when it has expired: a handler may delete the
@@ -179,6 +192,8 @@ public:
     bool Unregister();
     GUI::GUIManager* Manager() { return manager_.get(); }
     const GUI::GUIManager* Manager() const { return manager_.get(); }
+    /// The manager's display scale, 1 while unregistered: what pixel sizes are multiplied by.
+    float DisplayScale() const;
     /// Set by the manager while the control is in its registry.
     void SetManagerRedrawFlag(bool* flag) { managerRedrawFlag_ = flag; }
     bool* ManagerRedrawFlag() { return managerRedrawFlag_; }
@@ -198,12 +213,17 @@ protected:
     /// beside it): a cached layer that holds one is always redrawn whole.
     void SetDrawsOutsideRenderRectangle(bool v) { drawsOutside_ = v; }
     void SetUsesLight(bool v) { usesLight_ = v; }
+    /// For data controls and scene widgets: disabled, the subtree is drawn faded and writes no ids,
+    /// so the pointer reaches what lies behind it.
+    void SetDimsWhenDisabled(bool v) { dimsWhenDisabled_ = v; }
 
 private:
     /// Removes the subtree from the registry it was entered into (and marks it unregistered).
     void leaveRegistry();
     /// Whether `control` is this control or one of its ancestors.
     bool isSelfOrAncestor(Base* control);
+    /// OnCancelDrag for a control being switched off; false when a slot deleted the control.
+    bool giveUpDrag();
     /// Marks this control, its ancestors and the manager stale without virtual calls (destructors).
     void markStale();
     /// The union of where the changed controls of this subtree were drawn last time and will be drawn
@@ -268,6 +288,7 @@ private:
     bool damaged_ = true;
     bool drawn_ = false;
     bool drawsOutside_ = false;
+    bool dimsWhenDisabled_ = false;
     bool redrewPartially_ = false;
     GUI::Geometry::Rectangle drawnRectangle_{0, 0, 0, 0};
     GUI::Geometry::Rectangle redrawnRegion_{0, 0, 0, 0};

@@ -1,5 +1,7 @@
 #include <trelvogui/gui/eventsbase.h>
 
+using namespace GraphicsBase;
+
 namespace GUI::Events {
 
 Base::~Base() {

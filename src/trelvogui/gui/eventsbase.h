@@ -14,7 +14,7 @@ namespace GUI::Events {
 /// SetCallback; null means none.
 class TRELVOGUI_EXPORT Base {
 public:
-    using Callback = std::function<DrawFlags()>;
+    using Callback = std::function<GraphicsBase::DrawFlags()>;
 
     virtual ~Base();
 

@@ -3,6 +3,8 @@
 #include <trelvogui/gui/animationframe.h>
 #include <trelvogui/gui/controlbase.h>
 
+using namespace GraphicsBase;
+
 namespace GUI::Animation {
 
 FadeInOutSequence::FadeInOutSequence(GUI::Controls::Base* control, float seconds)

@@ -3,6 +3,8 @@
 #include <trelvogui/gui/animationframe.h>
 #include <trelvogui/gui/controlbase.h>
 
+using namespace GraphicsBase;
+
 namespace GUI::Animation {
 
 FadeOutSequence::FadeOutSequence(GUI::Controls::Base* control, float seconds) : Sequence(control, seconds) {

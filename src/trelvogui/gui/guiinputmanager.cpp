@@ -4,6 +4,8 @@
 
 #include <cstdio>
 
+using namespace GraphicsBase;
+
 namespace GUI {
 
 GUIInputManager::GUIInputManager(GraphicsScene& scene) : scene_(scene) {

@@ -18,7 +18,7 @@ namespace GUI {
 /// the scene. Handlers are not owned. Ids come from a free-range allocator and are never handed back.
 class TRELVOGUI_EXPORT GUIInputManager {
 public:
-    explicit GUIInputManager(GraphicsScene& scene);
+    explicit GUIInputManager(GraphicsBase::GraphicsScene& scene);
     ~GUIInputManager();
 
     GUIInputManager(const GUIInputManager&) = delete;
@@ -28,10 +28,10 @@ public:
     void Reset();
     /// Registers the handler and returns its id; 0 for a null handler, the existing id for one already
     /// registered. A handler destroyed while registered removes itself.
-    unsigned int addScreenHandler(InputHandler* handler);
+    unsigned int addScreenHandler(GraphicsBase::InputHandler* handler);
     /// The removed handler, or null when no handler has that id.
-    InputHandler* removeScreenHandler(int id);
-    std::map<int, InputHandler*>& GetScreenHandlers() { return handlers_; }
+    GraphicsBase::InputHandler* removeScreenHandler(int id);
+    std::map<int, GraphicsBase::InputHandler*>& GetScreenHandlers() { return handlers_; }
     /// Forgets every handler without destroying them.
     void ClearInputHandlers();
 
@@ -42,7 +42,7 @@ public:
     bool keyPressEvent(unsigned int key, unsigned int modifiers);
     bool keyReleaseEvent(unsigned int key, unsigned int modifiers);
     /// Always hands the result (even 0) to the scene and returns true.
-    bool touchDispatchToHandlers(VX_UI::TouchEvent* event);
+    bool touchDispatchToHandlers(GraphicsBase::VX_UI::TouchEvent* event);
 
     /// When set, mouse press, release and move are refused.
     bool blocked = false;
@@ -52,15 +52,15 @@ public:
 private:
     unsigned int allocateId();
     void warnIfShared(int id);
-    void forget(InputHandler* handler);
+    void forget(GraphicsBase::InputHandler* handler);
     /// Offers an event to the handlers in ascending id order until one returns non-zero.
-    template <class Call> DrawFlags offer(Call call);
+    template <class Call> GraphicsBase::DrawFlags offer(Call call);
     template <class Call> bool dispatch(Call call);
 
-    GraphicsScene& scene_;
+    GraphicsBase::GraphicsScene& scene_;
     DoubleLinkedList<IntegerBracket> brackets_;
-    std::map<int, InputHandler*> handlers_;
-    std::vector<std::pair<int, InputHandler*>> snapshot_;
+    std::map<int, GraphicsBase::InputHandler*> handlers_;
+    std::vector<std::pair<int, GraphicsBase::InputHandler*>> snapshot_;
     bool offering_ = false;
 };
 

@@ -23,6 +23,8 @@
 #include <cstdio>
 #include <string>
 
+using namespace GraphicsBase;
+
 namespace GUI {
 namespace {
 const char* kFile = "gui/guimanager";
@@ -35,7 +37,9 @@ GUI::Event controlEvent(const VX_UI::MouseEvent& e) {
 GUIManager::GUIManager(GUI::Renderer::Type type) : rendererType_(type) {}
 
 GUIManager::~GUIManager() {
-    if (!GraphicsBase::CanReleaseGL()) {
+    const bool holdsGL = quadVertexArray_ || quadVertexBuffer_ || layerFramebuffer_ || pickFramebuffer_ ||
+                         colorLayer_ || idLayer_ || depthLayer_ || layersFence_;
+    if (holdsGL && !GraphicsBase::CanReleaseGL()) {
         // Only the names are forgotten; the context frees the objects when it goes.
         quadVertexArray_ = quadVertexBuffer_ = 0;
         layerFramebuffer_ = pickFramebuffer_ = colorLayer_ = idLayer_ = depthLayer_ = 0;
@@ -215,6 +219,34 @@ void GUIManager::Resize(int width, int height) {
     InitLayers();
     SetNeedsRedraw(true);
     UpdateLayers();
+}
+
+bool GUIManager::SetDisplayScale(float scale) {
+    if (!(scale >= kMinDisplayScale && scale <= kMaxDisplayScale)) {
+        std::printf("GUIManager::SetDisplayScale(): %g is outside %g to %g; the scale stays %g.\n",
+                    static_cast<double>(scale), static_cast<double>(kMinDisplayScale),
+                    static_cast<double>(kMaxDisplayScale), static_cast<double>(displayScale_));
+        return false;
+    }
+    if (scale == displayScale_)
+        return true;
+    displayScale_ = scale;
+    // Every pixel size may have changed: the widgets' footprints as much as their pictures.
+    // A control's layout may delete or add children, which changes the registry: walk a copy and
+    // skip what is gone.
+    std::vector<std::pair<GUI::Controls::Base*, std::weak_ptr<const void>>> controls;
+    for (GUI::Controls::Base* control : Controls())
+        controls.emplace_back(control, control->LifeToken());
+    for (auto& [control, alive] : controls) {
+        if (alive.expired())
+            continue;
+        control->OnDisplayScaleChanged();
+        if (!alive.expired())
+            control->SetNeedsRedraw(true);
+    }
+    layersWhole_ = true;
+    SetNeedsRedraw(true);
+    return true;
 }
 
 void GUIManager::deleteLayers() {
@@ -401,9 +433,13 @@ void GUIManager::updateLayers() {
             const bool knows = !control->Visible() || control->LayerFootprint(width_, height_, now);
             auto known = footprints_.find(control->GetId());
             if (stale) {
+                // Asked whenever the root is stale, so that it forgets what it collected.
+                const std::size_t before = damagePieces_.size();
+                const bool confined = control->TakeLayerDamage(damagePieces_);
                 if (known == footprints_.end() || !knows) {
                     whole = true;
-                } else {
+                } else if (!confined || !control->Visible() || !(now == known->second)) {
+                    damagePieces_.resize(before);
                     include(damage, damaged, known->second);
                     include(damage, damaged, now);
                 }
@@ -461,16 +497,43 @@ void GUIManager::updateLayers() {
     // controls cannot see), which the plain update answers by redrawing everything.
     whole = whole || !anyStale;
     layersWhole_ = false;
-    GUI::Geometry::Rectangle region{0, width_, 0, height_};
-    if (!whole) {
-        region = {std::max(damage.xMin, 0), std::min(damage.xMax, width_), std::max(damage.yMin, 0),
-                  std::min(damage.yMax, height_)};
-        if (!damaged || region.Width() <= 0 || region.Height() <= 0) {
-            // Only off-screen or invisible changes: the layers stay as they are.
-            updating_ = false;
-            needsRedraw_ = false;
-            return;
+    regions_.clear();
+    if (whole) {
+        regions_.push_back({0, width_, 0, height_});
+    } else {
+        // The damaged pieces, each redrawn in a pass of its own where they cover much less than their
+        // bounding box (a hover marker at one end of a chart and its readout at the other); each pass
+        // clears and redraws its piece whole, so pieces may overlap.
+        auto clipped = [this](const GUI::Geometry::Rectangle& r) {
+            return GUI::Geometry::Rectangle{std::max(r.xMin, 0), std::min(r.xMax, width_),
+                                            std::max(r.yMin, 0), std::min(r.yMax, height_)};
+        };
+        auto area = [](const GUI::Geometry::Rectangle& r) {
+            return r.Width() > 0 && r.Height() > 0 ? std::int64_t(r.Width()) * r.Height() : std::int64_t(0);
+        };
+        GUI::Geometry::Rectangle all{0, 0, 0, 0};
+        bool any = false;
+        std::int64_t covered = 0;
+        if (damaged)
+            damagePieces_.push_back(damage);
+        for (const GUI::Geometry::Rectangle& piece : damagePieces_) {
+            const GUI::Geometry::Rectangle r = clipped(piece);
+            if (area(r) == 0)
+                continue;
+            regions_.push_back(r);
+            include(all, any, r);
+            covered += area(r);
         }
+        constexpr std::size_t kMostPasses = 4;
+        if (regions_.size() > kMostPasses || (regions_.size() > 1 && covered * 2 > area(all)))
+            regions_.assign(1, all);
+    }
+    damagePieces_.clear();
+    if (regions_.empty()) {
+        // Only off-screen or invisible changes: the layers stay as they are.
+        updating_ = false;
+        needsRedraw_ = false;
+        return;
     }
 
     glBindFramebuffer(GL_FRAMEBUFFER, layerFramebuffer_);
@@ -481,10 +544,34 @@ void GUIManager::updateLayers() {
     GB_CHECK_GL(kFile);
     glViewport(0, 0, width_, height_);
     GB_CHECK_GL(kFile);
-    if (!whole) {
+    for (const GUI::Geometry::Rectangle& region : regions_)
+        drawLayerRegion(whole ? nullptr : &region, strict);
+    {
+        if (strict) {
+            glFinish();
+            GB_CHECK_GL(kFile);
+        } else {
+            // Nothing waits here; the first pick after this update waits for it instead. (Reading
+            // the id layer through the pick framebuffer is not ordered after drawing into it through
+            // the layer framebuffer on every driver.)
+            deleteLayersFence();
+            layersFence_ = glFenceSync(GL_SYNC_GPU_COMMANDS_COMPLETE, 0);
+            GB_CHECK_GL(kFile);
+        }
+        glBindFramebuffer(GL_FRAMEBUFFER, 0);
+        GB_CHECK_GL(kFile);
+    }
+    updating_ = false;
+    needsRedraw_ = !animations_.empty();
+    layerUpdateTime_ += static_cast<int32_t>(GUI::Clock::Ticks() - t0);
+    ++layerUpdateCount_;
+}
+
+void GUIManager::drawLayerRegion(const GUI::Geometry::Rectangle* region, bool strict) {
+    if (region) {
         glEnable(GL_SCISSOR_TEST);
         GB_CHECK_GL(kFile);
-        glScissor(region.xMin, region.yMin, region.Width(), region.Height());
+        glScissor(region->xMin, region->yMin, region->Width(), region->Height());
         GB_CHECK_GL(kFile);
     }
 
@@ -519,7 +606,7 @@ void GUIManager::updateLayers() {
     GB_CHECK_GL(kFile);
 
     GUI::Renderer::detail::TargetChanged();
-    GUI::Renderer::detail::SetDrawRegion(whole ? nullptr : &region);
+    GUI::Renderer::detail::SetDrawRegion(region);
     {
         std::unique_ptr<GL::GLScopedSetter> state = renderer_->SetRenderAttributes();
         for (GUI::Controls::Base* control : Controls()) {
@@ -529,24 +616,7 @@ void GUIManager::updateLayers() {
                 GB_CHECK_GL(kFile);
             }
         }
-        if (strict) {
-            glFinish();
-            GB_CHECK_GL(kFile);
-        } else {
-            // Nothing waits here; the first pick after this update waits for it instead. (Reading
-            // the id layer through the pick framebuffer is not ordered after drawing into it through
-            // the layer framebuffer on every driver.)
-            deleteLayersFence();
-            layersFence_ = glFenceSync(GL_SYNC_GPU_COMMANDS_COMPLETE, 0);
-            GB_CHECK_GL(kFile);
-        }
-        glBindFramebuffer(GL_FRAMEBUFFER, 0);
-        GB_CHECK_GL(kFile);
     }
-    updating_ = false;
-    needsRedraw_ = !animations_.empty();
-    layerUpdateTime_ += static_cast<int32_t>(GUI::Clock::Ticks() - t0);
-    ++layerUpdateCount_;
 }
 
 void GUIManager::Draw() {
@@ -628,6 +698,11 @@ void GUIManager::Draw() {
     glUniform1i(GUI::Renderer::detail::UniformLocation(program, "texid_UI"), 15);
     GB_CHECK_GL(kFile);
 
+    // Hands what the host drew so far to the driver before the layer is sampled: a software rasteriser
+    // otherwise finishes the host's pending drawing (its full-view clear, say) on this thread before
+    // it lets the layer be read, which made an idle frame cost the host's pixels.
+    glFlush();
+    GB_CHECK_GL(kFile);
     glBindVertexArray(quadVertexArray_);
     GB_CHECK_GL(kFile);
     // Four vertices: the quad's whole contents.
@@ -792,7 +867,10 @@ DrawFlags GUIManager::cancelDrag() {
 
 DrawFlags GUIManager::keyPress(VX_UI::KeyEvent* e) {
     constexpr unsigned int kEscapeSdl = 27, kEscapeGlfw = 256, kEscapeQt = 0x01000000;
-    if (!e || (e->key != kEscapeSdl && e->key != kEscapeGlfw && e->key != kEscapeQt))
+    if (!e)
+        return DRAW_NOTHING;
+    modifiers_ = e->modifiers;
+    if (e->key != kEscapeSdl && e->key != kEscapeGlfw && e->key != kEscapeQt)
         return DRAW_NOTHING;
     const DrawFlags result = cancelDrag();
     if (result != DRAW_NOTHING)
@@ -800,7 +878,14 @@ DrawFlags GUIManager::keyPress(VX_UI::KeyEvent* e) {
     return result;
 }
 
+DrawFlags GUIManager::keyRelease(VX_UI::KeyEvent* e) {
+    if (e)
+        modifiers_ = e->modifiers;
+    return DRAW_NOTHING;
+}
+
 DrawFlags GUIManager::mousePressEvent(VX_UI::MouseEvent* e) {
+    modifiers_ = static_cast<unsigned int>(e->modifiers);
     // Another button pressed during a left-button drag may cancel it; the drag keeps the pointer.
     if (e->buttons & ~VX_UI::BUTTON_LEFT) {
         const DrawFlags cancelled = cancelDrag();
@@ -840,6 +925,7 @@ DrawFlags GUIManager::mousePressEvent(VX_UI::MouseEvent* e) {
 }
 
 DrawFlags GUIManager::mouseMoveEvent(VX_UI::MouseEvent* e) {
+    modifiers_ = static_cast<unsigned int>(e->modifiers);
     DrawFlags result = DRAW_NOTHING;
     if (e->buttons == 0) {
         HitDetect(e->x, OverlayRow(e->y), &e->pid, &e->sid);
@@ -872,6 +958,7 @@ DrawFlags GUIManager::mouseMoveEvent(VX_UI::MouseEvent* e) {
 }
 
 DrawFlags GUIManager::mouseReleaseEvent(VX_UI::MouseEvent* e) {
+    modifiers_ = static_cast<unsigned int>(e->modifiers);
     DrawFlags result = DRAW_NOTHING;
     if ((pointer_.buttons & VX_UI::BUTTON_LEFT) && pointer_.pid != 0 && Contains(pointer_.pid)) {
         const unsigned int pressed = pointer_.pid;

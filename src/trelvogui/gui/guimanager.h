@@ -18,8 +18,12 @@
 #include <memory>
 #include <vector>
 
+namespace GraphicsBase {
 class GLSLProgram;
+}
+namespace GraphicsBase {
 struct DirectionalLight;
+}
 
 namespace GUI {
 namespace Renderer {
@@ -40,8 +44,8 @@ class Sequence;
 /// then per frame UpdateLayers and Draw after the host's own scene. Pointer events arrive through
 /// the InputHandler entry points, directly or through a GUIInputManager. Destroy the manager while
 /// its context is current.
-class TRELVOGUI_EXPORT GUIManager : public GLRendererBase,
-                                    public InputHandler,
+class TRELVOGUI_EXPORT GUIManager : public GraphicsBase::GLRendererBase,
+                                    public GraphicsBase::InputHandler,
                                     public GUI::Controls::Factory {
 public:
     /// Fired when the needs-redraw flag goes from false to true: the host's cue to schedule a frame.
@@ -105,15 +109,20 @@ public:
     void Draw() override;
     void draw() override { Draw(); }
 
-    DrawFlags mousePressEvent(VX_UI::MouseEvent* e) override;
-    DrawFlags mouseMoveEvent(VX_UI::MouseEvent* e) override;
-    DrawFlags mouseReleaseEvent(VX_UI::MouseEvent* e) override;
+    GraphicsBase::DrawFlags mousePressEvent(GraphicsBase::VX_UI::MouseEvent* e) override;
+    GraphicsBase::DrawFlags mouseMoveEvent(GraphicsBase::VX_UI::MouseEvent* e) override;
+    GraphicsBase::DrawFlags mouseReleaseEvent(GraphicsBase::VX_UI::MouseEvent* e) override;
     /// Offers the wheel to the control under the pointer (where the last pointer event left it), then
     /// to its parents, until one consumes it.
-    DrawFlags mouseWheel(VX_UI::MouseWheelEvent* e) override;
+    GraphicsBase::DrawFlags mouseWheel(GraphicsBase::VX_UI::MouseWheelEvent* e) override;
     /// Escape during a left-button drag (the Escape codes of the SDL, GLFW and Qt backends) offers
     /// the dragged control a cancel; every other key is ignored.
-    DrawFlags keyPress(VX_UI::KeyEvent* e) override;
+    GraphicsBase::DrawFlags keyPress(GraphicsBase::VX_UI::KeyEvent* e) override;
+    /// Only notes the modifiers (see Modifiers).
+    GraphicsBase::DrawFlags keyRelease(GraphicsBase::VX_UI::KeyEvent* e) override;
+    /// The modifier bits of the latest pointer or key event, in the host backend's own encoding:
+    /// for controls whose drags change with a held key.
+    unsigned int Modifiers() const { return modifiers_; }
 
     /// Raises the flag (firing the signal on a false-to-true change); never clears it.
     void SetNeedsRedraw(bool v);
@@ -160,6 +169,16 @@ public:
     /// its ray through the pixel centre (x + 0.5, height - y - 0.5).
     void SetExactPointerRows(bool on) { exactPointerRows_ = on; }
     bool GetExactPointerRows() const { return exactPointerRows_; }
+    /// Display scale (default 1): the window's device-pixel ratio. The 3D widgets multiply every
+    /// pixel size by it (the gizmo's handles and distances, the view cube's and light widget's sizes and
+    /// margins, the light's degrees per pixel), and the axis, colour bar and legend their tick lengths
+    /// and label sizes, so a picture at scale 2 in a view twice as large is the scale-1 picture
+    /// enlarged. Controls laid out by the host keep the rectangles it gives them. Scales outside 0.5 to
+    /// 4 are refused (false, a message, the scale unchanged); a change redraws everything.
+    bool SetDisplayScale(float scale);
+    float GetDisplayScale() const { return displayScale_; }
+    static constexpr float kMinDisplayScale = 0.5f;
+    static constexpr float kMaxDisplayScale = 4.f;
     /// Strict synchronisation draws the layers the plain way: a texture barrier before every draw,
     /// every control flushed and the update finished. By default barriers are issued only where draws
     /// overlap and nothing is flushed or finished; the layers come out the same (a test compares them
@@ -185,9 +204,11 @@ public:
 
 private:
     /// Offers the control holding the left-button drag a cancel; DRAW_NOTHING when none takes it.
-    DrawFlags cancelDrag();
+    GraphicsBase::DrawFlags cancelDrag();
     void deleteLayers();
     void updateLayers();
+    /// Clears the layers in `region` (all of them for null) and draws every control there.
+    void drawLayerRegion(const GUI::Geometry::Rectangle* region, bool strict);
     void fireDeferredSignals();
     void deleteLayersFence();
     /// Blocks until the last fast layer update has landed (before reading the id layer back).
@@ -198,7 +219,7 @@ private:
     /// What a camera- or light-following control drew with: view, projection, viewport, light.
     struct SceneState {
         std::array<float, 50> values{};
-        static SceneState Of(const Camera* camera, const DirectionalLight* light);
+        static SceneState Of(const GraphicsBase::Camera* camera, const GraphicsBase::DirectionalLight* light);
         bool operator==(const SceneState& o) const {
             return std::memcmp(&values, &o.values, sizeof values) == 0;
         }
@@ -208,8 +229,8 @@ private:
     GUI::Renderer::Type rendererType_;
     GUI::Renderer::Base* renderer_ = nullptr;
     GUI::Texture::Atlas* atlas_ = nullptr;
-    std::unique_ptr<GLSLProgram> compositeProgram_;
-    std::unique_ptr<GLSLProgram> gammaProgram_;
+    std::unique_ptr<GraphicsBase::GLSLProgram> compositeProgram_;
+    std::unique_ptr<GraphicsBase::GLSLProgram> gammaProgram_;
     unsigned int layerFramebuffer_ = 0;
     unsigned int pickFramebuffer_ = 0;
     unsigned int colorLayer_ = 0;
@@ -217,7 +238,8 @@ private:
     unsigned int depthLayer_ = 0;
     unsigned int quadVertexArray_ = 0;
     unsigned int quadVertexBuffer_ = 0;
-    VX_UI::MouseEvent pointer_;
+    GraphicsBase::VX_UI::MouseEvent pointer_;
+    unsigned int modifiers_ = 0;
     uint64_t pressTime_ = 0;
     uint64_t clickWindow_ = 200;
     int width_ = 100;
@@ -235,6 +257,7 @@ private:
     bool explicitGammaCorrection_ = false;
     bool strictSynchronisation_ = false;
     bool exactPointerRows_ = false;
+    float displayScale_ = 1.f;
     bool framebufferFetch_ = true;
     // A GLsync, kept opaque here so that the header needs no sync types.
     void* layersFence_ = nullptr;
@@ -242,6 +265,8 @@ private:
     // Where each cached root was composited by the last update (by id), and whether the next update
     // must redraw the layers whole.
     std::map<unsigned int, GUI::Geometry::Rectangle> footprints_;
+    // Scratch of an update: the pieces roots named as changed, and the regions redrawn.
+    std::vector<GUI::Geometry::Rectangle> damagePieces_, regions_;
     bool layersWhole_ = true;
     bool compositeWhole_ = true;
 };

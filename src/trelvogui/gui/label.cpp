@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+using namespace GraphicsBase;
+
 namespace GUI::Controls {
 
 Label::Label() = default;

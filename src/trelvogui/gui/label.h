@@ -16,8 +16,8 @@ public:
 
     void DrawControl(GUI::Texture::Atlas* atlas) override;
     /// Handed on to the parent, so that a button's label never keeps the hover for itself.
-    DrawFlags OnMouseEnter(GUI::Event* e) override;
-    DrawFlags OnMouseExit(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnMouseEnter(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnMouseExit(GUI::Event* e) override;
     /// Fits the rectangle to the measured text on the axes whose sizing policy is 1.
     void CalcBoundingBox(GUI::Texture::Atlas* atlas) override;
     /// The rectangle, grown by as much as the text overhangs it (whatever the alignment).

@@ -7,6 +7,8 @@
 
 #include <cstdio>
 
+using namespace GraphicsBase;
+
 namespace GUI::Texture {
 
 namespace {

@@ -3,6 +3,8 @@
 #include <trelvogui/gui/sizehandle.h>
 #include <trelvogui/gui/textureatlas.h>
 
+using namespace GraphicsBase;
+
 namespace GUI::Controls {
 
 Panel::Panel() {

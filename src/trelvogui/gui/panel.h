@@ -15,7 +15,7 @@ public:
     ~Panel() override;
 
     void DrawControl(GUI::Texture::Atlas* atlas) override;
-    DrawFlags OnClick(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnClick(GUI::Event* e) override;
     /// Creates and places the grip, or removes and deletes it.
     void SetSizeable(bool on) override;
     /// Also keeps the grip in the corner.

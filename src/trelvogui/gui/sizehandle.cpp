@@ -8,6 +8,8 @@
 
 #include <algorithm>
 
+using namespace GraphicsBase;
+
 namespace GUI::Controls {
 namespace {
 // Without a manager there is no context to ask; every GL 4 context allows textures this large.

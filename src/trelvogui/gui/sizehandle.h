@@ -15,10 +15,10 @@ public:
 
     void DrawControl(GUI::Texture::Atlas* atlas) override;
     /// Records the press point and the panel's rectangle.
-    DrawFlags OnMouseDown(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnMouseDown(GUI::Event* e) override;
     /// Resizes the panel keeping x-min and y-max fixed, never below its minimum size.
-    DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy) override;
-    DrawFlags OnClick(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnMouseDrag(GUI::Event* e, int dx, int dy) override;
+    GraphicsBase::DrawFlags OnClick(GUI::Event* e) override;
     GUI::Geometry::Rectangle GetRenderRectangleStandard(GUI::Texture::Atlas* atlas) override;
 
     Panel* GetPanel() { return panel_; }

@@ -14,7 +14,7 @@ public:
     ~SwitchButton() override;
 
     void DrawControl(GUI::Texture::Atlas* atlas) override;
-    DrawFlags OnClick(GUI::Event* e) override;
+    GraphicsBase::DrawFlags OnClick(GUI::Event* e) override;
 
     /// Stores the state only: no callback, no redraw request.
     void SetOn(bool on) { on_ = on; }

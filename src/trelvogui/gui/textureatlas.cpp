@@ -18,6 +18,8 @@
 
 #include <vector>
 
+using namespace GraphicsBase;
+
 namespace GUI::Texture {
 
 namespace {

@@ -2,6 +2,8 @@
 
 #include <trelvogui/gui/textureatlas.h>
 
+using namespace GraphicsBase;
+
 namespace GUI::Controls {
 
 UpButton::UpButton() {

@@ -13,6 +13,8 @@
 #include <cstdio>
 #include <map>
 
+using namespace GraphicsBase;
+
 namespace GUI {
 namespace {
 // GLFW keeps one user pointer per window, which belongs to the host; backends are found here.

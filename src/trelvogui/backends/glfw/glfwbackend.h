@@ -13,7 +13,9 @@
 #include <memory>
 #include <vector>
 
+namespace GraphicsBase {
 class Camera;
+}
 
 struct GLFWwindow;
 
@@ -38,11 +40,11 @@ class GUIManager;
 /// The host's own handlers go after the manager: `input.Input().addScreenHandler(&myHandler)`.
 /// Overlay work done from a callback (hit detection, resizing the layers) runs with the window's
 /// context made current for it; the host's current context is put back afterwards.
-class TRELVOGUI_GLFW_EXPORT GLFWBackend : public GraphicsScene {
+class TRELVOGUI_GLFW_EXPORT GLFWBackend : public GraphicsBase::GraphicsScene {
 public:
     /// Every non-zero input result, for hosts that act on more than the overlay's redraw (a camera
     /// moved by the view cube, the scene changed by the gizmo).
-    boost::signals2::signal<void(DrawFlags)> DrawFlagsSignal;
+    boost::signals2::signal<void(GraphicsBase::DrawFlags)> DrawFlagsSignal;
 
     /// Installs the callbacks. The manager must outlive the backend; destroy the backend before the
     /// window.
@@ -77,17 +79,17 @@ public:
     /// Touch points in window coordinates, converted to framebuffer pixels and offered to the
     /// handlers. GLFW itself reports no touch events; hosts with a touch source of their own feed
     /// them here.
-    bool Touch(const VX_UI::TouchEvent& event);
+    bool Touch(const GraphicsBase::VX_UI::TouchEvent& event);
 
     /// Keeps the camera's viewport at the framebuffer size on resizes (and rebuilds its matrices), so
     /// widgets are drawn and picked where the host's scene is. Null is ignored.
-    void FollowViewport(std::shared_ptr<Camera> camera);
+    void FollowViewport(std::shared_ptr<GraphicsBase::Camera> camera);
 
     /// The wheel delta for one notch of a mouse wheel; finer touchpad scrolling is accumulated.
     static constexpr int kWheelNotch = 120;
 
     /// Input results arrive here: anything non-zero asks for a frame.
-    void SetDrawFlags(DrawFlags flags) override;
+    void SetDrawFlags(GraphicsBase::DrawFlags flags) override;
 
 private:
     struct Previous;
@@ -111,7 +113,7 @@ private:
     int buttons_ = 0;
     int modifiers_ = 0;
     double wheel_ = 0.0;
-    std::vector<std::shared_ptr<Camera>> cameras_;
+    std::vector<std::shared_ptr<GraphicsBase::Camera>> cameras_;
     std::atomic<bool> requested_{true};
     int frames_ = 0;
     bool traceFrames_ = false;

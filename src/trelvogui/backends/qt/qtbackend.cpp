@@ -21,6 +21,8 @@
 #include <map>
 #include <set>
 
+using namespace GraphicsBase;
+
 namespace GUI {
 namespace {
 std::set<QObject*>& attached() {

@@ -39,11 +39,11 @@ class GUIManager;
 /// Usage: construct it with the view (before or after the context exists); initialise the manager in
 /// the view's initializeGL. A QOpenGLWidget gets the overlay drawn after each paintGL by itself; a
 /// QOpenGLWindow host calls Paint() from its paintOverGL.
-class TRELVOGUI_QT_EXPORT QtBackend : public QObject, public GraphicsScene {
+class TRELVOGUI_QT_EXPORT QtBackend : public QObject, public GraphicsBase::GraphicsScene {
 public:
     /// Every non-zero input result, for hosts that act on more than the overlay's redraw (a camera
     /// moved by the view cube, the scene changed by the gizmo).
-    boost::signals2::signal<void(DrawFlags)> DrawFlagsSignal;
+    boost::signals2::signal<void(GraphicsBase::DrawFlags)> DrawFlagsSignal;
 
     QtBackend(QOpenGLWidget* widget, GUIManager& manager);
     QtBackend(QOpenGLWindow* window, GUIManager& manager);
@@ -67,7 +67,7 @@ public:
     double PixelRatio() const;
 
     /// Input results arrive here: anything non-zero schedules a frame.
-    void SetDrawFlags(DrawFlags flags) override;
+    void SetDrawFlags(GraphicsBase::DrawFlags flags) override;
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -77,8 +77,8 @@ private:
     void update();
     bool ready();
     QOpenGLContext* context() const;
-    DrawFlags dispatch(QEvent* event);
-    DrawFlags offerTablet(QEvent* event);
+    GraphicsBase::DrawFlags dispatch(QEvent* event);
+    GraphicsBase::DrawFlags offerTablet(QEvent* event);
     bool paintWidget(QEvent* event);
 
     QPointer<QOpenGLWidget> widget_;

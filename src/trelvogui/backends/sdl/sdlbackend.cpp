@@ -11,6 +11,8 @@
 #include <cstdio>
 #include <map>
 
+using namespace GraphicsBase;
+
 namespace GUI {
 namespace {
 std::map<uint32_t, SDLBackend*>& backends() {

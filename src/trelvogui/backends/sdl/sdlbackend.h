@@ -37,11 +37,11 @@ class GUIManager;
 ///         }
 ///         /* draw the scene, UpdateLayers, Draw, SDL_GL_SwapWindow */
 ///     }
-class TRELVOGUI_SDL_EXPORT SDLBackend : public GraphicsScene {
+class TRELVOGUI_SDL_EXPORT SDLBackend : public GraphicsBase::GraphicsScene {
 public:
     /// Every non-zero input result, for hosts that act on more than the overlay's redraw (a camera
     /// moved by the view cube, the scene changed by the gizmo).
-    boost::signals2::signal<void(DrawFlags)> DrawFlagsSignal;
+    boost::signals2::signal<void(GraphicsBase::DrawFlags)> DrawFlagsSignal;
 
     /// `context` is the window's OpenGL context; overlay work done for an event runs with it made
     /// current, and the host's current context is put back afterwards.
@@ -78,11 +78,11 @@ public:
     static constexpr int kWheelNotch = 120;
 
     /// Input results arrive here: anything non-zero asks for a frame.
-    void SetDrawFlags(DrawFlags flags) override;
+    void SetDrawFlags(GraphicsBase::DrawFlags flags) override;
 
 private:
     SDL_Window* liveWindow() const;
-    DrawFlags dispatch(const SDL_Event& event);
+    GraphicsBase::DrawFlags dispatch(const SDL_Event& event);
     void toPixels(float x, float y, int* px, int* py) const;
 
     uint32_t windowId_ = 0;

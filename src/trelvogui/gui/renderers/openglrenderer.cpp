@@ -1,5 +1,6 @@
 #include <trelvogui/gui/renderers/openglrenderer.h>
 
+#include "detail/disabledlook.h"
 #include "detail/targetbarrier.h"
 #include "detail/uniforms.h"
 
@@ -20,6 +21,8 @@
 
 #include <cmath>
 #include <cstdio>
+
+using namespace GraphicsBase;
 
 namespace GUI::Renderer {
 
@@ -263,8 +266,7 @@ void OpenglRenderer::DrawTexturedRectangle(GUI::Geometry::TexturedRectangle cons
     const GUI::Geometry::Rectangle& r = piece.rectangle;
     if (!initialized_ || !detail::InDrawRegion(r))
         return;
-    glDisable(GL_BLEND);
-    GB_CHECK_GL(kTag);
+    detail::DisableBlending();
     bool textureIsSrgb = IsSrgbOnUnit(kAtlasColorUnit);
     bool stencilIsSrgb = IsSrgbOnUnit(kAtlasStencilUnit);
 
@@ -546,8 +548,7 @@ void OpenglRenderer::RenderTexture(GUI::Texture::Base* color, GUI::Texture::Base
         return;
     const glm::mat4 modelView = CachedLayerTransform(*frame, *rectangle, *pivot);
 
-    glDisable(GL_BLEND);
-    GB_CHECK_GL(kTag);
+    detail::DisableBlending();
     GLSLProgram& cached = detail::ProgramFor(*cachedProgram_, cachedFetchProgram_.get());
     const bool samples = &cached == cachedProgram_.get();
     GLuint program = cached.getProgram();

@@ -10,8 +10,12 @@
 #include <memory>
 #include <vector>
 
+namespace GraphicsBase {
 class GLSLProgram;
+}
+namespace GraphicsBase {
 class GLVertexBuffer;
+}
 
 namespace GUI::Renderer {
 
@@ -34,7 +38,7 @@ public:
     /// the first failure; the drawing operations stay inert until this succeeded.
     bool Initialize() override;
     /// Disables GL_BLEND and GL_DEPTH_TEST until the returned setter is destroyed.
-    std::unique_ptr<GL::GLScopedSetter> SetRenderAttributes() override;
+    std::unique_ptr<GraphicsBase::GL::GLScopedSetter> SetRenderAttributes() override;
     /// Sets the viewport and the pixel projection (origin bottom left, y up). False before
     /// Initialize, when only the viewport changes.
     bool SetScreen(unsigned int width, unsigned int height) override;
@@ -122,11 +126,11 @@ private:
     void bindTarget(GUI::Texture::Base* color, GUI::Texture::Base* ids, GUI::Geometry::Rectangle& rectangle,
                     const GUI::Geometry::Rectangle* region);
     /// Every program built, both builds of each, for state that is set on all of them.
-    std::vector<GLSLProgram*> programs() const;
+    std::vector<GraphicsBase::GLSLProgram*> programs() const;
     /// Points every sampler at its fixed unit once, so draws that set no sampler still read the
     /// right textures.
     void SetSamplerDefaults();
-    void UploadProjection(GLSLProgram& program, const float* matrix);
+    void UploadProjection(GraphicsBase::GLSLProgram& program, const float* matrix);
     /// The current ids as uniforms `pid` and `sid` of the bound program.
     void SetIdUniforms(unsigned int program);
     /// Places the unit geometry on the rectangle (`bboxMin`, `bboxDim`).
@@ -142,19 +146,19 @@ private:
     bool targetReady_ = false;
     bool targetScissored_ = false;
     unsigned int frameBuffer_ = 0;
-    std::unique_ptr<GLVertexBuffer> circleBuffer_;
-    std::unique_ptr<GLVertexBuffer> quadBuffer_;
-    std::unique_ptr<GLVertexBuffer> centeredQuadBuffer_;
-    std::unique_ptr<GLVertexBuffer> outlineBuffer_;
-    std::unique_ptr<GLVertexBuffer> lineBuffer_;
+    std::unique_ptr<GraphicsBase::GLVertexBuffer> circleBuffer_;
+    std::unique_ptr<GraphicsBase::GLVertexBuffer> quadBuffer_;
+    std::unique_ptr<GraphicsBase::GLVertexBuffer> centeredQuadBuffer_;
+    std::unique_ptr<GraphicsBase::GLVertexBuffer> outlineBuffer_;
+    std::unique_ptr<GraphicsBase::GLVertexBuffer> lineBuffer_;
     // Each program in its literal build and, where the context offers framebuffer fetch, the build
     // the fast path draws with.
-    std::unique_ptr<GLSLProgram> texturedProgram_;
-    std::unique_ptr<GLSLProgram> lineProgram_;
-    std::unique_ptr<GLSLProgram> cachedProgram_;
-    std::unique_ptr<GLSLProgram> texturedFetchProgram_;
-    std::unique_ptr<GLSLProgram> lineFetchProgram_;
-    std::unique_ptr<GLSLProgram> cachedFetchProgram_;
+    std::unique_ptr<GraphicsBase::GLSLProgram> texturedProgram_;
+    std::unique_ptr<GraphicsBase::GLSLProgram> lineProgram_;
+    std::unique_ptr<GraphicsBase::GLSLProgram> cachedProgram_;
+    std::unique_ptr<GraphicsBase::GLSLProgram> texturedFetchProgram_;
+    std::unique_ptr<GraphicsBase::GLSLProgram> lineFetchProgram_;
+    std::unique_ptr<GraphicsBase::GLSLProgram> cachedFetchProgram_;
     std::unique_ptr<TextRendererFreeType> textRenderer_;
 };
 

@@ -31,7 +31,7 @@ public:
 
     virtual bool Initialize() = 0;
     /// The GL state drawing needs; the host's state comes back when the setter is destroyed.
-    virtual std::unique_ptr<GL::GLScopedSetter> SetRenderAttributes() = 0;
+    virtual std::unique_ptr<GraphicsBase::GL::GLScopedSetter> SetRenderAttributes() = 0;
     virtual bool SetScreen(unsigned int width, unsigned int height) = 0;
     virtual bool LoadColorAtlas(std::string name, GUI::Texture::Atlas* atlas) = 0;
     virtual bool UnloadColorAtlas(GUI::Texture::Atlas* atlas) = 0;

@@ -2,6 +2,7 @@
 // into a per-text RGBA texture (coverage per channel, white on black) drawn by "UITextShader".
 #include <trelvogui/gui/renderers/textrendererfreetype.h>
 
+#include <trelvogui/gui/renderers/detail/disabledlook.h>
 #include <trelvogui/gui/renderers/detail/targetbarrier.h>
 #include <trelvogui/gui/renderers/detail/uniforms.h>
 #include <trelvogui/gui/texture.h>
@@ -25,9 +26,12 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
+
+using namespace GraphicsBase;
 
 namespace GUI::Renderer {
 
@@ -518,7 +522,10 @@ void TextRendererFreeType::Draw(GUI::Texture::Base* target, GUI::Text* text, GUI
     const GUI::Geometry::Rectangle footprint{x, x + std::max(width, 0), y, y + std::max(height, 0)};
     if (!impl_->program || !impl_->program->isLinked() || !detail::InDrawRegion(footprint))
         return;
-    GL::GLScopedSetter state(GL::Disable{GL_BLEND});
+    // Blending off for a draw that composes in its shader, unless the text is being faded.
+    std::optional<GL::GLScopedSetter> state;
+    if (!detail::DisabledLook::Active())
+        state.emplace(GL::Disable{GL_BLEND});
     glActiveTexture(GL_TEXTURE1);
     GB_CHECK_GL(kTag);
     target->Bind();

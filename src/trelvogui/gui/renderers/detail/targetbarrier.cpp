@@ -10,6 +10,8 @@
 #include <array>
 #include <cstddef>
 
+using namespace GraphicsBase;
+
 namespace GUI::Renderer::detail {
 namespace {
 
@@ -80,6 +82,10 @@ void SetDrawRegion(const GUI::Geometry::Rectangle* region) {
     pending.clipped = region != nullptr;
     if (region)
         pending.region = *region;
+}
+
+const GUI::Geometry::Rectangle* DrawRegion() {
+    return pending.clipped ? &pending.region : nullptr;
 }
 
 bool InDrawRegion(const GUI::Geometry::Rectangle& area) {

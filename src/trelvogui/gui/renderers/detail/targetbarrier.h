@@ -5,7 +5,9 @@
 
 #include <memory>
 
+namespace GraphicsBase {
 class GLSLProgram;
+}
 
 namespace GUI::Renderer::detail {
 
@@ -37,6 +39,9 @@ bool StrictBarriers();
 /// or nullptr for all of it. Set with the target; a switch of target (TargetChanged) resets it.
 void SetDrawRegion(const GUI::Geometry::Rectangle* region);
 
+/// The draw region set last (target pixels), or nullptr when draws may change all of the target.
+const GUI::Geometry::Rectangle* DrawRegion();
+
 /// Whether a draw covering `area` can change any pixel of the draw region. A draw wholly outside it
 /// writes nothing, so it is skipped before any state is touched: on the fast path a skipped label
 /// saves a texture and program change, which is what costs, not its clipped pixels. The test allows
@@ -47,7 +52,7 @@ bool InDrawRegion(const GUI::Geometry::Rectangle& area);
 /// program (or any texture) makes the driver revalidate every sampler, the target's own among them,
 /// and a software rasteriser answers that by flushing and waiting for the draws that write the
 /// target. The manager's scoped bindings give the host its program back at the end of an update.
-void EndDraw(GLSLProgram& program);
+void EndDraw(GraphicsBase::GLSLProgram& program);
 
 /// Framebuffer fetch on the fast path: reading the target through the shader's own outputs gives the
 /// same values as sampling it, with no barrier and without the target among the bound samplers, so
@@ -60,20 +65,23 @@ bool TargetFetch();
 /// Builds `literal` from the two shader files and, where the context offers framebuffer fetch,
 /// `fetch` from the same files with TARGET_FETCH defined. A fetch build that fails is dropped (the
 /// literal one serves every path); false only when the literal build fails.
-bool BuildTargetPrograms(std::unique_ptr<GLSLProgram>& literal, std::unique_ptr<GLSLProgram>& fetch,
-                         const char* vertex, const char* fragment);
+bool BuildTargetPrograms(std::unique_ptr<GraphicsBase::GLSLProgram>& literal,
+                         std::unique_ptr<GraphicsBase::GLSLProgram>& fetch, const char* vertex,
+                         const char* fragment);
 
 /// Builds `fetch` from the two files with TARGET_FETCH defined where the context offers framebuffer
 /// fetch; leaves it empty otherwise or when the build fails.
-void BuildFetchProgram(std::unique_ptr<GLSLProgram>& fetch, const char* vertex, const char* fragment);
+void BuildFetchProgram(std::unique_ptr<GraphicsBase::GLSLProgram>& fetch, const char* vertex,
+                       const char* fragment);
 
 /// The build of a pair that the next draw uses.
-GLSLProgram& ProgramFor(GLSLProgram& literal, GLSLProgram* fetch);
+GraphicsBase::GLSLProgram& ProgramFor(GraphicsBase::GLSLProgram& literal, GraphicsBase::GLSLProgram* fetch);
 
 /// Binds the build the next draw uses and, when that is the literal one, points its target samplers
 /// at the target (SetTargetSamplers). The draw samples its target exactly when the result is
 /// `literal`.
-GLSLProgram& BeginTargetDraw(GLSLProgram& literal, GLSLProgram* fetch);
+GraphicsBase::GLSLProgram& BeginTargetDraw(GraphicsBase::GLSLProgram& literal,
+                                           GraphicsBase::GLSLProgram* fetch);
 
 /// Whether the current context offers a texture barrier at all.
 bool TextureBarrierAvailable();

@@ -9,6 +9,8 @@
 
 #include <cstdio>
 
+using namespace GraphicsBase;
+
 namespace GUI::Renderer::detail {
 
 GLint UniformLocationQuiet(GLuint program, const char* name) {
