@@ -29,7 +29,6 @@ constexpr GLuint kColorUnit = 4;
 constexpr GLuint kDepthUnit = 5;
 constexpr GLuint kNormalUnit = 6;
 constexpr GLuint kOcclusionUnit = 7;
-constexpr GLuint kLinearDepthUnit = 8;
 
 using GUI::Renderer::detail::UniformLocation;
 
@@ -49,11 +48,9 @@ GLuint makeTexture(GLenum internalFormat, GLenum format, GLenum type, int width,
     glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(internalFormat), width, height, 0, format, type,
                  nullptr);
     GB_CHECK_GL(kFile);
-    // The passes read with texelFetch, or gather blocks of texels clamped at the edges.
+    // Every pass reads with texelFetch; the filters matter only for completeness.
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
     GB_CHECK_GL(kFile);
     return texture;
 }
@@ -460,12 +457,9 @@ bool SceneCompositor::EndScene(GUI::GUIManager* overlay) {
             GB_CHECK_GL(kFile);
             GL::GLScopedSetter textures(
                 GL::BindTexture2D{kColorUnit, colorTexture_}, GL::BindTexture2D{kDepthUnit, depthTexture_},
-                GL::BindTexture2D{kNormalUnit, normalTexture_}, GL::BindTexture2D{kOcclusionUnit, 0},
-                GL::BindTexture2D{kLinearDepthUnit, 0});
+                GL::BindTexture2D{kNormalUnit, normalTexture_}, GL::BindTexture2D{kOcclusionUnit, 0});
             occlusionPasses();
 
-            glActiveTexture(GL_TEXTURE0 + kLinearDepthUnit);
-            glBindTexture(GL_TEXTURE_2D, occlusionTextures_[0]);
             glBindFramebuffer(GL_DRAW_FRAMEBUFFER, hostDraw);
             glViewport(v[0], v[1], v[2], v[3]);
             GB_CHECK_GL(kFile);
@@ -474,7 +468,6 @@ bool SceneCompositor::EndScene(GUI::GUIManager* overlay) {
             glUniform1i(UniformLocation(program, "ColorTexture"), kColorUnit);
             glUniform1i(UniformLocation(program, "DepthTexture"), kDepthUnit);
             glUniform1i(UniformLocation(program, "OcclusionTexture"), kOcclusionUnit);
-            glUniform1i(UniformLocation(program, "LinearDepthTexture"), kLinearDepthUnit);
             glUniform1i(UniformLocation(program, "PatternSize"), builtHalf_ ? 2 : 4);
             const glm::mat4 inverse = glm::inverse(camera_->ProjectionMatrix());
             glUniformMatrix4fv(UniformLocation(program, "InverseProjection"), 1, GL_FALSE,
