@@ -260,13 +260,13 @@ bool SceneCompositor::createTargets() {
     }
 
     // Occlusion targets: linear depth; then raw, blurred across, blurred along, with the term in r
-    // and linear depth in g (16 bits hold both well within the blur's and upsampling's tolerances).
+    // and linear depth in g (16-bit targets measured no faster on the software rasteriser).
     builtHalf_ = half_;
     const int ow = builtHalf_ ? (width_ + 1) / 2 : width_;
     const int oh = builtHalf_ ? (height_ + 1) / 2 : height_;
     for (int i = 0; complete && i < 4; ++i) {
         occlusionTextures_[i] = i == 0 ? makeTexture(GL_R32F, GL_RED, GL_FLOAT, ow, oh)
-                                       : makeTexture(GL_RG16F, GL_RG, GL_FLOAT, ow, oh);
+                                       : makeTexture(GL_RG32F, GL_RG, GL_FLOAT, ow, oh);
         glGenFramebuffers(1, &occlusionFramebuffers_[i]);
         GB_CHECK_GL(kFile);
         glBindFramebuffer(GL_FRAMEBUFFER, occlusionFramebuffers_[i]);
