@@ -133,9 +133,10 @@ void main() { c = texelFetch(t, ivec2(gl_FragCoord.xy), 0); })");
     bool Ok() const { return ok_; }
 
     /// samples 0: occlusion off.
-    void Configure(bool half, int samples) {
+    void Configure(bool half, int samples, bool interleaved) {
         compositor_.SetOcclusionEnabled(samples > 0);
         compositor_.SetHalfResolution(half);
+        compositor_.SetInterleavedSampling(interleaved);
         if (samples > 0)
             compositor_.SetSampleCount(samples);
     }
@@ -169,10 +170,18 @@ struct Case {
     const char* name;
     bool half;
     int samples;
+    bool interleaved = false;
 };
-const Case kCases[] = {{"off", false, 0},      {"full-8", false, 8}, {"full-16", false, 16},
-                       {"full-32", false, 32}, {"half-8", true, 8},  {"half-16", true, 16},
-                       {"half-32", true, 32}};
+const Case kCases[] = {{"off", false, 0},
+                       {"full-8", false, 8},
+                       {"full-16", false, 16},
+                       {"full-32", false, 32},
+                       {"half-8", true, 8},
+                       {"half-16", true, 16},
+                       {"half-32", true, 32},
+                       {"full-16-interleaved", false, 16, true},
+                       {"half-16-interleaved", true, 16, true}};
+constexpr int kCaseCount = static_cast<int>(sizeof(kCases) / sizeof(kCases[0]));
 
 /// Absolute time of one compositor frame; the argument indexes kCases.
 void BM_SceneCompositor(benchmark::State& state) {
@@ -183,11 +192,11 @@ void BM_SceneCompositor(benchmark::State& state) {
         return state.SkipWithError("the compositor did not initialise");
     const Case& c = kCases[state.range(0)];
     state.SetLabel(c.name);
-    bench.Configure(c.half, c.samples);
+    bench.Configure(c.half, c.samples, c.interleaved);
     for (auto _ : state)
         bench.Composite();
 }
-BENCHMARK(BM_SceneCompositor)->DenseRange(0, 6)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SceneCompositor)->DenseRange(0, kCaseCount - 1)->Unit(benchmark::kMillisecond);
 
 /// The one-quad floor by itself.
 void BM_SceneCompositorFloor(benchmark::State& state) {
@@ -218,7 +227,7 @@ void BM_SceneCompositorRatios(benchmark::State& state) {
     };
     for (auto _ : state) {
         for (const Case& c : kCases) {
-            bench.Configure(c.half, c.samples);
+            bench.Configure(c.half, c.samples, c.interleaved);
             std::vector<double> ratios;
             for (int b = 0; b < 7; ++b) {
                 const double floor = block([&] { bench.Floor(); });

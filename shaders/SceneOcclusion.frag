@@ -1,10 +1,15 @@
 #version 330 core
-// Ambient occlusion from the scene's depth: the share of cosine-weighted hemisphere directions
-// around a pixel's normal that meet geometry within Radius. Writes the occlusion term and the
-// pixel's linear depth, which the blur and the upsampling weigh by.
+// Ambient occlusion from the scene's linear depth: the share of cosine-weighted hemisphere
+// directions around a pixel's normal that meet geometry within Radius. Writes the occlusion term
+// and the pixel's linear depth, which the blur and the upsampling weigh by.
+//
+// Each pixel traces SampleCount directions, turned by its place in a PatternSize x PatternSize
+// tile; the blur, whose footprint is one tile, removes the pattern. Interleaved, the tile's pixels
+// instead split SampleCount directions among them and the blur gathers them back: a pixel's term
+// after the blur still counts all of them, at a fraction of the cost, but in coarser steps.
 
-#include "SceneDepth.glsl"
-
+// Linear depth at this pass's resolution, -1 where nothing was drawn.
+uniform sampler2D LinearDepthTexture;
 uniform sampler2D NormalTexture;
 uniform bool UseNormals;
 uniform mat4 Projection;
@@ -14,8 +19,12 @@ uniform float Radius;
 uniform float Intensity;
 uniform float Bias;
 uniform int SampleCount;
-// Full-resolution pixels per occlusion pixel along each axis (1 or 2).
+// Full-resolution pixels per occlusion pixel along each axis (1 or 2), and the scene's size.
 uniform int Scale;
+uniform vec2 SceneSize;
+// Side of the tile (4 or 2).
+uniform int PatternSize;
+uniform bool Interleaved;
 
 layout(location = 0) out vec4 result;
 
@@ -23,13 +32,24 @@ layout(location = 0) out vec4 result;
 // entered it.
 const int kSteps = 4;
 const float kThickness = 0.5;
-
 const float kGoldenAngle = 2.39996323;
-const float kTwoPi = 6.28318531;
+// Stands in for background beside a pixel when choosing the tangent on the pixel's own surface.
+const float kFar = 1e4;
 
-vec3 neighbour(ivec2 p, ivec2 size) {
-    p = clamp(p, ivec2(0), size - 1);
-    return ViewPosition(p, texelFetch(DepthTexture, p, 0).r);
+// View-space position of occlusion pixel `q` at distance `linear` in front of the camera; for the
+// host's perspective and orthographic projections alike (no skew terms).
+vec3 viewPosition(ivec2 q, float linear) {
+    vec2 ndc = (vec2(q * Scale) + 0.5) / SceneSize * 2.0 - 1.0;
+    float z = -linear;
+    float w = Projection[2][3] * z + Projection[3][3];
+    return vec3((ndc.x * w - Projection[2][0] * z - Projection[3][0]) / Projection[0][0],
+                (ndc.y * w - Projection[2][1] * z - Projection[3][1]) / Projection[1][1], z);
+}
+
+vec3 neighbour(ivec2 q, ivec2 size) {
+    q = clamp(q, ivec2(0), size - 1);
+    float linear = texelFetch(LinearDepthTexture, q, 0).r;
+    return viewPosition(q, linear < 0.0 ? kFar : linear);
 }
 
 // Of the two one-sided differences, the one that stays on the pixel's own surface: across a crease
@@ -39,39 +59,37 @@ vec3 tangent(vec3 centre, vec3 before, vec3 after) {
     return abs(a.z) < abs(b.z) ? a : b;
 }
 
-vec3 reconstructNormal(ivec2 p, vec3 centre) {
-    ivec2 size = textureSize(DepthTexture, 0);
-    vec3 dx = tangent(centre, neighbour(p - ivec2(1, 0), size), neighbour(p + ivec2(1, 0), size));
-    vec3 dy = tangent(centre, neighbour(p - ivec2(0, 1), size), neighbour(p + ivec2(0, 1), size));
+vec3 reconstructNormal(ivec2 q, vec3 centre, ivec2 size) {
+    vec3 dx = tangent(centre, neighbour(q - ivec2(1, 0), size), neighbour(q + ivec2(1, 0), size));
+    vec3 dy = tangent(centre, neighbour(q - ivec2(0, 1), size), neighbour(q + ivec2(0, 1), size));
     return normalize(cross(dx, dy));
 }
 
-// Ordered pattern of PatternSize x PatternSize cells (4 or 2), each value once per tile: the
-// blur's footprint of the same size sees all of them.
-uniform int PatternSize;
-
-int pattern(ivec2 p) {
-    const int bayer[16] = int[16](0, 8, 2, 10, 12, 4, 14, 6, 3, 11, 1, 9, 15, 7, 13, 5);
-    return PatternSize == 4 ? bayer[(p.y & 3) * 4 + (p.x & 3)] : (p.y & 1) * 2 + ((p.x ^ p.y) & 1);
+// Ordered (Bayer) pattern: each value once per tile, neighbours far apart in value. Computed, not
+// looked up: an indexed constant array would live in memory on a software rasteriser.
+int pattern(ivec2 q) {
+    if (PatternSize == 2)
+        return ((q.x & 1) << 1) ^ ((q.y & 1) * 3);
+    return (((q.x & 1) << 1) ^ ((q.y & 1) * 3)) * 4 + ((((q.x >> 1) & 1) << 1) ^ (((q.y >> 1) & 1) * 3));
 }
 
 void main() {
-    ivec2 cell = ivec2(gl_FragCoord.xy);
-    ivec2 p = cell * Scale;
-    float depth = texelFetch(DepthTexture, p, 0).r;
-    if (IsBackground(depth)) {
-        result = vec4(1.0, 1e30, 0.0, 1.0);
+    ivec2 q = ivec2(gl_FragCoord.xy);
+    ivec2 size = textureSize(LinearDepthTexture, 0);
+    float linear = texelFetch(LinearDepthTexture, q, 0).r;
+    if (linear < 0.0) {
+        result = vec4(1.0, -1.0, 0.0, 1.0);
         return;
     }
-    vec3 position = ViewPosition(p, depth);
+    vec3 position = viewPosition(q, linear);
     vec3 normal = vec3(0.0);
     if (UseNormals) {
-        vec3 written = texelFetch(NormalTexture, p, 0).xyz;
+        vec3 written = texelFetch(NormalTexture, q * Scale, 0).xyz;
         if (dot(written, written) > 0.25)
             normal = normalize(ViewRotation * written);
     }
     if (normal == vec3(0.0))
-        normal = reconstructNormal(p, position);
+        normal = reconstructNormal(q, position, size);
     // Facing the camera, whichever way the host wound its triangles.
     if (dot(normal, position) > 0.0)
         normal = -normal;
@@ -79,24 +97,34 @@ void main() {
     vec3 helper = abs(normal.x) < 0.9 ? vec3(1.0, 0.0, 0.0) : vec3(0.0, 1.0, 0.0);
     vec3 t = normalize(cross(helper, normal));
     vec3 b = cross(normal, t);
-    int k = pattern(cell);
-    // The rotation and the offset along the elevation take different orders of the pattern, so
-    // that the pixels of a tile together cover as many distinct directions per sample.
-    int cells = PatternSize * PatternSize;
-    float rotation = kTwoPi * float(k) / float(cells);
-    float jitter = (float((k * 7) & (cells - 1)) + 0.5) / float(cells);
     vec3 origin = position + normal * Bias;
-    // Depth is known once per pixel: on a surface seen at a grazing angle, a step a little above it
-    // can still lie behind the depth at the centre of its pixel. Within that tolerance a step
-    // counts as on the surface, not behind it.
+    // Depth is known once per occlusion pixel: on a surface seen at a grazing angle, a step a little
+    // above it can still lie behind the depth at the centre of its pixel. Within that tolerance a
+    // step counts as on the surface, not behind it.
     float cosine = max(dot(normal, -normalize(position)), 0.05);
-    float pixelSize = 2.0 * -position.z / (Projection[1][1] * float(textureSize(DepthTexture, 0).y));
+    float pixelSize = 2.0 * linear / (Projection[1][1] * SceneSize.y);
+    if (Projection[2][3] == 0.0) // orthographic: pixels do not grow with distance
+        pixelSize = 2.0 / (Projection[1][1] * SceneSize.y);
     float tolerance = pixelSize * sqrt(1.0 - cosine * cosine) / cosine;
-    ivec2 size = textureSize(DepthTexture, 0);
+
+    int cells = PatternSize * PatternSize;
+    int perPixel = Interleaved ? max(1, (SampleCount + cells / 2) / cells) : SampleCount;
+    // Interleaved, pixel k of the tile takes directions k, k + cells, ...; otherwise it takes all of
+    // them, turned and offset in elevation by k in different orders.
+    int total = Interleaved ? cells * perPixel : SampleCount;
+    int k = pattern(q);
+    int first = Interleaved ? k : 0;
+    int stride = Interleaved ? cells : 1;
+    float rotation = Interleaved ? 0.0 : 6.28318531 * float(k) / float(cells);
+    float jitter = Interleaved ? 0.5 : (float((k * 7) & (cells - 1)) + 0.5) / float(cells);
+    float step = Radius / float(kSteps);
+    vec4 clipOrigin = Projection * vec4(origin, 1.0);
+    vec2 toPixel = SceneSize / float(Scale);
     float hits = 0.0;
-    for (int i = 0; i < SampleCount; ++i) {
+    for (int n = 0; n < perPixel; ++n) {
         // Stratified in cos^2 of the elevation: cosine-weighted directions, as light falls.
-        float u = (float(i) + jitter) / float(SampleCount);
+        int i = first + stride * n;
+        float u = (float(i) + jitter) / float(total);
         float s = sqrt(u);
         float phi = float(i) * kGoldenAngle + rotation;
         vec3 direction = t * (s * cos(phi)) + b * (s * sin(phi)) + normal * sqrt(1.0 - u);
@@ -106,20 +134,17 @@ void main() {
         // it. This range check tells the two apart, so background beside a silhouette stays open.
         // Projection is linear in homogeneous coordinates: the steps interpolate the ends' clip
         // positions.
-        float step = Radius / float(kSteps);
-        vec4 clipOrigin = Projection * vec4(origin, 1.0);
         vec4 clipStep = Projection * vec4(direction * step, 0.0);
         for (int j = 1; j <= kSteps; ++j) {
             vec4 clip = clipOrigin + clipStep * float(j);
             if (clip.w <= 0.0)
                 break;
-            ivec2 q = ivec2(floor((clip.xy / clip.w * 0.5 + 0.5) * vec2(size)));
-            if (any(lessThan(q, ivec2(0))) || any(greaterThanEqual(q, size)))
+            ivec2 at = ivec2(floor((clip.xy / clip.w * 0.5 + 0.5) * toPixel));
+            if (any(lessThan(at, ivec2(0))) || any(greaterThanEqual(at, size)))
                 break;
-            float surfaceDepth = texelFetch(DepthTexture, q, 0).r;
-            if (IsBackground(surfaceDepth))
+            float surface = texelFetch(LinearDepthTexture, at, 0).r;
+            if (surface < 0.0)
                 continue;
-            float surface = LinearDepth(surfaceDepth);
             float behind = -(origin.z + direction.z * step * float(j)) - surface;
             if (behind > tolerance && behind < kThickness * Radius) {
                 hits += 1.0;
@@ -127,6 +152,6 @@ void main() {
             }
         }
     }
-    float occlusion = clamp(1.0 - Intensity * hits / float(SampleCount), 0.0, 1.0);
-    result = vec4(occlusion, -position.z, 0.0, 1.0);
+    float occlusion = clamp(1.0 - Intensity * hits / float(perPixel), 0.0, 1.0);
+    result = vec4(occlusion, linear, 0.0, 1.0);
 }

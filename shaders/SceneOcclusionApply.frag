@@ -1,12 +1,12 @@
 #version 330 core
-// Darkens the scene colour by the blurred occlusion term (or shows the term itself). At half
-// resolution, of the four nearest occlusion texels those on the pixel's own surface are blended.
+// Darkens the scene colour by the blurred occlusion term (or shows the term itself). At full
+// resolution this pass is also the blur's second direction. At half resolution, of the four nearest
+// occlusion texels those on the pixel's own surface are blended.
 
 #include "SceneDepth.glsl"
+#include "SceneBlur.glsl"
 
 uniform sampler2D ColorTexture;
-// Occlusion in r, linear depth in g.
-uniform sampler2D OcclusionTexture;
 uniform ivec2 ViewportOrigin;
 // Scene pixels per viewport pixel.
 uniform vec2 ViewportScale;
@@ -16,8 +16,6 @@ uniform bool ShowOcclusion;
 layout(location = 0) out vec4 fragColor;
 
 float upsampled(ivec2 p, float depth) {
-    if (Scale == 1)
-        return texelFetch(OcclusionTexture, p, 0).r;
     ivec2 size = textureSize(OcclusionTexture, 0);
     ivec2 own = min(p / 2, size - 1);
     // The neighbours on the side of the block this pixel sits on, with bilinear weights.
@@ -45,7 +43,13 @@ float upsampled(ivec2 p, float depth) {
 void main() {
     ivec2 p = ivec2((gl_FragCoord.xy - vec2(ViewportOrigin)) * ViewportScale);
     vec4 colour = texelFetch(ColorTexture, p, 0);
-    float depth = texelFetch(DepthTexture, p, 0).r;
-    float occlusion = IsBackground(depth) ? 1.0 : upsampled(p, depth);
+    float occlusion;
+    if (Scale == 1) {
+        // Background is already 1 in the term; no depth needed.
+        occlusion = BlurOcclusion(p, ivec2(0, 1)).x;
+    } else {
+        float depth = texelFetch(DepthTexture, p, 0).r;
+        occlusion = IsBackground(depth) ? 1.0 : upsampled(p, depth);
+    }
     fragColor = ShowOcclusion ? vec4(vec3(occlusion), 1.0) : vec4(colour.rgb * occlusion, colour.a);
 }

@@ -1,29 +1,12 @@
 #version 330 core
-// One direction of the depth-aware blur over the occlusion term. PatternSize taps span the rotation
-// pattern exactly, so two passes remove it; taps on another surface (far in depth) are left out, so
-// nothing bleeds across silhouettes.
+// One direction of the depth-aware blur over the occlusion term.
 
-// Occlusion in r, linear depth in g.
-uniform sampler2D OcclusionTexture;
+#include "SceneBlur.glsl"
+
 uniform ivec2 Direction;
-uniform int PatternSize;
 
 layout(location = 0) out vec4 result;
 
 void main() {
-    ivec2 p = ivec2(gl_FragCoord.xy);
-    ivec2 size = textureSize(OcclusionTexture, 0);
-    vec2 centre = texelFetch(OcclusionTexture, p, 0).rg;
-    if (centre.y >= 1e29) {
-        result = vec4(1.0, centre.y, 0.0, 1.0);
-        return;
-    }
-    float sum = 0.0, weight = 0.0;
-    for (int i = -PatternSize / 2; i < PatternSize / 2; ++i) {
-        vec2 tap = texelFetch(OcclusionTexture, clamp(p + Direction * i, ivec2(0), size - 1), 0).rg;
-        float w = abs(tap.y - centre.y) < 0.03 * centre.y ? 1.0 : 0.0;
-        sum += tap.x * w;
-        weight += w;
-    }
-    result = vec4(sum / weight, centre.y, 0.0, 1.0);
+    result = vec4(BlurOcclusion(ivec2(gl_FragCoord.xy), Direction), 0.0, 1.0);
 }

@@ -193,6 +193,7 @@ struct TruthCase {
     glm::vec3 eye, target;
     bool half;
     bool normals;
+    bool interleaved = false;
 };
 
 class GroundTruthTest : public SceneCompositorTest, public ::testing::WithParamInterface<TruthCase> {};
@@ -205,6 +206,7 @@ TEST_P(GroundTruthTest, OcclusionMatchesRayCasting) {
     Host host(scene);
     compositor->SetHalfResolution(c.half);
     compositor->SetNormalAttachment(c.normals);
+    compositor->SetInterleavedSampling(c.interleaved);
     ASSERT_TRUE(compositor->SetRadius(kRadius));
     compositor->SetShowOcclusion(true);
     const std::vector<uint8_t> pixels = Composite(host);
@@ -297,7 +299,12 @@ INSTANTIATE_TEST_SUITE_P(
                       TruthCase{"corner_half", kCorner, kCornerEye, kCornerTarget, true, false},
                       TruthCase{"sphere_half", kSphere, kEye, kTarget, true, false},
                       TruthCase{"box_normals", kBox, kEye, kTarget, false, true},
-                      TruthCase{"sphere_normals", kSphere, kEye, kTarget, false, true}),
+                      TruthCase{"sphere_normals", kSphere, kEye, kTarget, false, true},
+                      TruthCase{"box_interleaved", kBox, kEye, kTarget, false, false, true},
+                      TruthCase{"corner_interleaved", kCorner, kCornerEye, kCornerTarget, false, false, true},
+                      TruthCase{"sphere_interleaved", kSphere, kEye, kTarget, false, false, true},
+                      TruthCase{"corner_half_interleaved", kCorner, kCornerEye, kCornerTarget, true, false,
+                                true}),
     [](const auto& info) { return std::string(info.param.name); });
 
 // --- The picture without occlusion ---------------------------------------------------------------

@@ -50,7 +50,6 @@ GLuint makeTexture(GLenum internalFormat, GLenum format, GLenum type, int width,
     GB_CHECK_GL(kFile);
     // Every pass reads with texelFetch; the filters matter only for completeness.
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-    GB_CHECK_GL(kFile);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
     GB_CHECK_GL(kFile);
     return texture;
@@ -96,7 +95,8 @@ bool SceneCompositor::Initialize() {
         return false;
     }
     GL::GLScopedBindings hostBindings;
-    if (!buildProgram(occlusionProgram_, "SceneOcclusion.frag") ||
+    if (!buildProgram(linearDepthProgram_, "SceneLinearDepth.frag") ||
+        !buildProgram(occlusionProgram_, "SceneOcclusion.frag") ||
         !buildProgram(blurProgram_, "SceneOcclusionBlur.frag") ||
         !buildProgram(applyProgram_, "SceneOcclusionApply.frag")) {
         LogFile::Instance().AddLine(LogLevel::Warning,
@@ -151,8 +151,9 @@ bool SceneCompositor::Resize(int width, int height) {
 }
 
 void SceneCompositor::deleteTargets() {
-    GLuint framebuffers[5] = {sceneFramebuffer_, resolveFramebuffer_, occlusionFramebuffers_[0],
-                              occlusionFramebuffers_[1], occlusionFramebuffers_[2]};
+    GLuint framebuffers[6] = {sceneFramebuffer_,         resolveFramebuffer_,
+                              occlusionFramebuffers_[0], occlusionFramebuffers_[1],
+                              occlusionFramebuffers_[2], occlusionFramebuffers_[3]};
     for (GLuint& f : framebuffers)
         if (f) {
             glDeleteFramebuffers(1, &f);
@@ -164,8 +165,9 @@ void SceneCompositor::deleteTargets() {
             GB_CHECK_GL(kFile);
             r = 0;
         }
-    GLuint textures[6] = {colorTexture_,         depthTexture_,         normalTexture_,
-                          occlusionTextures_[0], occlusionTextures_[1], occlusionTextures_[2]};
+    GLuint textures[7] = {colorTexture_,         depthTexture_,         normalTexture_,
+                          occlusionTextures_[0], occlusionTextures_[1], occlusionTextures_[2],
+                          occlusionTextures_[3]};
     for (GLuint t : textures)
         if (t) {
             glDeleteTextures(1, &t);
@@ -173,7 +175,7 @@ void SceneCompositor::deleteTargets() {
         }
     sceneFramebuffer_ = resolveFramebuffer_ = 0;
     colorTexture_ = depthTexture_ = normalTexture_ = 0;
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 4; ++i)
         occlusionFramebuffers_[i] = occlusionTextures_[i] = 0;
     builtSamples_ = -1;
 }
@@ -257,12 +259,14 @@ bool SceneCompositor::createTargets() {
         }
     }
 
-    // Occlusion targets: raw, blurred across, blurred along; the term in r, linear depth in g.
+    // Occlusion targets: linear depth; then raw, blurred across, blurred along, with the term in r
+    // and linear depth in g (16-bit targets measured no faster on the software rasteriser).
     builtHalf_ = half_;
     const int ow = builtHalf_ ? (width_ + 1) / 2 : width_;
     const int oh = builtHalf_ ? (height_ + 1) / 2 : height_;
-    for (int i = 0; complete && i < 3; ++i) {
-        occlusionTextures_[i] = makeTexture(GL_RG32F, GL_RG, GL_FLOAT, ow, oh);
+    for (int i = 0; complete && i < 4; ++i) {
+        occlusionTextures_[i] = i == 0 ? makeTexture(GL_R32F, GL_RED, GL_FLOAT, ow, oh)
+                                       : makeTexture(GL_RG32F, GL_RG, GL_FLOAT, ow, oh);
         glGenFramebuffers(1, &occlusionFramebuffers_[i]);
         GB_CHECK_GL(kFile);
         glBindFramebuffer(GL_FRAMEBUFFER, occlusionFramebuffers_[i]);
@@ -350,7 +354,8 @@ void SceneCompositor::drawTriangle() {
 void SceneCompositor::occlusionPasses() {
     const int ow = builtHalf_ ? (width_ + 1) / 2 : width_;
     const int oh = builtHalf_ ? (height_ + 1) / 2 : height_;
-    // At half resolution a smaller pattern keeps the blur's reach in scene pixels the same.
+    const int scale = builtHalf_ ? 2 : 1;
+    // At half resolution a smaller tile keeps the blur's reach in scene pixels the same.
     const int patternSize = builtHalf_ ? 2 : 4;
     const glm::mat4& projection = camera_->ProjectionMatrix();
     const glm::mat4 inverse = glm::inverse(projection);
@@ -358,21 +363,34 @@ void SceneCompositor::occlusionPasses() {
     glViewport(0, 0, ow, oh);
     GB_CHECK_GL(kFile);
 
-    GLuint program = occlusionProgram_->getProgram();
+    GLuint program = linearDepthProgram_->getProgram();
     glBindFramebuffer(GL_DRAW_FRAMEBUFFER, occlusionFramebuffers_[0]);
-    occlusionProgram_->begin();
+    linearDepthProgram_->begin();
     glUniform1i(UniformLocation(program, "DepthTexture"), kDepthUnit);
+    glUniformMatrix4fv(UniformLocation(program, "InverseProjection"), 1, GL_FALSE, glm::value_ptr(inverse));
+    glUniform1i(UniformLocation(program, "Scale"), scale);
+    GB_CHECK_GL(kFile);
+    drawTriangle();
+
+    program = occlusionProgram_->getProgram();
+    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, occlusionFramebuffers_[1]);
+    glActiveTexture(GL_TEXTURE0 + kOcclusionUnit);
+    glBindTexture(GL_TEXTURE_2D, occlusionTextures_[0]);
+    occlusionProgram_->begin();
+    glUniform1i(UniformLocation(program, "LinearDepthTexture"), kOcclusionUnit);
     glUniform1i(GUI::Renderer::detail::UniformLocationQuiet(program, "NormalTexture"), kNormalUnit);
     glUniform1i(UniformLocation(program, "UseNormals"), normalTexture_ ? 1 : 0);
     glUniformMatrix4fv(UniformLocation(program, "Projection"), 1, GL_FALSE, glm::value_ptr(projection));
-    glUniformMatrix4fv(UniformLocation(program, "InverseProjection"), 1, GL_FALSE, glm::value_ptr(inverse));
     glUniformMatrix3fv(GUI::Renderer::detail::UniformLocationQuiet(program, "ViewRotation"), 1, GL_FALSE,
                        glm::value_ptr(viewRotation));
     glUniform1f(UniformLocation(program, "Radius"), radius_);
     glUniform1f(UniformLocation(program, "Intensity"), intensity_);
     glUniform1f(UniformLocation(program, "Bias"), bias_);
     glUniform1i(UniformLocation(program, "SampleCount"), samples_);
-    glUniform1i(UniformLocation(program, "Scale"), builtHalf_ ? 2 : 1);
+    glUniform1i(UniformLocation(program, "Interleaved"), interleaved_ ? 1 : 0);
+    glUniform1i(UniformLocation(program, "Scale"), scale);
+    glUniform2f(UniformLocation(program, "SceneSize"), static_cast<float>(width_),
+                static_cast<float>(height_));
     glUniform1i(UniformLocation(program, "PatternSize"), patternSize);
     GB_CHECK_GL(kFile);
     drawTriangle();
@@ -381,15 +399,16 @@ void SceneCompositor::occlusionPasses() {
     blurProgram_->begin();
     glUniform1i(UniformLocation(program, "OcclusionTexture"), kOcclusionUnit);
     glUniform1i(UniformLocation(program, "PatternSize"), patternSize);
-    for (int pass = 0; pass < 2; ++pass) {
+    // At full resolution the apply pass blurs along the second direction as it reads.
+    const int passes = builtHalf_ ? 2 : 1;
+    for (int pass = 1; pass <= passes; ++pass) {
         glBindFramebuffer(GL_DRAW_FRAMEBUFFER, occlusionFramebuffers_[pass + 1]);
-        glActiveTexture(GL_TEXTURE0 + kOcclusionUnit);
         glBindTexture(GL_TEXTURE_2D, occlusionTextures_[pass]);
-        glUniform2i(UniformLocation(program, "Direction"), pass == 0 ? 1 : 0, pass == 0 ? 0 : 1);
+        glUniform2i(UniformLocation(program, "Direction"), pass == 1 ? 1 : 0, pass == 1 ? 0 : 1);
         GB_CHECK_GL(kFile);
         drawTriangle();
     }
-    glBindTexture(GL_TEXTURE_2D, occlusionTextures_[2]);
+    glBindTexture(GL_TEXTURE_2D, occlusionTextures_[passes + 1]);
     GB_CHECK_GL(kFile);
 }
 
@@ -449,6 +468,7 @@ bool SceneCompositor::EndScene(GUI::GUIManager* overlay) {
             glUniform1i(UniformLocation(program, "ColorTexture"), kColorUnit);
             glUniform1i(UniformLocation(program, "DepthTexture"), kDepthUnit);
             glUniform1i(UniformLocation(program, "OcclusionTexture"), kOcclusionUnit);
+            glUniform1i(UniformLocation(program, "PatternSize"), builtHalf_ ? 2 : 4);
             const glm::mat4 inverse = glm::inverse(camera_->ProjectionMatrix());
             glUniformMatrix4fv(UniformLocation(program, "InverseProjection"), 1, GL_FALSE,
                                glm::value_ptr(inverse));

@@ -69,6 +69,12 @@ public:
     /// Hemisphere directions a pixel tests, 4 to 64 (default 16).
     bool SetSampleCount(int samples);
     int GetSampleCount() const { return samples_; }
+    /// Splits the sample directions among the pixels of a 4 x 4 tile (2 x 2 at half resolution)
+    /// instead of tracing them all at every pixel; the blur gathers them back, so each pixel still
+    /// counts the sample count, at a fraction of the cost but in coarser steps that can show as
+    /// bands on smooth gradients (default off).
+    void SetInterleavedSampling(bool on) { interleaved_ = on; }
+    bool GetInterleavedSampling() const { return interleaved_; }
     /// Computes the occlusion at half the resolution and upsamples it along depth (default off).
     void SetHalfResolution(bool half);
     bool GetHalfResolution() const { return half_; }
@@ -100,6 +106,7 @@ private:
     void drawTriangle();
 
     std::shared_ptr<GraphicsBase::Camera> camera_;
+    std::unique_ptr<GraphicsBase::GLSLProgram> linearDepthProgram_;
     std::unique_ptr<GraphicsBase::GLSLProgram> occlusionProgram_;
     std::unique_ptr<GraphicsBase::GLSLProgram> blurProgram_;
     std::unique_ptr<GraphicsBase::GLSLProgram> applyProgram_;
@@ -112,9 +119,10 @@ private:
     unsigned int colorTexture_ = 0;
     unsigned int depthTexture_ = 0;
     unsigned int normalTexture_ = 0;
-    // Raw occlusion, then after the horizontal and the vertical blur.
-    unsigned int occlusionFramebuffers_[3] = {0, 0, 0};
-    unsigned int occlusionTextures_[3] = {0, 0, 0};
+    // At the occlusion resolution: linear depth, then the raw occlusion, then after the horizontal
+    // and the vertical blur.
+    unsigned int occlusionFramebuffers_[4] = {0, 0, 0, 0};
+    unsigned int occlusionTextures_[4] = {0, 0, 0, 0};
     int width_ = 0;
     int height_ = 0;
     int maxSize_ = 16384;
@@ -130,6 +138,7 @@ private:
     bool occlusion_ = true;
     bool normals_ = false;
     bool half_ = false;
+    bool interleaved_ = false;
     bool showOcclusion_ = false;
     float radius_ = 0.5f;
     float intensity_ = 1.f;
