@@ -375,9 +375,13 @@ TEST_F(TriadTest, AFlightEasesToTheViewRetargetsWithoutAJumpAndLandsExactly) {
     auto angle = [&](glm::vec3 a, glm::vec3 b) {
         return std::acos(std::clamp(glm::dot(glm::normalize(a), glm::normalize(b)), -1.f, 1.f));
     };
+    int requests = 0;
+    boost::signals2::scoped_connection counting =
+        manager->RedrawRequestSignal.connect([&requests] { ++requests; });
     now += 200;
     manager->UpdateLayers();
     EXPECT_TRUE(manager->NeedsRedraw()) << "the host is asked for the next frame";
+    EXPECT_EQ(requests, 1) << "and told so, for a host that only listens";
     glm::vec3 d = camera->Position() - target;
     EXPECT_NEAR(glm::length(d), 7.f, 1e-4f);
     const float total = angle(start - target, end);

@@ -323,6 +323,10 @@ void GUIManager::InitLayers() {
 void GUIManager::UpdateLayers() {
     updateLayers();
     fireDeferredSignals();
+    // A running camera flight changes nothing the host can see until it draws again: ask for it.
+    if (std::any_of(animations_.begin(), animations_.end(),
+                    [](GUI::Animation::Sequence* s) { return s && !s->MovesControl(); }))
+        RedrawRequestSignal();
 }
 
 void GUIManager::DeferRectangleSignal(GUI::Controls::Base* control) {
