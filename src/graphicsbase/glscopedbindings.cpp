@@ -29,7 +29,7 @@ constexpr int kWorkUnit = 15;
 int nesting = 0;
 } // namespace
 
-GLScopedBindings::GLScopedBindings() : nested_(nesting > 0) {
+GLScopedBindings::GLScopedBindings() {
     save();
     ++nesting;
     prepare();
@@ -44,10 +44,7 @@ void GLScopedBindings::save() {
         glActiveTexture(UnitEnum(kLibraryUnits[i]));
         glGetIntegerv(GL_TEXTURE_BINDING_1D, &units_[i].texture1D);
         glGetIntegerv(GL_TEXTURE_BINDING_2D, &units_[i].texture2D);
-        // The outermost guard unbinds samplers and pixel buffers and the library never binds any:
-        // a guard inside it finds none and leaves none, so it skips them (cheaper per widget).
-        if (!nested_)
-            glGetIntegerv(GL_SAMPLER_BINDING, &units_[i].sampler);
+        glGetIntegerv(GL_SAMPLER_BINDING, &units_[i].sampler);
     }
     glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &drawFramebuffer_);
     glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &readFramebuffer_);
@@ -73,10 +70,8 @@ void GLScopedBindings::save() {
     glGetIntegerv(GL_PACK_ROW_LENGTH, &pixelStore_[1]);
     glGetIntegerv(GL_UNPACK_ALIGNMENT, &pixelStore_[2]);
     glGetIntegerv(GL_UNPACK_ROW_LENGTH, &pixelStore_[3]);
-    if (!nested_) {
-        glGetIntegerv(GL_PIXEL_PACK_BUFFER_BINDING, &packBuffer_);
-        glGetIntegerv(GL_PIXEL_UNPACK_BUFFER_BINDING, &unpackBuffer_);
-    }
+    glGetIntegerv(GL_PIXEL_PACK_BUFFER_BINDING, &packBuffer_);
+    glGetIntegerv(GL_PIXEL_UNPACK_BUFFER_BINDING, &unpackBuffer_);
     GLboolean depthMask = GL_TRUE;
     glGetBooleanv(GL_DEPTH_WRITEMASK, &depthMask);
     depthMask_ = depthMask;
@@ -110,7 +105,7 @@ void GLScopedBindings::prepare() {
             fullMask = fullMask && channel;
     // The host's masks go; inside the library's own guard the id buffer keeps its mask, which the
     // library sets on purpose (a disabled control draws without ids).
-    if (!fullMask && nested_)
+    if (!fullMask && nesting > 1)
         glColorMaski(0, GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     else if (!fullMask)
         glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
@@ -153,8 +148,7 @@ GLScopedBindings::~GLScopedBindings() {
         glActiveTexture(UnitEnum(kLibraryUnits[i]));
         glBindTexture(GL_TEXTURE_1D, static_cast<GLuint>(units_[i].texture1D));
         glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(units_[i].texture2D));
-        if (!nested_)
-            glBindSampler(static_cast<GLuint>(kLibraryUnits[i]), static_cast<GLuint>(units_[i].sampler));
+        glBindSampler(static_cast<GLuint>(kLibraryUnits[i]), static_cast<GLuint>(units_[i].sampler));
     }
     glActiveTexture(static_cast<GLenum>(activeTexture_));
     SetCapability(GL_BLEND, blend_);
@@ -180,10 +174,8 @@ GLScopedBindings::~GLScopedBindings() {
     glPixelStorei(GL_PACK_ROW_LENGTH, pixelStore_[1]);
     glPixelStorei(GL_UNPACK_ALIGNMENT, pixelStore_[2]);
     glPixelStorei(GL_UNPACK_ROW_LENGTH, pixelStore_[3]);
-    if (!nested_) {
-        glBindBuffer(GL_PIXEL_PACK_BUFFER, static_cast<GLuint>(packBuffer_));
-        glBindBuffer(GL_PIXEL_UNPACK_BUFFER, static_cast<GLuint>(unpackBuffer_));
-    }
+    glBindBuffer(GL_PIXEL_PACK_BUFFER, static_cast<GLuint>(packBuffer_));
+    glBindBuffer(GL_PIXEL_UNPACK_BUFFER, static_cast<GLuint>(unpackBuffer_));
     --nesting;
     GB_CHECK_GL(kFile);
 }

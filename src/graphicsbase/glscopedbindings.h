@@ -77,7 +77,6 @@ private:
     unsigned char cullFace_ = 0;
     unsigned char stencilTest_ = 0;
     unsigned char srgb_ = 0;
-    bool nested_ = false; // opened inside another guard: the state saved is the library's own
 };
 
 } // namespace GL
