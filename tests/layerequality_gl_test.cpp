@@ -394,16 +394,17 @@ TEST_F(LayerEqualityTest, FastAndStrictUpdatesProduceIdenticalLayers) {
 
 TEST_F(LayerEqualityTest, TheCompositeLimitedToTheOverlayShowsTheSamePicture) {
     // The same panels composited twice over a patterned host frame: once limited to what they cover,
-    // once over the whole view (an empty root without a cached layer forces that).
-    auto picture = [&](bool whole, bool upsideDown) {
+    // once over the whole view (an empty root without a cached layer forces that). One panel, two
+    // apart (two areas) and three overlapping (merged, no pixel blended twice).
+    auto picture = [&](bool whole, bool upsideDown, const std::vector<size_t>& shown) {
         World w(false, true);
         w.manager->SetUpsideDown(upsideDown);
         Base empty;
         if (whole)
             empty.Register(w.manager);
-        // One panel in a corner; the label root would force the whole view (it has no cached layer).
-        for (size_t i = 1; i < w.roots.size(); ++i)
-            w.roots[i]->SetVisible(false);
+        // Panels only; the label root would force the whole view (it has no cached layer).
+        for (size_t i = 0; i < w.roots.size(); ++i)
+            w.roots[i]->SetVisible(std::find(shown.begin(), shown.end(), i) != shown.end());
         w.roots[0]->GetLocalFrameAnimation()->setPosition(glm::vec3(17.f, -9.f, 0.f));
         w.roots[0]->SetNeedsRedraw(true);
         w.manager->UpdateLayers();
@@ -423,20 +424,22 @@ TEST_F(LayerEqualityTest, TheCompositeLimitedToTheOverlayShowsTheSamePicture) {
         EXPECT_FALSE(glIsEnabled(GL_SCISSOR_TEST));
         return ReadColorRegion(0, 0, 320, 240);
     };
-    for (bool upsideDown : {false, true}) {
-        auto limited = picture(false, upsideDown);
-        auto whole = picture(true, upsideDown);
-        int differing = 0, fx = -1, fy = -1;
-        for (size_t i = 0; i < limited.size(); i += 4)
-            if (std::memcmp(&limited[i], &whole[i], 4) != 0) {
-                if (differing++ == 0) {
-                    fx = static_cast<int>(i / 4 % 320);
-                    fy = static_cast<int>(i / 4 / 320);
+    const std::vector<std::vector<size_t>> panelSets = {{0}, {0, 2}, {0, 1, 2}};
+    for (const auto& shown : panelSets)
+        for (bool upsideDown : {false, true}) {
+            auto limited = picture(false, upsideDown, shown);
+            auto whole = picture(true, upsideDown, shown);
+            int differing = 0, fx = -1, fy = -1;
+            for (size_t i = 0; i < limited.size(); i += 4)
+                if (std::memcmp(&limited[i], &whole[i], 4) != 0) {
+                    if (differing++ == 0) {
+                        fx = static_cast<int>(i / 4 % 320);
+                        fy = static_cast<int>(i / 4 / 320);
+                    }
                 }
-            }
-        EXPECT_EQ(differing, 0) << (upsideDown ? "upside down" : "upright") << "; first at " << fx << ", "
-                                << fy;
-    }
+            EXPECT_EQ(differing, 0) << shown.size() << " panels, " << (upsideDown ? "upside down" : "upright")
+                                    << "; first at " << fx << ", " << fy;
+        }
 }
 
 TEST_F(LayerEqualityTest, SceneWidgetsRedrawnWhereTheySayTheyDrawMatchThePlainUpdate) {

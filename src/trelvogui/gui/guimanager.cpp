@@ -424,6 +424,7 @@ void GUIManager::updateLayers() {
     // soon as a visible root draws without a cached layer and without saying where.
     compositeWhole_ = false;
     bool bounded = false;
+    std::vector<GUI::Geometry::Rectangle> areas;
     bool anyStale = false;
     for (GUI::Controls::Base* control : Controls()) {
         if (control->HasParent())
@@ -452,6 +453,7 @@ void GUIManager::updateLayers() {
             if (knows) {
                 footprints_.insert_or_assign(control->GetId(), now);
                 include(compositeBounds_, bounded, now);
+                areas.push_back(now);
             } else {
                 if (known != footprints_.end())
                     footprints_.erase(known);
@@ -495,9 +497,11 @@ void GUIManager::updateLayers() {
             known = footprints_.insert_or_assign(control->GetId(), now).first;
         }
         include(compositeBounds_, bounded, known->second);
+        areas.push_back(known->second);
     }
     if (!bounded)
         compositeBounds_ = {0, 0, 0, 0};
+    setCompositeAreas(std::move(areas));
     // Marked with no root stale: the host asks for the layers anew (after changing something the
     // controls cannot see), which the plain update answers by redrawing everything.
     whole = whole || !anyStale;
@@ -630,14 +634,20 @@ void GUIManager::Draw() {
     // Only what the overlay holds is composited: where the layer is empty the blend would change
     // nothing, and on a software rasteriser every covered pixel costs.
     const GUI::Geometry::Rectangle view{0, width_, 0, height_};
-    GUI::Geometry::Rectangle area = view;
-    if (!compositeWhole_) {
-        GUI::Geometry::Rectangle b = compositeBounds_;
-        if (upsideDown_) // the composite mirrors the layer vertically
-            b = {b.xMin, b.xMax, height_ - b.yMax, height_ - b.yMin};
-        area = {std::max(b.xMin, 0), std::min(b.xMax, width_), std::max(b.yMin, 0),
-                std::min(b.yMax, height_)};
-        if (area.Width() <= 0 || area.Height() <= 0)
+    // Each area is composited once: they are disjoint, so no pixel is blended twice.
+    std::vector<GUI::Geometry::Rectangle> areas;
+    if (compositeWhole_) {
+        areas.push_back(view);
+    } else {
+        for (GUI::Geometry::Rectangle b : compositeAreas_) {
+            if (upsideDown_) // the composite mirrors the layer vertically
+                b = {b.xMin, b.xMax, height_ - b.yMax, height_ - b.yMin};
+            const GUI::Geometry::Rectangle area{std::max(b.xMin, 0), std::min(b.xMax, width_),
+                                                std::max(b.yMin, 0), std::min(b.yMax, height_)};
+            if (area.Width() > 0 && area.Height() > 0)
+                areas.push_back(area);
+        }
+        if (areas.empty())
             return;
     }
     // The host's state, scissor box and viewport included, comes back afterwards. The overlay lands
@@ -649,23 +659,21 @@ void GUIManager::Draw() {
     GB_CHECK_GL(kFile);
     glViewport(origin_.x, origin_.y, width_, height_);
     GB_CHECK_GL(kFile);
-    if (area != view) {
+    // Within a scissor the host set for its own reasons.
+    GLint box[4] = {0, 0, 0, 0};
+    const bool hostScissor = glIsEnabled(GL_SCISSOR_TEST);
+    if (hostScissor)
+        glGetIntegerv(GL_SCISSOR_BOX, box);
+    const bool unscissored = compositeWhole_ && !hostScissor;
+    for (GUI::Geometry::Rectangle& area : areas) {
+        if (unscissored)
+            break;
         using GUI::Geometry::AddSaturated;
         area = {AddSaturated(area.xMin, origin_.x), AddSaturated(area.xMax, origin_.x),
                 AddSaturated(area.yMin, origin_.y), AddSaturated(area.yMax, origin_.y)};
-        // Within a scissor the host set for its own reasons.
-        if (glIsEnabled(GL_SCISSOR_TEST)) {
-            GLint box[4] = {0, 0, 0, 0};
-            glGetIntegerv(GL_SCISSOR_BOX, box);
+        if (hostScissor)
             area = {std::max(area.xMin, box[0]), std::min(area.xMax, box[0] + box[2]),
                     std::max(area.yMin, box[1]), std::min(area.yMax, box[1] + box[3])};
-            if (area.Width() <= 0 || area.Height() <= 0)
-                return;
-        }
-        glEnable(GL_SCISSOR_TEST);
-        GB_CHECK_GL(kFile);
-        glScissor(area.xMin, area.yMin, area.Width(), area.Height());
-        GB_CHECK_GL(kFile);
     }
     // Explicit gamma correction is a program of its own, built when first asked for, so that the
     // plain composite carries no per-pixel branch for it.
@@ -710,12 +718,48 @@ void GUIManager::Draw() {
     GB_CHECK_GL(kFile);
     glBindVertexArray(quadVertexArray_);
     GB_CHECK_GL(kFile);
-    // Four vertices: the quad's whole contents.
-    glDrawArrays(GL_TRIANGLE_FAN, 0, 4);
-    GB_CHECK_GL(kFile);
+    for (const GUI::Geometry::Rectangle& area : areas) {
+        if (!unscissored && (area.Width() <= 0 || area.Height() <= 0))
+            continue;
+        if (unscissored) {
+            glDisable(GL_SCISSOR_TEST);
+        } else {
+            glEnable(GL_SCISSOR_TEST);
+            glScissor(area.xMin, area.yMin, area.Width(), area.Height());
+        }
+        GB_CHECK_GL(kFile);
+        // Four vertices: the quad's whole contents.
+        glDrawArrays(GL_TRIANGLE_FAN, 0, 4);
+        GB_CHECK_GL(kFile);
+    }
     glBindVertexArray(0);
     GB_CHECK_GL(kFile);
     composite->end();
+}
+
+void GUIManager::setCompositeAreas(std::vector<GUI::Geometry::Rectangle> areas) {
+    // Overlapping footprints are merged until none overlap; past a handful the union bounds serve.
+    constexpr size_t kMostAreas = 8;
+    auto overlap = [](const GUI::Geometry::Rectangle& a, const GUI::Geometry::Rectangle& b) {
+        return a.xMin < b.xMax && b.xMin < a.xMax && a.yMin < b.yMax && b.yMin < a.yMax;
+    };
+    areas.erase(
+        std::remove_if(areas.begin(), areas.end(),
+                       [](const GUI::Geometry::Rectangle& r) { return r.Width() <= 0 || r.Height() <= 0; }),
+        areas.end());
+    for (bool merged = true; merged && areas.size() <= 4 * kMostAreas;) {
+        merged = false;
+        for (size_t i = 0; i < areas.size() && !merged; ++i)
+            for (size_t j = i + 1; j < areas.size() && !merged; ++j)
+                if (overlap(areas[i], areas[j])) {
+                    areas[i].Include(areas[j]);
+                    areas.erase(areas.begin() + static_cast<std::ptrdiff_t>(j));
+                    merged = true;
+                }
+    }
+    if (areas.size() > kMostAreas)
+        areas.assign(1, compositeBounds_);
+    compositeAreas_ = std::move(areas);
 }
 
 void GUIManager::deleteLayersFence() {

@@ -211,6 +211,7 @@ private:
     void drawLayerRegion(const GUI::Geometry::Rectangle* region, bool strict);
     void fireDeferredSignals();
     void deleteLayersFence();
+    void setCompositeAreas(std::vector<GUI::Geometry::Rectangle> areas);
     /// Blocks until the last fast layer update has landed (before reading the id layer back).
     void waitForLayers();
     void deleteCompositeQuad();
@@ -262,6 +263,8 @@ private:
     // A GLsync, kept opaque here so that the header needs no sync types.
     void* layersFence_ = nullptr;
     GUI::Geometry::Rectangle compositeBounds_;
+    // The same as disjoint rectangles (a few at most), so that the composite skips the empty gaps.
+    std::vector<GUI::Geometry::Rectangle> compositeAreas_;
     // Where each cached root was composited by the last update (by id), and whether the next update
     // must redraw the layers whole.
     std::map<unsigned int, GUI::Geometry::Rectangle> footprints_;
