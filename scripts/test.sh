@@ -40,6 +40,12 @@ lines=$(wc -l < examples/minimal.cpp)
 echo "minimal host: $lines lines"
 [ "$lines" -le 80 ]
 [ "$(wc -l < examples/qt_host.cpp)" -le 100 ]
+# The 3D viewer's lines that talk to the library (code between its "// TrelvoGUI {" and
+# "// TrelvoGUI }" marker lines, blank lines and comments aside).
+viewer_lines=$(awk '/^[[:space:]]*\/\/ TrelvoGUI \{$/ {f = 1; next} /^[[:space:]]*\/\/ TrelvoGUI \}$/ {f = 0}
+    f && !/^[[:space:]]*(\/\/.*)?$/ {n++} END {print n + 0}' examples/viewer.cpp)
+echo "3D viewer: $viewer_lines library-facing lines"
+[ "$viewer_lines" -gt 0 ] && [ "$viewer_lines" -le 60 ]
 # The README shows the minimal host in full (its one ```cpp block); keep the copy true.
 awk '/^```cpp$/ {f = 1; next} /^```$/ {f = 0} f' README.md | diff -u examples/minimal.cpp -
 
@@ -65,7 +71,10 @@ if [ -x "$consumer/minimal" ]; then
     # The hosts untouched (frames drawn, CPU used) and driven by real events; the screen fits the Qt
     # host at device-pixel ratio 2 (1280 x 800). Without -noreset the server restarts whenever its
     # last client leaves, and a test connecting in that moment finds no display.
-    xvfb-run -a -s "-screen 0 1600x1200x24 -noreset" ctest --preset default -R "Backend|WindowedHosts"
+    # The 3D viewer is the one built against the install: the test drives it with real pointer events.
+    TRELVO_VIEWER="$consumer/viewer" xvfb-run -a -s "-screen 0 1600x1200x24 -noreset" \
+        ctest --preset default -R "Backend|WindowedHosts|ViewerHost"
+    [ -x "$consumer/viewer" ]
     hosts=()
     for host in minimal sdl_host qt_host; do
         [ -x "$consumer/$host" ] && hosts+=("$consumer/$host")

@@ -14,6 +14,7 @@
 #undef Bool
 
 #include <chrono>
+#include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -294,6 +295,115 @@ TEST_P(WindowedHosts, IdleCostsNothingAndRealEventsReachTheOverlay) {
         window.Save(clicked, std::string(host.name) + "-before-drag");
         window.Save(dragged, std::string(host.name) + "-after-drag");
     }
+}
+
+/// One "state" line of the viewer: its own view and model matrices, the direction to its light, and
+/// for the gizmo's centre, the view cube's +z face, the light's ball, the whole view cube and the
+/// whole light widget: a host pixel and the host bounds (xMin xMax yMin yMax).
+struct ViewerState {
+    float view[16] = {}, model[16] = {}, light[3] = {};
+    int part[5][6] = {};
+};
+
+bool LastViewerState(const std::string& trace, ViewerState& state) {
+    const std::string output = "\n" + trace;
+    const size_t at = output.rfind("\nstate ");
+    const size_t end = at == std::string::npos ? at : output.find('\n', at + 1);
+    if (end == std::string::npos)
+        return false;
+    std::istringstream in(output.substr(at + 7, end - at - 7));
+    std::string word;
+    in >> word;
+    for (float& v : state.view)
+        in >> v;
+    in >> word;
+    for (float& v : state.model)
+        in >> v;
+    in >> word >> state.light[0] >> state.light[1] >> state.light[2];
+    for (auto& part : state.part) {
+        in >> word;
+        for (int& v : part)
+            in >> v;
+    }
+    return !in.fail();
+}
+
+// The 3D viewer example (built against the installed package when TRELVO_VIEWER names it) driven by
+// real pointer events: a gizmo drag moves its cube, a click on the view cube's +z face turns its own
+// camera to look along -z, a drag on the light widget turns its light; each shows in the window.
+TEST(ViewerHost, RealPointerEventsMoveTheCubeTurnTheCameraAndTheLight) {
+    const char* path = std::getenv("TRELVO_VIEWER") ? std::getenv("TRELVO_VIEWER") : TRELVO_VIEWER_HOST;
+    Display* display = XOpenDisplay(nullptr);
+    if (!*path || !display || !haveCommand("xdotool")) {
+        if (display)
+            XCloseDisplay(display);
+        GTEST_SKIP() << "needs the viewer, an X display and xdotool";
+    }
+    HostProcess process(path, {}, {"TRELVO_VIEWER_STATE=1"});
+    ASSERT_TRUE(process.WaitBeyond(0, 30)) << "no first frame; output:\n" << process.Output();
+    const std::string id = run("timeout 10 xdotool search --sync --onlyvisible --name '^TrelvoGUI viewer'");
+    ASSERT_FALSE(id.empty()) << "the viewer's window was not found";
+    HostWindow window(display, static_cast<Window>(std::stoul(id)));
+    ASSERT_TRUE(window.OnScreen());
+    pause(0.5);
+    ViewerState states[4];
+    std::vector<uint32_t> grabs[4];
+    ASSERT_TRUE(LastViewerState(process.Output(), states[0])) << process.Output();
+    grabs[0] = window.Grab();
+    // Each action: a press on a part, moves of (dx, dy) in steps, a release; then the next state.
+    auto act = [&](int step, const int* part, int dx, int dy) {
+        const int before = process.Frames();
+        // A synchronous move onto the pointer's own position would wait for ever: a click is a click.
+        std::string drag = window.MoveTo(part[0], part[1]) + (dx || dy ? "mousedown 1 " : "click 1");
+        for (int i = 1; i <= 5 && (dx || dy); ++i)
+            drag += "sleep 0.05 " + window.MoveTo(part[0] + dx * i / 5, part[1] + dy * i / 5);
+        window.Pointer(drag + (dx || dy ? "mouseup 1" : ""));
+        process.WaitBeyond(before, 3);
+        pause(0.5);
+        process.Frames();
+        EXPECT_TRUE(LastViewerState(process.Output(), states[step]));
+        grabs[step] = window.Grab();
+    };
+    // Pixels that changed, outside the view cube and the light widget (which redraw themselves).
+    auto sceneChanges = [&](int step) {
+        int n = 0;
+        for (int y = 0; y < static_cast<int>(grabs[step].size()) / window.Width(); ++y)
+            for (int x = 0; x < window.Width(); ++x) {
+                bool widget = false;
+                for (int p : {3, 4}) {
+                    const int* r = states[step].part[p];
+                    widget |= x >= r[2] - 2 && x <= r[3] + 2 && y >= r[4] - 2 && y <= r[5] + 2;
+                }
+                n += !widget && window.At(grabs[step - 1], x, y) != window.At(grabs[step], x, y);
+            }
+        return n;
+    };
+
+    act(1, states[0].part[0], 60, 30); // the gizmo's centre
+    const float* m0 = states[0].model + 12;
+    const float* m1 = states[1].model + 12;
+    EXPECT_GT(std::abs(m1[0] - m0[0]) + std::abs(m1[1] - m0[1]) + std::abs(m1[2] - m0[2]), 0.2f)
+        << "the cube did not move";
+    EXPECT_GT(sceneChanges(1), 500);
+
+    act(2, states[1].part[1], 0, 0); // a click on the view cube's +z face
+    // The view's third row is the camera's backward axis in world space: now +z.
+    EXPECT_NEAR(states[2].view[2], 0.f, 1e-3f);
+    EXPECT_NEAR(states[2].view[6], 0.f, 1e-3f);
+    EXPECT_NEAR(states[2].view[10], 1.f, 1e-3f);
+    EXPECT_GT(sceneChanges(2), 500) << "the scene was not redrawn from the new camera";
+
+    act(3, states[2].part[2], 50, 0); // the light's ball
+    const float* l2 = states[2].light;
+    const float* l3 = states[3].light;
+    EXPECT_LT(l2[0] * l3[0] + l2[1] * l3[1] + l2[2] * l3[2], 0.99f) << "the light did not turn";
+    EXPECT_GT(sceneChanges(3), 200) << "the cube's lighting did not change";
+
+    EXPECT_EQ(process.Output().find("Opengl assert"), std::string::npos);
+    if (HasFailure() || std::getenv("TRELVO_SAVE_HOST_WINDOWS"))
+        for (int i = 0; i < 4; ++i)
+            window.Save(grabs[i], "viewer-" + std::to_string(i));
+    XCloseDisplay(display);
 }
 
 const HostCase kHosts[] = {
