@@ -90,13 +90,6 @@ DemoHost::DemoHost(int width, int height)
 
 void DemoHost::CameraChanged() {
     camera_->CalcMatrices();
-    if (manager_)
-        manager_->SetCameraUpdated(true);
-}
-
-void DemoHost::LightChanged() {
-    if (manager_)
-        manager_->SetLightUpdated(true);
 }
 
 DemoHost::~DemoHost() {
@@ -296,8 +289,8 @@ bool DemoHost::buildSceneWidgets() {
     plane_->transformationSignal.connect([] { return DRAW_SCENE; });
     plane_->Register(manager_);
 
-    // The orientation cube and the light widget share the scene's camera and light; SetDrawFlags
-    // reports their changes back to the manager.
+    // The orientation cube and the light widget share the scene's camera and light: what one changes,
+    // the scene and every widget that follows it see at the next frame.
     triad_ = std::make_unique<TriadControl>(camera_, light_);
     lightWidget_ = std::make_unique<LightControl>(light_);
     if (!triad_->Initialize() || !lightWidget_->Initialize()) {
@@ -494,11 +487,6 @@ bool DemoHost::MouseRelease(int x, int y, int buttons) {
 void DemoHost::SetDrawFlags(DrawFlags flags) {
     GraphicsScene::SetDrawFlags(flags);
     note("  handlers answered DrawFlags " + std::to_string(static_cast<unsigned>(flags)));
-    // A face of the orientation cube moved the camera; a drag on the light widget turned the light.
-    if (flags & DRAW_TRIAD_FACE)
-        CameraChanged();
-    if (flags & DRAW_LIGHT)
-        LightChanged();
 }
 
 std::vector<std::string> DemoHost::TakeJournal() {

@@ -69,10 +69,8 @@ public:
     const std::shared_ptr<GraphicsBase::Camera>& SceneCamera() const { return camera_; }
     const std::shared_ptr<GraphicsBase::DirectionalLight>& SceneLight() const { return light_; }
     const std::shared_ptr<GraphicsBase::LocalFrame>& CubeFrame() const { return cubeFrame_; }
-    /// What a host does after moving its camera: new matrices, and the widgets that follow it restale.
+    /// What a host does after moving its camera: new matrices (the widgets that follow it notice).
     void CameraChanged();
-    /// Likewise after the light moved.
-    void LightChanged();
 
     bool Rotating() const { return rotating_; }
     GUI::GUIManager& Manager() { return *manager_; }

@@ -63,14 +63,17 @@ int main(int argc, char** argv) {
         if (!host.Initialize()) {
             status = 1;
         } else {
-            // The host's own size callback (camera, viewport) goes first; the backend chains to it.
+            // The host's own size callback (its scene compositor, the legend) goes first; the backend
+            // chains to it.
             glfwSetWindowUserPointer(window, &host);
             glfwSetFramebufferSizeCallback(window, [](GLFWwindow* w, int fw, int fh) {
                 if (fw > 0 && fh > 0)
                     hostOf(w)->Resize(fw, fh);
             });
             GUI::GLFWBackend input(window, host.Manager());
-            // The host acts on what input did: camera and light moved by the widgets, the scene.
+            // The widgets' camera keeps the framebuffer's size on resizes; the host journals what input
+            // did (the view cube and the light widget change the shared camera and light themselves).
+            input.FollowViewport(host.SceneCamera());
             input.DrawFlagsSignal.connect([&host](DrawFlags flags) { host.SetDrawFlags(flags); });
             if (still) {
                 GUI::Event click{};

@@ -7,6 +7,8 @@
 #include <trelvogui/gui/button.h>
 #include <trelvogui/gui/guimanager.h>
 
+#include <graphicsbase/camera.h>
+
 #include <QApplication>
 #include <QOpenGLWidget>
 #include <QOpenGLWindow>
@@ -101,14 +103,23 @@ TEST_F(QtBackendTest, ClicksReachTheOverlayAndTheRestReachesTheView) {
     ASSERT_TRUE(shown(view, input));
     int clicks = 0;
     view.button.ClickedSignal.connect([&] { ++clicks; });
+    DrawFlags seen = DRAW_NOTHING;
+    input.DrawFlagsSignal.connect([&](DrawFlags f) { seen |= f; });
 
     // Overlay y 220 is view y 36; the device-pixel ratio is 1 here (the windowed hosts' test runs 2).
     QTest::mouseClick(&view, Qt::LeftButton, {}, QPoint(50, 36));
     EXPECT_EQ(clicks, 1);
+    EXPECT_NE(seen, DRAW_NOTHING) << "the click's result reaches the host";
     EXPECT_EQ(view.hostPresses, 0) << "consumed by the overlay";
     QTest::mouseClick(&view, Qt::LeftButton, {}, QPoint(200, 200));
     EXPECT_EQ(view.hostPresses, 1) << "empty space is the view's";
     EXPECT_TRUE(QTest::qWaitFor([&] { return input.Frames() > 1; }, 5000)) << "the click asked for a frame";
+
+    // A followed camera takes the new framebuffer size before the host paints.
+    auto camera = std::make_shared<Camera>();
+    input.FollowViewport(camera);
+    view.resize(300, 200);
+    EXPECT_EQ(std::make_pair(camera->Width(), camera->Height()), std::make_pair(300, 200));
 
     GUI::QtBackend second(&view, *view.manager);
     EXPECT_FALSE(second.Installed());

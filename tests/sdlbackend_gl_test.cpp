@@ -7,6 +7,8 @@
 #include <trelvogui/gui/button.h>
 #include <trelvogui/gui/guimanager.h>
 
+#include <graphicsbase/camera.h>
+
 #include <SDL.h>
 
 #include <gtest/gtest.h>
@@ -80,11 +82,14 @@ TEST_F(SDLBackendTest, ClicksReachTheOverlayAndTheRestReachesTheHost) {
     ASSERT_TRUE(input.Installed());
     KeyRecorder host;
     input.Input().addScreenHandler(&host);
+    DrawFlags seen = DRAW_NOTHING;
+    input.DrawFlagsSignal.connect([&](DrawFlags f) { seen |= f; });
 
     // Host y grows downward: overlay y 220 is host y 36 (the window is not scaled under X).
     EXPECT_TRUE(input.ProcessEvent(button(SDL_MOUSEBUTTONDOWN, 50, 36)));
     EXPECT_TRUE(input.ProcessEvent(button(SDL_MOUSEBUTTONUP, 50, 36)));
     EXPECT_EQ(clicks, 1);
+    EXPECT_NE(seen, DRAW_NOTHING) << "the click's result reaches the host";
     SDL_Event elsewhere = button(SDL_MOUSEBUTTONDOWN, 50, 36);
     elsewhere.button.windowID += 1000;
     EXPECT_FALSE(input.ProcessEvent(elsewhere)) << "another window's event";
@@ -100,6 +105,21 @@ TEST_F(SDLBackendTest, ClicksReachTheOverlayAndTheRestReachesTheHost) {
     while (input.NextEvent(&event)) {
     }
     EXPECT_EQ(input.Frames(), 1);
+
+    // A resize brings the manager and every followed camera to the drawable size.
+    auto camera = std::make_shared<Camera>();
+    input.FollowViewport(camera);
+    input.FollowViewport(nullptr);
+    SDL_SetWindowSize(window, 300, 200);
+    SDL_Event resized{};
+    resized.type = SDL_WINDOWEVENT;
+    resized.window.windowID = SDL_GetWindowID(window);
+    resized.window.event = SDL_WINDOWEVENT_SIZE_CHANGED;
+    input.ProcessEvent(resized);
+    int dw = 0, dh = 0;
+    SDL_GL_GetDrawableSize(window, &dw, &dh);
+    EXPECT_EQ(std::make_pair(manager->GetWidth(), manager->GetHeight()), std::make_pair(dw, dh));
+    EXPECT_EQ(std::make_pair(camera->Width(), camera->Height()), std::make_pair(dw, dh));
 
     GUI::SDLBackend second(window, context, *manager);
     EXPECT_FALSE(second.Installed());

@@ -1,6 +1,7 @@
 #include <trelvogui/backends/glfw/glfwbackend.h>
 
 #include <trelvogui/backends/detail/displayscale.h>
+#include <trelvogui/backends/detail/followedcameras.h>
 #include <trelvogui/backends/detail/frametrace.h>
 
 #include <trelvogui/gui/guimanager.h>
@@ -66,7 +67,8 @@ struct GLFWBackend::Previous {
 
 GLFWBackend::GLFWBackend(GLFWwindow* window, GUIManager& manager)
     : window_(window), manager_(&manager), input_(std::make_unique<GUIInputManager>(*this)),
-      previous_(std::make_unique<Previous>()), traceFrames_(detail::TraceFramesRequested()) {
+      previous_(std::make_unique<Previous>()), cameras_(std::make_unique<detail::FollowedCameras>()),
+      traceFrames_(detail::TraceFramesRequested()) {
     if (!window_) {
         LogFile::Instance().AddLine(LogLevel::Warning, "GLFWBackend: the window is null.\n");
         return;
@@ -290,10 +292,7 @@ void GLFWBackend::onFramebufferSize(GLFWwindow* window, int width, int height) {
         self->withContext([&] { self->manager_->Resize(width, height); });
         // A window moved to another screen may change its framebuffer ratio with its size.
         self->applyDisplayScale();
-        for (const std::shared_ptr<Camera>& camera : self->cameras_) {
-            camera->SetViewport(width, height);
-            camera->CalcMatrices();
-        }
+        self->cameras_->Resize(width, height);
     }
     self->requested_ = true;
 }
@@ -326,8 +325,7 @@ void GLFWBackend::applyDisplayScale() {
 }
 
 void GLFWBackend::FollowViewport(std::shared_ptr<Camera> camera) {
-    if (camera)
-        cameras_.push_back(std::move(camera));
+    cameras_->Add(std::move(camera));
 }
 
 } // namespace GUI

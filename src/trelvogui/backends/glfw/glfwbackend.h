@@ -11,7 +11,6 @@
 
 #include <atomic>
 #include <memory>
-#include <vector>
 
 namespace GraphicsBase {
 class Camera;
@@ -22,6 +21,9 @@ struct GLFWwindow;
 namespace GUI {
 
 class GUIManager;
+namespace detail {
+class FollowedCameras;
+}
 
 /// Installs callbacks on a GLFW window and forwards its events to a GUIInputManager whose first
 /// screen handler is the overlay's manager. Callbacks the host installed before are kept and called
@@ -87,7 +89,8 @@ public:
     bool Touch(const GraphicsBase::VX_UI::TouchEvent& event);
 
     /// Keeps the camera's viewport at the framebuffer size on resizes (and rebuilds its matrices), so
-    /// widgets are drawn and picked where the host's scene is. Null is ignored.
+    /// widgets are drawn and picked where the host's scene is. Null, or a camera already followed, is
+    /// ignored.
     void FollowViewport(std::shared_ptr<GraphicsBase::Camera> camera);
 
     /// The wheel delta for one notch of a mouse wheel; finer touchpad scrolling is accumulated.
@@ -121,7 +124,7 @@ private:
     int buttons_ = 0;
     int modifiers_ = 0;
     double wheel_ = 0.0;
-    std::vector<std::shared_ptr<GraphicsBase::Camera>> cameras_;
+    std::unique_ptr<detail::FollowedCameras> cameras_;
     std::atomic<bool> requested_{true};
     int frames_ = 0;
     bool traceFrames_ = false;

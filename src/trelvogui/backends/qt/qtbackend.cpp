@@ -1,6 +1,7 @@
 #include <trelvogui/backends/qt/qtbackend.h>
 
 #include <trelvogui/backends/detail/displayscale.h>
+#include <trelvogui/backends/detail/followedcameras.h>
 #include <trelvogui/backends/detail/frametrace.h>
 #include <trelvogui/gui/guimanager.h>
 
@@ -13,6 +14,7 @@
 #include <QOpenGLFunctions>
 #include <QOpenGLWidget>
 #include <QOpenGLWindow>
+#include <QResizeEvent>
 #include <QTabletEvent>
 #include <QTouchEvent>
 #include <QWheelEvent>
@@ -44,7 +46,7 @@ int toPixel(double v, double ratio) {
 
 QtBackend::QtBackend(QOpenGLWidget* widget, GUIManager& manager)
     : widget_(widget), manager_(&manager), input_(std::make_unique<GUIInputManager>(*this)),
-      traceFrames_(detail::TraceFramesRequested()) {
+      cameras_(std::make_unique<detail::FollowedCameras>()), traceFrames_(detail::TraceFramesRequested()) {
     attach(widget);
     if (!installed_)
         return;
@@ -58,7 +60,7 @@ QtBackend::QtBackend(QOpenGLWidget* widget, GUIManager& manager)
 
 QtBackend::QtBackend(QOpenGLWindow* window, GUIManager& manager)
     : window_(window), manager_(&manager), input_(std::make_unique<GUIInputManager>(*this)),
-      traceFrames_(detail::TraceFramesRequested()) {
+      cameras_(std::make_unique<detail::FollowedCameras>()), traceFrames_(detail::TraceFramesRequested()) {
     attach(window);
 }
 
@@ -155,8 +157,10 @@ bool QtBackend::Paint() {
     const int width = static_cast<int>(std::lround((widget_ ? widget_->width() : window_->width()) * ratio));
     const int height =
         static_cast<int>(std::lround((widget_ ? widget_->height() : window_->height()) * ratio));
-    if (width > 0 && height > 0 && (width != manager_->GetWidth() || height != manager_->GetHeight()))
+    if (width > 0 && height > 0 && (width != manager_->GetWidth() || height != manager_->GetHeight())) {
         manager_->Resize(width, height);
+        cameras_->Resize(width, height); // a new device-pixel ratio sends no resize event
+    }
     if (followDisplayScale_)
         detail::FollowDisplayScale(*manager_, ratio);
     current->functions()->glViewport(0, 0, width, height);
@@ -193,6 +197,14 @@ bool QtBackend::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
     case QEvent::Paint:
         return widget_ && !painting_ && paintWidget(event);
+    case QEvent::Resize: {
+        // Before the host's paint, so that its scene and the widgets agree from the first frame on.
+        const QSize size = static_cast<QResizeEvent*>(event)->size();
+        const double ratio = PixelRatio();
+        cameras_->Resize(static_cast<int>(std::lround(size.width() * ratio)),
+                         static_cast<int>(std::lround(size.height() * ratio)));
+        return false;
+    }
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:
     case QEvent::MouseButtonRelease:
@@ -304,6 +316,10 @@ DrawFlags QtBackend::offerTablet(QEvent* event) {
     if (result != DRAW_NOTHING)
         SetDrawFlags(result);
     return result;
+}
+
+void QtBackend::FollowViewport(std::shared_ptr<Camera> camera) {
+    cameras_->Add(std::move(camera));
 }
 
 } // namespace GUI

@@ -20,9 +20,16 @@ class QOpenGLWindow;
 class QOpenGLContext;
 class QEvent;
 
+namespace GraphicsBase {
+class Camera;
+}
+
 namespace GUI {
 
 class GUIManager;
+namespace detail {
+class FollowedCameras;
+}
 
 /// Watches a QOpenGLWidget or QOpenGLWindow through an event filter and offers its mouse, wheel,
 /// key, touch and tablet events to a GUIInputManager whose first screen handler is the overlay's
@@ -71,6 +78,11 @@ public:
     void SetFollowDisplayScale(bool on) { followDisplayScale_ = on; }
     bool GetFollowDisplayScale() const { return followDisplayScale_; }
 
+    /// Keeps the camera's viewport at the framebuffer size when the view is resized (before the
+    /// host's paint) or its device-pixel ratio changes, and rebuilds its matrices, so widgets are
+    /// drawn and picked where the host's scene is. Null, or a camera already followed, is ignored.
+    void FollowViewport(std::shared_ptr<GraphicsBase::Camera> camera);
+
     /// Input results arrive here: anything non-zero schedules a frame.
     void SetDrawFlags(GraphicsBase::DrawFlags flags) override;
 
@@ -91,6 +103,7 @@ private:
     QObject* view_ = nullptr;
     GUIManager* manager_;
     std::unique_ptr<GUIInputManager> input_;
+    std::unique_ptr<detail::FollowedCameras> cameras_;
     boost::signals2::scoped_connection redrawRequest_;
     bool installed_ = false;
     bool followDisplayScale_ = true;

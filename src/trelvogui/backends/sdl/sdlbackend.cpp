@@ -1,6 +1,7 @@
 #include <trelvogui/backends/sdl/sdlbackend.h>
 
 #include <trelvogui/backends/detail/displayscale.h>
+#include <trelvogui/backends/detail/followedcameras.h>
 #include <trelvogui/backends/detail/frametrace.h>
 #include <trelvogui/gui/guimanager.h>
 
@@ -95,7 +96,7 @@ private:
 
 SDLBackend::SDLBackend(SDL_Window* window, void* context, GUIManager& manager)
     : context_(context), manager_(&manager), input_(std::make_unique<GUIInputManager>(*this)),
-      traceFrames_(detail::TraceFramesRequested()) {
+      cameras_(std::make_unique<detail::FollowedCameras>()), traceFrames_(detail::TraceFramesRequested()) {
     const char* refusal = nullptr;
     if (!window || !context)
         refusal = "SDLBackend: the window or its context is null.\n";
@@ -288,6 +289,7 @@ DrawFlags SDLBackend::dispatch(const SDL_Event& e) {
             if (dw > 0 && dh > 0)
                 manager_->Resize(dw, dh);
             applyDisplayScale();
+            cameras_->Resize(dw, dh);
             requested_ = true;
         } else if (e.window.event == SDL_WINDOWEVENT_DISPLAY_CHANGED) {
             applyDisplayScale();
@@ -300,6 +302,10 @@ DrawFlags SDLBackend::dispatch(const SDL_Event& e) {
         break;
     }
     return GetDrawFlags();
+}
+
+void SDLBackend::FollowViewport(std::shared_ptr<Camera> camera) {
+    cameras_->Add(std::move(camera));
 }
 
 } // namespace GUI

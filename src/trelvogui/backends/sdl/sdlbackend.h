@@ -16,9 +16,16 @@
 struct SDL_Window;
 union SDL_Event;
 
+namespace GraphicsBase {
+class Camera;
+}
+
 namespace GUI {
 
 class GUIManager;
+namespace detail {
+class FollowedCameras;
+}
 
 /// Forwards one SDL2 window's events to a GUIInputManager whose first screen handler is the
 /// overlay's manager. Positions are converted from window coordinates to drawable (framebuffer)
@@ -80,6 +87,11 @@ public:
     void SetFollowDisplayScale(bool on);
     bool GetFollowDisplayScale() const { return followDisplayScale_; }
 
+    /// Keeps the camera's viewport at the drawable size on resizes (and rebuilds its matrices), so
+    /// widgets are drawn and picked where the host's scene is. Null, or a camera already followed, is
+    /// ignored.
+    void FollowViewport(std::shared_ptr<GraphicsBase::Camera> camera);
+
     static constexpr int kWheelNotch = 120;
 
     /// Input results arrive here: anything non-zero asks for a frame.
@@ -95,6 +107,7 @@ private:
     void* context_;
     GUIManager* manager_;
     std::unique_ptr<GUIInputManager> input_;
+    std::unique_ptr<detail::FollowedCameras> cameras_;
     bool installed_ = false;
     bool followDisplayScale_ = true;
     bool warnedGone_ = false;
