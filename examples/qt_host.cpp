@@ -63,16 +63,11 @@ public:
         gizmo->attachFrame(cube); // the gizmo moves, turns and scales the cube's frame
         gizmo->Register(manager);
         viewCube->Register(manager);
-        // A click on the view cube moves the camera: every widget that follows it is redrawn.
-        input.DrawFlagsSignal.connect([this](DrawFlags f) {
-            if (f & DRAW_TRIAD_FACE)
-                manager->SetCameraUpdated(true);
-        });
+        // A click on the view cube moves the shared camera; the manager redraws what follows it.
     }
     void resizeGL(int w, int h) override {
         camera->SetViewport(w * devicePixelRatio(), h * devicePixelRatio());
         camera->CalcMatrices();
-        manager->SetCameraUpdated(true);
     }
     void paintGL() override { // the scene only: the backend draws the overlay after it
         glClearColor(0.16f, 0.18f, 0.22f, 1.f);
