@@ -3,7 +3,10 @@
 // before writing fragColor and fragIds. The plain build samples the target (the layer being drawn is
 // bound on units 9 and 10). The fast path's build, where the context offers coherent framebuffer
 // fetch, defines TARGET_FETCH: the outputs start out holding the target's pixel, the very values the
-// samplers return, and no draw needs a barrier.
+// samplers return, and no draw needs a barrier. The direct build (TARGET_DIRECT) draws a scene widget
+// straight into the host's framebuffer after the composite: it composes over transparent black, which
+// leaves its colour weighted by coverage, and the GL blend lays that over the host's pixels; the
+// host's framebuffer holds no ids, so the ids go nowhere.
 
 #ifdef TARGET_FETCH
 #extension GL_EXT_shader_framebuffer_fetch : require
@@ -11,6 +14,11 @@ layout(location = 0) inout vec4 fragColor;
 layout(location = 1) inout uvec4 fragIds;
 #define TARGET_COLOR fragColor
 #define TARGET_IDS fragIds
+#elif defined(TARGET_DIRECT)
+layout(location = 0) out vec4 fragColor;
+uvec4 fragIds;
+#define TARGET_COLOR vec4(0.0)
+#define TARGET_IDS uvec4(0u)
 #else
 uniform sampler2D targetColorSampler;
 uniform usampler2D targetIDSampler;

@@ -23,8 +23,8 @@ uniform int partOfSigns[27];
 // The edge or corner the pointer is over, -1 for none.
 uniform int hoverPart;
 
-layout(location = 0) out vec4 fragColor;
-layout(location = 1) out uvec4 fragIds;
+// Opaque: nothing of the target is read, only its outputs are declared there.
+#include "TargetAccess.glsl"
 
 #include "SrgbEncode.glsl"
 

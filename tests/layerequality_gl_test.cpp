@@ -36,6 +36,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <functional>
 #include <memory>
 #include <random>
 #include <string>
@@ -55,6 +56,7 @@ struct World {
     std::shared_ptr<GUI::GUIManager> manager;
     std::vector<std::unique_ptr<Base>> owned;
     std::vector<Base*> roots;
+    std::vector<Base*> scene; // the scene widgets, registered last
     std::vector<Base*> all;
     std::vector<Label*> labels;
     std::vector<Panel*> sizeable;
@@ -65,8 +67,9 @@ struct World {
     HistogramRenderer histogram;
     int lastX = 0, lastY = 0, buttons = 0;
 
-    World(bool strict, bool fetch) : manager(std::make_shared<GUI::GUIManager>()) {
+    World(bool strict, bool fetch, bool direct = false) : manager(std::make_shared<GUI::GUIManager>()) {
         Orbit(320, 240, 0.3f);
+        manager->SetDirectSceneWidgets(direct);
         manager->SetStrictSynchronisation(strict);
         manager->SetFramebufferFetch(fetch);
         manager->Initialize();
@@ -160,6 +163,7 @@ struct World {
         auto* lamp = own(new LightControl(light));
         lamp->Initialize();
         lamp->Register(manager);
+        scene = {gizmo, cube, lamp};
         for (auto& c : owned)
             all.push_back(c.get());
     }
@@ -168,6 +172,20 @@ struct World {
         chart->RemoveRenderer(&histogram);
         owned.clear();
         manager.reset();
+    }
+    /// Registers the scene widgets again where anything is drawn after them, so that they come last.
+    void RaiseScene() {
+        std::vector<Base*> order;
+        for (Base* c : manager->Controls())
+            if (!c->HasParent())
+                order.push_back(c);
+        const auto firstScene = std::find_first_of(order.begin(), order.end(), scene.begin(), scene.end());
+        if (std::all_of(firstScene, order.end(),
+                        [&](Base* c) { return std::find(scene.begin(), scene.end(), c) != scene.end(); }))
+            return;
+        for (Base* c : scene)
+            if (c->Registered())
+                manager->RemoveControl(c), c->Unregister(), c->Register(manager);
     }
     /// The host's camera on a circle round the scene, looking at its centre.
     void Orbit(int w, int h, float angle) {
@@ -215,25 +233,29 @@ protected:
 
 } // namespace
 
-TEST_F(LayerEqualityTest, FastAndStrictUpdatesProduceIdenticalLayers) {
-    World strict(true, false), barriers(false, false), fetch(false, true);
-    std::mt19937 rng(4242u);
+/// Drives one randomised session on every world alike and calls `check` after each frame's update.
+/// Hovers and clicks most of the time (they take the partial paths), camera and light changes often
+/// (the scene widgets redraw where they say they draw); the rest now and then. An orbiting session
+/// also turns the camera a little every frame, as a host does while the user orbits.
+void RunSession(const std::vector<World*>& worlds, unsigned seed, int frames, bool orbiting, uint64_t& now,
+                const std::function<void(int frame, int op, int width, int height)>& check) {
+    std::mt19937 rng(seed);
     auto pick = [&](int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng); };
     auto both = [&](auto&& apply) {
-        apply(strict);
-        apply(barriers);
-        apply(fetch);
+        for (World* w : worlds)
+            apply(*w);
     };
     int width = 320, height = 240;
-    const int kFrames = 240;
-    int drawnFrames = 0;
-    for (int frame = 0; frame < kFrames; ++frame) {
-        // Hovers and clicks most of the time (they take the partial paths), camera and light changes
-        // often (the scene widgets redraw where they say they draw); the rest now and then.
+    for (int frame = 0; frame < frames; ++frame) {
         const int draw = pick(0, 26);
         const int op = draw < 10 ? draw % 2 : draw < 14 ? 2 : draw < 17 ? 13 : draw - 14;
         const int x = pick(0, width), y = pick(0, height);
         const int which = pick(0, 1000);
+        if (orbiting)
+            both([&](World& w) {
+                w.Orbit(width, height, 0.3f + 0.05f * static_cast<float>(frame));
+                w.manager->SetCameraUpdated(true);
+            });
         switch (op) {
         case 0: // hover
             both([&](World& w) { w.Event(0, x, y); });
@@ -373,23 +395,115 @@ TEST_F(LayerEqualityTest, FastAndStrictUpdatesProduceIdenticalLayers) {
                 for (Base* root : w.roots)
                     root->Register(w.manager);
             });
+        if (orbiting) // a host keeps its scene widgets over the rest (a click raises what it hits)
+            both([&](World& w) { w.RaiseScene(); });
         now += 40;
         both([&](World& w) { w.manager->UpdateLayers(); });
-
-        auto a = trelvo::test::ReadLayers(*strict.manager, width, height);
-        for (World* fast : {&barriers, &fetch}) {
-            const char* name = fast == &barriers ? "barriers" : "fetch";
-            auto b = trelvo::test::ReadLayers(*fast->manager, width, height);
-            bool same = a.color == b.color && a.ids == b.ids;
-            if (!same) {
-                trelvo::test::SaveLayer(a, "equality-strict");
-                trelvo::test::SaveLayer(b, std::string("equality-") + name);
-            }
-            ASSERT_TRUE(same) << name << ": frame " << frame << " after operation " << op << " differs";
-        }
-        drawnFrames += std::any_of(a.ids.begin(), a.ids.end(), [](uint32_t id) { return id != 0; }) ? 1 : 0;
+        check(frame, op, width, height);
     }
+}
+
+TEST_F(LayerEqualityTest, FastAndStrictUpdatesProduceIdenticalLayers) {
+    World strict(true, false), barriers(false, false), fetch(false, true);
+    const int kFrames = 240;
+    int drawnFrames = 0;
+    RunSession({&strict, &barriers, &fetch}, 4242u, kFrames, false, now,
+               [&](int frame, int op, int width, int height) {
+                   auto a = trelvo::test::ReadLayers(*strict.manager, width, height);
+                   for (World* fast : {&barriers, &fetch}) {
+                       const char* name = fast == &barriers ? "barriers" : "fetch";
+                       auto b = trelvo::test::ReadLayers(*fast->manager, width, height);
+                       bool same = a.color == b.color && a.ids == b.ids;
+                       if (!same) {
+                           trelvo::test::SaveLayer(a, "equality-strict");
+                           trelvo::test::SaveLayer(b, std::string("equality-") + name);
+                       }
+                       ASSERT_TRUE(same)
+                           << name << ": frame " << frame << " after operation " << op << " differs";
+                   }
+                   drawnFrames +=
+                       std::any_of(a.ids.begin(), a.ids.end(), [](uint32_t id) { return id != 0; }) ? 1 : 0;
+               });
     EXPECT_GT(drawnFrames, kFrames * 3 / 4) << "the sessions compare drawn layers, not empty ones";
+}
+
+/// The picture a host sees: the manager's frame drawn over a patterned frame of the host's own
+/// (an off-screen one, so that the result goes back where the host had it bound).
+std::vector<uint8_t> HostPicture(GUI::GUIManager& manager, int width, int height) {
+    GLuint texture = 0, framebuffer = 0;
+    glGenTextures(1, &texture);
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, width, height, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
+    glBindTexture(GL_TEXTURE_2D, 0);
+    glGenFramebuffers(1, &framebuffer);
+    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
+    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
+    glViewport(0, 0, width, height);
+    glClearColor(0.6f, 0.1f, 0.4f, 1.f);
+    glClear(GL_COLOR_BUFFER_BIT);
+    glEnable(GL_SCISSOR_TEST);
+    glScissor(0, 0, width / 2, height);
+    glClearColor(0.2f, 0.7f, 0.3f, 1.f);
+    glClear(GL_COLOR_BUFFER_BIT);
+    glDisable(GL_SCISSOR_TEST);
+    manager.Draw();
+    std::vector<uint8_t> pixels(static_cast<size_t>(width) * height * 4);
+    glReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    glDeleteFramebuffers(1, &framebuffer);
+    glDeleteTextures(1, &texture);
+    return pixels;
+}
+
+TEST_F(LayerEqualityTest, SceneWidgetsDrawnIntoTheHostFrameMatchThePlainUpdate) {
+    // Orbiting sessions: the camera turns every frame while the usual session goes on. The scene
+    // widgets drawn straight into the host's frame, with their ids brought up to date only when read,
+    // must pick exactly as the plain update and show its picture (but for rounding at translucent
+    // edges, where the layer's 8-bit round trip is skipped).
+    constexpr int kFrames = 160;
+    World plain(true, false), direct(false, true, true), directSampling(false, false, true);
+    int directFrames = 0;
+    auto check = [&](int frame, int op, int width, int height) {
+        std::mt19937 rng(static_cast<unsigned>(frame));
+        for (World* w : {&direct, &directSampling}) {
+            const std::string at = std::string(w == &direct ? "fetch" : "sampling") + ": frame " +
+                                   std::to_string(frame) + " after operation " + std::to_string(op);
+            // Picks while the ids are stale (one pixel brought up to date each), then the whole layer.
+            for (int i = 0; i < 8; ++i) {
+                const int x = std::uniform_int_distribution<int>(0, width - 1)(rng);
+                const int y = std::uniform_int_distribution<int>(0, height - 1)(rng);
+                unsigned a[2] = {}, b[2] = {};
+                plain.manager->HitDetect(x, y, &a[0], &a[1]);
+                w->manager->HitDetect(x, y, &b[0], &b[1]);
+                ASSERT_TRUE(a[0] == b[0] && a[1] == b[1]) << at << ", pick at " << x << ", " << y;
+            }
+            w->manager->GetIdLayer();
+            auto expected = trelvo::test::ReadLayers(*plain.manager, width, height);
+            auto got = trelvo::test::ReadLayers(*w->manager, width, height);
+            ASSERT_TRUE(expected.ids == got.ids) << at;
+            // The widgets drawn into the host's frame are missing from the colour layer.
+            directFrames += expected.color != got.color ? 1 : 0;
+            auto want = HostPicture(*plain.manager, width, height);
+            auto have = HostPicture(*w->manager, width, height);
+            // Colour only: the alpha the composite leaves in the host's frame is A * A + a (1 - A) of
+            // the layer's accumulated A, which drawing piece by piece does not reproduce.
+            size_t worst = 0;
+            for (size_t i = 0; i < want.size(); ++i)
+                if (i % 4 != 3 && std::abs(want[i] - have[i]) > std::abs(want[worst] - have[worst]))
+                    worst = i;
+            if (std::abs(want[worst] - have[worst]) > 3) {
+                trelvo::test::WritePng(trelvo::test::OutputDir() + "/direct-plain.png", want.data(), width,
+                                       height);
+                trelvo::test::WritePng(trelvo::test::OutputDir() + "/direct-direct.png", have.data(), width,
+                                       height);
+            }
+            ASSERT_LE(std::abs(want[worst] - have[worst]), 3)
+                << at << ", at " << worst / 4 % width << ", " << worst / 4 / width << " channel "
+                << worst % 4;
+        }
+    };
+    RunSession({&plain, &direct, &directSampling}, 777u, kFrames, true, now, check);
+    EXPECT_GT(directFrames, 2 * kFrames * 3 / 4) << "the sessions draw scene widgets into the host's frame";
 }
 
 TEST_F(LayerEqualityTest, TheCompositeLimitedToTheOverlayShowsTheSamePicture) {

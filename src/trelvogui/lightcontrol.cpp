@@ -46,9 +46,15 @@ void LightControl::SetMargins(int x, int y) {
     marginY_ = y;
 }
 
+void LightControl::setMaterial(GLSLProgram& program) {
+    GUI::Renderer::detail::SetMaterialUniforms(program.getProgram(), tgeom::vec4(0.5f, 0.5f, 0.5f, 1.f),
+                                               40.f);
+}
+
 bool LightControl::Initialize() {
     GL::GLScopedBindings hostState;
     program_.reset();
+    directProgram_.reset();
     quadBuffer_.reset();
     auto program = std::make_shared<GLSLProgram>();
     if (!program->addShader("LightWidget.vs") || !program->addShader("LightWidget.fs") ||
@@ -66,8 +72,7 @@ bool LightControl::Initialize() {
         if (build == nullptr)
             continue;
         build->begin();
-        GUI::Renderer::detail::SetMaterialUniforms(build->getProgram(), tgeom::vec4(0.5f, 0.5f, 0.5f, 1.f),
-                                                   40.f);
+        setMaterial(*build);
         build->end();
     }
     program_ = std::move(program);
@@ -94,10 +99,14 @@ void LightControl::DrawCustom() {
     // widgetHeight and the margin fields do not take part: the square is widgetWidth on both sides,
     // 10 pixels in from the right and bottom edges, both times the display scale.
     const int side = Side(), m = Margin();
-    glViewport(viewport[2] - side - m, m, side, side);
+    glViewport(viewport[0] + viewport[2] - side - m, viewport[1] + m, side, side);
     GB_CHECK_GL(kFile);
 
-    GLSLProgram& drawing = GUI::Renderer::detail::BeginTargetDraw(*program_, fetchProgram_.get());
+    GLSLProgram& drawing = GUI::Renderer::detail::DrawingProgram(
+        *program_, fetchProgram_.get(), directProgram_, "LightWidget.vs", "LightWidget.fs", setMaterial);
+    drawing.begin();
+    if (&drawing == program_.get())
+        GUI::Renderer::detail::SetTargetSamplers(drawing.getProgram());
     const GLuint program = drawing.getProgram();
     SetUniformQuiet(program, "light.position", tgeom::vec4(light_->position, 1.f));
     SetUniformQuiet(program, "light.ambient", light_->ambient);

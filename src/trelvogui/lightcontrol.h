@@ -50,6 +50,7 @@ public:
 
     /// Draws the widget; nothing before a successful Initialize. Leaves the viewport at (0, 0, w, h)
     /// of the viewport it found.
+    bool CanDrawDirect() override { return true; }
     void DrawCustom() override;
     /// The widget's square, 10 pixels in from the lower-right corner.
     bool LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) override;
@@ -79,9 +80,13 @@ public:
     const GraphicsBase::DirectionalLight* SceneLight() const override { return light_.get(); }
 
 private:
+    /// The material uniforms every build of the shader gets once.
+    static void setMaterial(GraphicsBase::GLSLProgram& program);
     std::shared_ptr<GraphicsBase::GLSLProgram> program_;
     std::unique_ptr<GraphicsBase::GLSLProgram>
         fetchProgram_; // the fast path's build, where the context offers fetch
+    // Built on first use, when the manager draws the widget straight into the host's framebuffer.
+    std::unique_ptr<GraphicsBase::GLSLProgram> directProgram_;
     std::shared_ptr<GraphicsBase::GLVertexBuffer> quadBuffer_;
     std::shared_ptr<GraphicsBase::DirectionalLight> light_;
     int widgetWidth_ = 75;

@@ -72,6 +72,7 @@ public:
     explicit ManipulatorControl(std::shared_ptr<GraphicsBase::Camera> camera);
     ~ManipulatorControl() override;
 
+    bool CanDrawDirect() override { return true; }
     void DrawCustom() override;
     /// Where the gizmo can draw: a square around its projected centre.
     bool LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) override;

@@ -133,6 +133,7 @@ bool ManipulatorRenderer::Initialize() {
     if (!loadShaders() || !program_->isLinked()) {
         program_.reset();
         fetchProgram_.reset();
+        directProgram_.reset();
         return false;
     }
     arrowHead_ = MakeMesh({-1.f, 0.f, 1.f, 0.f, 0.f, 1.f}, {0, 1, 2});
@@ -144,6 +145,7 @@ bool ManipulatorRenderer::Initialize() {
     if (!arrowHead_ || !scaleBox_ || !rotationArc_ || !roundRing_ || !hexRing_) {
         program_.reset();
         fetchProgram_.reset();
+        directProgram_.reset();
         return false;
     }
     return true;
@@ -208,7 +210,9 @@ void ManipulatorRenderer::drawMesh(const GLVertexBuffer& mesh, const glm::mat4& 
     GLuint program = drawing->getProgram();
     glUniform4fv(UniformLocationQuiet(program, "color"), 1, glm::value_ptr(color));
     GB_CHECK_GL(kFile);
-    glUniform1ui(LoggedLocation(program, "secondaryId", "secondaryId"), id);
+    // The direct build writes no ids: it has no such uniform.
+    if (!GUI::Renderer::detail::DirectTarget())
+        glUniform1ui(LoggedLocation(program, "secondaryId", "secondaryId"), id);
     GB_CHECK_GL(kFile);
     // The message names the other matrix; hosts grep their logs for it as it is.
     glUniformMatrix4fv(LoggedLocation(program, "ModelMatrix", "ModelViewMatrix"), 1, GL_FALSE,
@@ -397,7 +401,8 @@ void ManipulatorRenderer::Draw() {
     translation_ = p;
 
     GL::GLScopedSetter state(GL::Disable{GL_CULL_FACE}, GL::Disable{GL_DEPTH_TEST});
-    active_ = &GUI::Renderer::detail::ProgramFor(*program_, fetchProgram_.get());
+    active_ = &GUI::Renderer::detail::DrawingProgram(*program_, fetchProgram_.get(), directProgram_,
+                                                     "PolygonManipulator.vs", "PolygonManipulator.fs");
     active_->begin();
     GLuint program = active_->getProgram();
     glUniform1ui(UniformLocationQuiet(program, "pid"), pid_);

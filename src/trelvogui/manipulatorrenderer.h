@@ -124,6 +124,8 @@ private:
     // The build the fast path draws with where the context offers framebuffer fetch, and the one
     // drawing now.
     std::unique_ptr<GraphicsBase::GLSLProgram> fetchProgram_;
+    // Built on first use, when the manager draws the gizmo straight into the host's framebuffer.
+    std::unique_ptr<GraphicsBase::GLSLProgram> directProgram_;
     GraphicsBase::GLSLProgram* active_ = nullptr;
     float fadeStart_ = 0.85f;
     float fadeSlope_ = 30.f;

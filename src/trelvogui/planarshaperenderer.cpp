@@ -44,6 +44,7 @@ PlanarShapeRenderer::PlanarShapeRenderer(std::shared_ptr<LocalFrame> frame) : fr
 PlanarShapeRenderer::~PlanarShapeRenderer() = default;
 
 bool PlanarShapeRenderer::Initialize() {
+    directProgram_.reset();
     program_ = std::make_unique<GLSLProgram>();
     if (!program_->addShader("genericLine.vs") || !program_->addShader("genericLine.fs")) {
         std::printf("PlanarShapeRenderer::loadProgram(): Could not load shaders.\n");
@@ -135,8 +136,10 @@ void PlanarShapeRenderer::Draw() {
     glm::mat4 model = modelMatrix();
     // The outline keeps to sampling its target: it passes the ids beneath it through, and on
     // llvmpipe framebuffer fetch reads integer attachments wrongly for line primitives.
-    program_->begin();
-    GLuint program = program_->getProgram();
+    GLSLProgram& drawing = GUI::Renderer::detail::DrawingProgram(*program_, nullptr, directProgram_,
+                                                                 "genericLine.vs", "genericLine.fs");
+    drawing.begin();
+    GLuint program = drawing.getProgram();
     GLint location = UniformLocationQuiet(program, "ModelMatrix");
     if (location != -1) {
         glUniformMatrix4fv(location, 1, GL_FALSE, glm::value_ptr(model));
@@ -153,5 +156,5 @@ void PlanarShapeRenderer::Draw() {
         GUI::Renderer::detail::TargetBarrier();
         outline->draw(GLVertexBuffer::LineLoop);
     }
-    program_->end();
+    drawing.end();
 }

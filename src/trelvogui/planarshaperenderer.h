@@ -61,4 +61,6 @@ private:
     std::shared_ptr<GraphicsBase::LocalFrame> frame_;
     bool visible_ = true;
     std::unique_ptr<GraphicsBase::GLSLProgram> program_;
+    // Built on first use, when the manager draws the widget straight into the host's framebuffer.
+    std::unique_ptr<GraphicsBase::GLSLProgram> directProgram_;
 };

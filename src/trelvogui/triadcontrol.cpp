@@ -164,20 +164,8 @@ int TriadControl::Margin() const {
     return ScaledPixels(10.f);
 }
 
-bool TriadControl::Initialize() {
-    ready_ = false;
-    if (!program_ || !camera_ || !light_)
-        return false;
-    GL::GLScopedBindings hostState;
-    // An error left behind by the host must not be reported as ours.
-    glGetError();
-    // A repeated Initialize builds from a clean program rather than adding stages to the old one.
-    *program_ = GLSLProgram();
-
-    if (!program_->addShader("Triad.vs") || !program_->addShader("Triad.fs") || !program_->linkProgram())
-        return false;
-    program_->begin();
-    const GLuint program = program_->getProgram();
+void TriadControl::prepareProgram(GLSLProgram& build) {
+    const GLuint program = build.getProgram();
     GUI::Renderer::detail::SetMaterialUniforms(program, tgeom::vec4(0.5f, 0.5f, 0.5f, 1.f), 40.f);
     // The part of each sign triple (index 9 (x + 1) + 3 (y + 1) + z + 1); the centre, no part, stays 0.
     GLint partOfSigns[27] = {};
@@ -190,6 +178,23 @@ bool TriadControl::Initialize() {
         glUniform1iv(partsLocation, 27, partOfSigns);
         GB_CHECK_GL(kFile);
     }
+}
+
+bool TriadControl::Initialize() {
+    ready_ = false;
+    if (!program_ || !camera_ || !light_)
+        return false;
+    GL::GLScopedBindings hostState;
+    // An error left behind by the host must not be reported as ours.
+    glGetError();
+    // A repeated Initialize builds from a clean program rather than adding stages to the old one.
+    *program_ = GLSLProgram();
+    directProgram_.reset();
+
+    if (!program_->addShader("Triad.vs") || !program_->addShader("Triad.fs") || !program_->linkProgram())
+        return false;
+    program_->begin();
+    prepareProgram(*program_);
     program_->end();
 
     // Position, texture coordinate, normal, colour, primary id, face number.
@@ -278,8 +283,12 @@ void TriadControl::DrawCustom() {
     GB_CHECK_GL(kFile);
     glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
     GB_CHECK_GL(kFile);
+    // At the view's corner, wherever the view starts in the target.
+    GLint viewport[4] = {0, 0, 0, 0};
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    GB_CHECK_GL(kFile);
     const int side = Side();
-    glViewport(Margin(), Margin(), side, side);
+    glViewport(viewport[0] + Margin(), viewport[1] + Margin(), side, side);
     GB_CHECK_GL(kFile);
 
     glActiveTexture(GL_TEXTURE0 + kLabelUnit);
@@ -287,8 +296,10 @@ void TriadControl::DrawCustom() {
     glBindTexture(GL_TEXTURE_2D, labelTexture_);
     GB_CHECK_GL(kFile);
 
-    program_->begin();
-    const GLuint program = program_->getProgram();
+    GLSLProgram& drawing = GUI::Renderer::detail::DrawingProgram(*program_, nullptr, directProgram_,
+                                                                 "Triad.vs", "Triad.fs", prepareProgram);
+    drawing.begin();
+    const GLuint program = drawing.getProgram();
     SetUniformQuiet(program, "light.position", tgeom::vec4(light_->position, 1.f));
     SetUniformQuiet(program, "light.ambient", tgeom::vec4(tgeom::vec(light_->ambient), 1.f));
     SetUniformQuiet(program, "light.diffuse", tgeom::vec4(tgeom::vec(light_->diffuse), 1.f));
@@ -330,7 +341,7 @@ void TriadControl::DrawCustom() {
     // Nothing is read back from the target here, but later draws that compose over the cube must see it.
     GUI::Renderer::detail::TargetBarrier();
     vertexBuffer_->draw(GLVertexBuffer::Triangles);
-    program_->end();
+    drawing.end();
 }
 
 DrawFlags TriadControl::OnClick(GUI::Event* e) {

@@ -86,6 +86,7 @@ public:
     /// Draws the cube; nothing before a successful Initialize. Leaves the viewport at (0, 0, w, h) of
     /// the viewport it found; texture unit 8's binding, the active unit, face culling, the front-face
     /// winding and the polygon mode as they were.
+    bool CanDrawDirect() override { return true; }
     void DrawCustom() override;
     /// The cube's square, 10 pixels in from the lower-left corner.
     bool LayerFootprint(int layerWidth, int layerHeight, GUI::Geometry::Rectangle& area) override;
@@ -147,7 +148,11 @@ private:
 
     std::shared_ptr<GraphicsBase::Camera> camera_;
     std::shared_ptr<GraphicsBase::DirectionalLight> light_;
+    /// The material and part-table uniforms every build of the shader gets once.
+    static void prepareProgram(GraphicsBase::GLSLProgram& program);
     std::unique_ptr<GraphicsBase::GLSLProgram> program_;
+    // Built on first use, when the manager draws the cube straight into the host's framebuffer.
+    std::unique_ptr<GraphicsBase::GLSLProgram> directProgram_;
     std::unique_ptr<GraphicsBase::GLVertexBuffer> vertexBuffer_;
     unsigned int labelTexture_ = 0;
     int minimumSize_ = 100;

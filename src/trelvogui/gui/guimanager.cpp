@@ -165,8 +165,32 @@ void GUIManager::SetNeedsRedraw(bool v) {
 }
 
 void GUIManager::SetUpsideDown(bool upsideDown) {
+    if (upsideDown != upsideDown_ && directSceneWidgets_) {
+        layersWhole_ = true; // which roots are drawn directly changes
+        SetNeedsRedraw(true);
+    }
     upsideDown_ = upsideDown;
     InitializeRenderer();
+}
+
+void GUIManager::SetExplicitGammaCorrection(bool on) {
+    if (on != explicitGammaCorrection_ && directSceneWidgets_) {
+        layersWhole_ = true;
+        SetNeedsRedraw(true);
+    }
+    explicitGammaCorrection_ = on;
+}
+
+void GUIManager::SetDirectSceneWidgets(bool on) {
+    if (on == directSceneWidgets_)
+        return;
+    directSceneWidgets_ = on;
+    layersWhole_ = true;
+    SetNeedsRedraw(true);
+}
+
+bool GUIManager::drawnDirectly(unsigned int id) const {
+    return std::find(directRoots_.begin(), directRoots_.end(), id) != directRoots_.end();
 }
 
 void GUIManager::Resize(int width, int height) {
@@ -424,7 +448,21 @@ void GUIManager::updateLayers() {
     // soon as a visible root draws without a cached layer and without saying where.
     compositeWhole_ = false;
     bool bounded = false;
-    std::vector<GUI::Geometry::Rectangle> areas;
+    // Every visible root in drawing order with where it lands. A root that can be drawn straight
+    // into the host's frame keeps its damage aside until it is known whether it will be.
+    struct Drawn {
+        GUI::Controls::Base* control = nullptr;
+        GUI::Geometry::Rectangle area{0, 0, 0, 0};
+        bool knows = true;      // says where it draws
+        bool candidate = false; // can be drawn straight into the host's frame
+        bool stale = false;
+        bool hadArea = false; // and where it was
+        GUI::Geometry::Rectangle before{0, 0, 0, 0};
+        bool wholeArea = false;                       // changed all over its old and new footprints
+        std::vector<GUI::Geometry::Rectangle> pieces; // or only there
+    };
+    std::vector<Drawn> drawn;
+    const bool direct = directAllowed();
     bool anyStale = false;
     for (GUI::Controls::Base* control : Controls()) {
         if (control->HasParent())
@@ -435,31 +473,38 @@ void GUIManager::updateLayers() {
         if (!control->Animatable()) {
             // Drawn below, straight into the layers. A root that says where it draws is redrawn only
             // there; an invisible one draws nothing (an empty footprint); any other redraws all.
-            GUI::Geometry::Rectangle now{0, 0, 0, 0};
-            const bool knows = !control->Visible() || control->LayerFootprint(width_, height_, now);
+            Drawn entry;
+            entry.control = control;
+            entry.knows = !control->Visible() || control->LayerFootprint(width_, height_, entry.area);
+            entry.stale = stale;
             auto known = footprints_.find(control->GetId());
+            entry.hadArea = known != footprints_.end();
+            if (entry.hadArea)
+                entry.before = known->second;
+            entry.candidate = direct && entry.knows && entry.hadArea && control->Visible() &&
+                              control->Enabled() && !control->HasChildren() && control->CanDrawDirect();
             if (stale) {
                 // Asked whenever the root is stale, so that it forgets what it collected.
                 const std::size_t before = damagePieces_.size();
                 const bool confined = control->TakeLayerDamage(damagePieces_);
-                if (known == footprints_.end() || !knows) {
+                if (!entry.hadArea || !entry.knows)
                     whole = true;
-                } else if (!confined || !control->Visible() || !(now == known->second)) {
-                    damagePieces_.resize(before);
-                    include(damage, damaged, known->second);
-                    include(damage, damaged, now);
-                }
+                else
+                    entry.wholeArea = !confined || !control->Visible() || !(entry.area == entry.before);
+                if (!entry.wholeArea)
+                    entry.pieces.assign(damagePieces_.begin() + static_cast<std::ptrdiff_t>(before),
+                                        damagePieces_.end());
+                damagePieces_.resize(before);
             }
-            if (knows) {
-                footprints_.insert_or_assign(control->GetId(), now);
-                include(compositeBounds_, bounded, now);
-                areas.push_back(now);
+            if (entry.knows) {
+                footprints_.insert_or_assign(control->GetId(), entry.area);
             } else {
                 if (known != footprints_.end())
                     footprints_.erase(known);
                 compositeWhole_ = true;
             }
             control->ClearNeedsRedraw();
+            drawn.push_back(std::move(entry));
             continue;
         }
         auto known = footprints_.find(control->GetId());
@@ -496,9 +541,63 @@ void GUIManager::updateLayers() {
             }
             known = footprints_.insert_or_assign(control->GetId(), now).first;
         }
-        include(compositeBounds_, bounded, known->second);
-        areas.push_back(known->second);
+        drawn.emplace_back();
+        drawn.back().control = control;
+        drawn.back().area = known->second;
     }
+    // A root is drawn into the host's frame when nothing drawn after it into the layers overlaps it:
+    // then drawing it after the composite gives the picture the layers would. What is drawn after it
+    // decides, so the roots are walked from the last one drawn.
+    std::vector<unsigned int> directNow;
+    {
+        std::vector<GUI::Geometry::Rectangle> above;
+        bool aboveAnywhere = false;
+        for (auto it = drawn.rbegin(); it != drawn.rend(); ++it) {
+            const GUI::Geometry::Rectangle& a = it->area;
+            if (it->candidate && !aboveAnywhere &&
+                std::none_of(above.begin(), above.end(), [&](const auto& b) {
+                    return a.xMin < b.xMax && b.xMin < a.xMax && a.yMin < b.yMax && b.yMin < a.yMax;
+                })) {
+                directNow.push_back(it->control->GetId());
+                continue;
+            }
+            it->candidate = false;
+            if (!it->knows)
+                aboveAnywhere = true;
+            else if (it->control->Visible())
+                above.push_back(a);
+        }
+        std::reverse(directNow.begin(), directNow.end());
+    }
+    std::vector<GUI::Geometry::Rectangle> areas;
+    for (Drawn& d : drawn) {
+        const bool wasDirect = drawnDirectly(d.control->GetId());
+        if (d.candidate) {
+            // Its colour is not in the layers: they change only where it leaves them. Its ids are,
+            // stale wherever it was or is until something reads them.
+            if (!wasDirect)
+                include(damage, damaged, d.before);
+            if (d.stale || !wasDirect) {
+                bool any = staleIds_.Width() > 0 && staleIds_.Height() > 0;
+                include(staleIds_, any, d.area);
+                include(staleIds_, any, d.before);
+            }
+            continue;
+        }
+        if (!d.control->Animatable()) {
+            if (wasDirect || d.wholeArea) {
+                include(damage, damaged, d.before);
+                include(damage, damaged, d.area);
+            } else {
+                damagePieces_.insert(damagePieces_.end(), d.pieces.begin(), d.pieces.end());
+            }
+            if (!d.knows)
+                continue;
+        }
+        include(compositeBounds_, bounded, d.area);
+        areas.push_back(d.area);
+    }
+    directRoots_ = std::move(directNow);
     if (!bounded)
         compositeBounds_ = {0, 0, 0, 0};
     setCompositeAreas(std::move(areas));
@@ -509,6 +608,7 @@ void GUIManager::updateLayers() {
     regions_.clear();
     if (whole) {
         regions_.push_back({0, width_, 0, height_});
+        staleIds_ = {0, 0, 0, 0}; // every root's ids are drawn now
     } else {
         // The damaged pieces, each redrawn in a pass of its own where they cover much less than their
         // bounding box (a hover marker at one end of a chart and its readout at the other); each pass
@@ -619,7 +719,22 @@ void GUIManager::drawLayerRegion(const GUI::Geometry::Rectangle* region, bool st
     {
         std::unique_ptr<GL::GLScopedSetter> state = renderer_->SetRenderAttributes();
         for (GUI::Controls::Base* control : Controls()) {
+            // A root drawn into the host's frame leaves its colour out of the layers, not its ids: a
+            // blend that keeps the target's colour (integer attachments, the ids, are never blended).
+            // Not a colour mask: the widgets' own state guards set the full mask.
+            const bool idsOnly =
+                !directRoots_.empty() && !control->HasParent() && drawnDirectly(control->GetId());
+            if (idsOnly) {
+                glEnable(GL_BLEND);
+                GB_CHECK_GL(kFile);
+                glBlendFunc(GL_ZERO, GL_ONE);
+                GB_CHECK_GL(kFile);
+            }
             control->Draw(atlas_);
+            if (idsOnly) {
+                glDisable(GL_BLEND);
+                GB_CHECK_GL(kFile);
+            }
             if (strict) {
                 glFlush();
                 GB_CHECK_GL(kFile);
@@ -631,6 +746,31 @@ void GUIManager::drawLayerRegion(const GUI::Geometry::Rectangle* region, bool st
 void GUIManager::Draw() {
     if (!compositeProgram_ || !colorLayer_)
         return;
+    composite();
+    drawDirect();
+}
+
+void GUIManager::drawDirect() {
+    if (directRoots_.empty() || !atlas_)
+        return;
+    // Over the composite, where picking believes the overlay is, in the host's scissor if it set one.
+    GL::GLScopedBindings hostState;
+    glViewport(origin_.x, origin_.y, width_, height_);
+    GB_CHECK_GL(kFile);
+    // The widgets' direct builds compose over transparent black; the blend lays that over the host's
+    // pixels as the composite lays the layer (alpha included).
+    glEnable(GL_BLEND);
+    GB_CHECK_GL(kFile);
+    glBlendFuncSeparate(GL_ONE, GL_ONE_MINUS_SRC_ALPHA, GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    GB_CHECK_GL(kFile);
+    GUI::Renderer::detail::SetDirectTarget(true);
+    for (unsigned int id : directRoots_)
+        if (GUI::Controls::Base* control = addressed(id))
+            control->Draw(atlas_);
+    GUI::Renderer::detail::SetDirectTarget(false);
+}
+
+void GUIManager::composite() {
     // Only what the overlay holds is composited: where the layer is empty the blend would change
     // nothing, and on a software rasteriser every covered pixel costs.
     const GUI::Geometry::Rectangle view{0, width_, 0, height_};
@@ -780,6 +920,38 @@ void GUIManager::WaitForLayers() {
     deleteLayersFence();
 }
 
+void GUIManager::refreshIds(const GUI::Geometry::Rectangle& region) {
+    const GUI::Geometry::Rectangle r{
+        std::max(region.xMin, staleIds_.xMin), std::min(region.xMax, staleIds_.xMax),
+        std::max(region.yMin, staleIds_.yMin), std::min(region.yMax, staleIds_.yMax)};
+    if (r.Width() <= 0 || r.Height() <= 0 || !layerFramebuffer_ || !renderer_ || !atlas_)
+        return;
+    GL::GLScopedBindings hostState;
+    const bool strict = strictSynchronisation_ || !GUI::Renderer::detail::TextureBarrierAvailable();
+    GUI::Renderer::detail::SetStrictBarriers(strict);
+    GUI::Renderer::detail::AllowTargetFetch(framebufferFetch_);
+    glDisable(GL_SCISSOR_TEST);
+    GB_CHECK_GL(kFile);
+    glBindFramebuffer(GL_FRAMEBUFFER, layerFramebuffer_);
+    GB_CHECK_GL(kFile);
+    glViewport(0, 0, width_, height_);
+    GB_CHECK_GL(kFile);
+    // The colour comes out as it was: the same roots redraw it.
+    drawLayerRegion(&r, strict);
+    deleteLayersFence();
+    layersFence_ = glFenceSync(GL_SYNC_GPU_COMMANDS_COMPLETE, 0);
+    GB_CHECK_GL(kFile);
+    if (r == staleIds_)
+        staleIds_ = {0, 0, 0, 0};
+}
+
+unsigned int GUIManager::GetIdLayer() const {
+    // The ids are a cache of the picture; bringing them up to date changes nothing a caller sees.
+    auto* self = const_cast<GUIManager*>(this);
+    self->refreshIds(self->staleIds_);
+    return idLayer_;
+}
+
 bool GUIManager::HitDetect(int x, int y, unsigned int* pid, unsigned int* sid) {
     unsigned int ignored = 0;
     if (!pid)
@@ -790,6 +962,8 @@ bool GUIManager::HitDetect(int x, int y, unsigned int* pid, unsigned int* sid) {
     *sid = 0;
     if (x < 0 || x >= width_ || y < 0 || y >= height_ || !pickFramebuffer_)
         return true;
+    // The one pixel asked for is enough: scene widgets drawn directly move on every camera change.
+    refreshIds({x, x + 1, y, y + 1});
     // Read through the pick framebuffer (the id layer is its read buffer); the host's read framebuffer
     // and pixel-pack state come back afterwards.
     GL::GLScopedBindings hostState;
@@ -810,6 +984,7 @@ bool GUIManager::Locate(GUI::Controls::Base* control, unsigned int part, PartLoc
         return false;
     }
     std::vector<GLuint> ids(static_cast<size_t>(width_) * static_cast<size_t>(height_) * 4);
+    refreshIds(staleIds_);
     if (pickFramebuffer_ && !ids.empty()) {
         GL::GLScopedBindings hostState;
         glBindFramebuffer(GL_READ_FRAMEBUFFER, pickFramebuffer_);

@@ -192,14 +192,27 @@ public:
     /// misbehaves. Strict synchronisation never uses it.
     void SetFramebufferFetch(bool allowed) { framebufferFetch_ = allowed; }
     bool GetFramebufferFetch() const { return framebufferFetch_; }
-    void SetExplicitGammaCorrection(bool on) { explicitGammaCorrection_ = on; }
+    void SetExplicitGammaCorrection(bool on);
     bool GetExplicitGammaCorrection() const { return explicitGammaCorrection_; }
     /// Milliseconds spent in layer updates that re-rendered, and how many updates there were.
     int32_t GetLayerUpdateTime() const { return layerUpdateTime_; }
     int32_t GetLayerUpdateCount() const { return layerUpdateCount_; }
-    /// The layer textures (for hosts that composite themselves, and for inspection).
+    /// Scene widgets drawn straight into the host's frame (off by default). The gizmo, plane widget,
+    /// view cube and light widget follow the camera, so while the host orbits every frame changes
+    /// them. With this on, Draw() draws them into the host's framebuffer after compositing the
+    /// layers, with their own draws and nothing else, and the layers keep only their ids, which are
+    /// brought up to date when something reads them (a pointer event's hit test, Locate, GetIdLayer):
+    /// a camera move then costs no layer update and no composite. Picks are the same as without it,
+    /// and so is the picture, but for rounding at translucent edges (the layer's 8-bit
+    /// round trip is skipped). A widget is drawn directly only while it is visible, enabled, and no
+    /// root drawn after it into the layers overlaps it; the others are drawn as before, and so are
+    /// all of them when the composite is upside down or gamma-corrected.
+    void SetDirectSceneWidgets(bool on);
+    bool GetDirectSceneWidgets() const { return directSceneWidgets_; }
+    /// The layer textures (for hosts that composite themselves, and for inspection). The id layer
+    /// is brought up to date first where directly drawn scene widgets moved since it was drawn.
     unsigned int GetColorLayer() const { return colorLayer_; }
-    unsigned int GetIdLayer() const { return idLayer_; }
+    unsigned int GetIdLayer() const;
     unsigned int GetLayerFramebuffer() const { return layerFramebuffer_; }
 
 private:
@@ -207,8 +220,19 @@ private:
     GraphicsBase::DrawFlags cancelDrag();
     void deleteLayers();
     void updateLayers();
-    /// Clears the layers in `region` (all of them for null) and draws every control there.
+    /// Clears the layers in `region` (all of them for null) and draws every control there; the roots
+    /// drawn directly leave the colour layer alone and write their ids only.
     void drawLayerRegion(const GUI::Geometry::Rectangle* region, bool strict);
+    /// Whether the roots that can be drawn directly are drawn that way now.
+    bool directAllowed() const { return directSceneWidgets_ && !upsideDown_ && !explicitGammaCorrection_; }
+    bool drawnDirectly(unsigned int id) const;
+    /// Composites the layers into the bound framebuffer where the overlay holds something.
+    void composite();
+    /// Draws the directly drawn roots into the bound framebuffer (after the composite).
+    void drawDirect();
+    /// Redraws the layers in `region` (overlay pixels) for the ids of directly drawn roots that
+    /// changed since they were last drawn there.
+    void refreshIds(const GUI::Geometry::Rectangle& region);
     void fireDeferredSignals();
     void deleteLayersFence();
     void setCompositeAreas(std::vector<GUI::Geometry::Rectangle> areas);
@@ -272,6 +296,11 @@ private:
     std::vector<GUI::Geometry::Rectangle> damagePieces_, regions_;
     bool layersWhole_ = true;
     bool compositeWhole_ = true;
+    bool directSceneWidgets_ = false;
+    // The roots drawn into the host's frame by the last update, in drawing order (by id), and the
+    // bounds of the id layer's pixels that may hold their old ids.
+    std::vector<unsigned int> directRoots_;
+    GUI::Geometry::Rectangle staleIds_{0, 0, 0, 0};
 };
 
 } // namespace GUI

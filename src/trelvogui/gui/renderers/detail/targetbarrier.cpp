@@ -25,6 +25,7 @@ struct Pending {
     bool strict = false;
     bool fetchAllowed = true;
     bool clipped = false; // draws land only inside `region`
+    bool direct = false;  // draws go straight into the host's framebuffer
     GUI::Geometry::Rectangle region{0, 0, 0, 0};
 } pending;
 
@@ -49,6 +50,8 @@ void Issue() {
 } // namespace
 
 void TargetBarrier(bool samplesTarget) {
+    if (pending.direct)
+        return;
     if (samplesTarget)
         Issue();
     // The draw that follows may cover anything.
@@ -56,6 +59,8 @@ void TargetBarrier(bool samplesTarget) {
 }
 
 void TargetBarrierFor(const GUI::Geometry::Rectangle& area, bool samplesTarget) {
+    if (pending.direct)
+        return;
     if (!samplesTarget) {
         // Nothing to order for this draw; a later sampling draw must still see its writes.
         if (pending.count == kSlots)
@@ -153,6 +158,35 @@ GLSLProgram& BeginTargetDraw(GLSLProgram& literal, GLSLProgram* fetch) {
     if (&drawing == &literal)
         SetTargetSamplers(drawing.getProgram());
     return drawing;
+}
+
+void SetDirectTarget(bool direct) {
+    pending.direct = direct;
+    TargetChanged();
+}
+
+bool DirectTarget() {
+    return pending.direct;
+}
+
+GLSLProgram& DrawingProgram(GLSLProgram& literal, GLSLProgram* fetch, std::unique_ptr<GLSLProgram>& direct,
+                            const char* vertex, const char* fragment, void (*prepare)(GLSLProgram&)) {
+    if (!pending.direct)
+        return ProgramFor(literal, fetch);
+    if (!direct) {
+        direct = std::make_unique<GLSLProgram>();
+        if (!direct->addShader(vertex) || !direct->addShader(fragment, "#define TARGET_DIRECT 1\n") ||
+            !direct->linkProgram()) {
+            direct.reset();
+            return literal;
+        }
+        if (prepare) {
+            direct->begin();
+            prepare(*direct);
+            direct->end();
+        }
+    }
+    return *direct;
 }
 
 bool TextureBarrierAvailable() {

@@ -83,6 +83,23 @@ GraphicsBase::GLSLProgram& ProgramFor(GraphicsBase::GLSLProgram& literal, Graphi
 GraphicsBase::GLSLProgram& BeginTargetDraw(GraphicsBase::GLSLProgram& literal,
                                            GraphicsBase::GLSLProgram* fetch);
 
+/// Direct drawing: a scene widget drawn straight into the host's framebuffer after the composite, not
+/// into the layers. Its shaders are the builds with TARGET_DIRECT defined, which compose over
+/// transparent black (colour weighted by coverage) for the GL blend to lay over the host's pixels; no
+/// target is read, so no barrier is issued. Set by the manager around those draws only.
+void SetDirectTarget(bool direct);
+bool DirectTarget();
+
+/// The build the next draw uses, for widgets that may be drawn directly: in direct mode `direct`,
+/// built from the two files on first use and then handed to `prepare` (bound) for the uniforms the
+/// other builds got at initialisation; a failed build leaves it empty and falls back to `literal`.
+/// Otherwise ProgramFor(literal, fetch).
+GraphicsBase::GLSLProgram& DrawingProgram(GraphicsBase::GLSLProgram& literal,
+                                          GraphicsBase::GLSLProgram* fetch,
+                                          std::unique_ptr<GraphicsBase::GLSLProgram>& direct,
+                                          const char* vertex, const char* fragment,
+                                          void (*prepare)(GraphicsBase::GLSLProgram&) = nullptr);
+
 /// Whether the current context offers a texture barrier at all.
 bool TextureBarrierAvailable();
 
