@@ -4,7 +4,7 @@
 // bound on units 9 and 10). The fast path's build, where the context offers coherent framebuffer
 // fetch, defines TARGET_FETCH: the outputs start out holding the target's pixel, the very values the
 // samplers return, and no draw needs a barrier. The direct build (TARGET_DIRECT) draws a scene widget
-// straight into the host's framebuffer after the composite: it composes over transparent black, which
+// straight into the host's framebuffer beside the composite: it composes over transparent black, which
 // leaves its colour weighted by coverage, and the GL blend lays that over the host's pixels; the
 // host's framebuffer holds no ids, so the ids go nowhere.
 

@@ -173,19 +173,20 @@ struct World {
         owned.clear();
         manager.reset();
     }
-    /// Registers the scene widgets again where anything is drawn after them, so that they come last.
-    void RaiseScene() {
+    /// Keeps the scene widgets drawn after every other root (`onTop`) or before them, registering
+    /// again what is out of place (a click raises the root it hits).
+    void ArrangeScene(bool onTop) {
         std::vector<Base*> order;
         for (Base* c : manager->Controls())
             if (!c->HasParent())
                 order.push_back(c);
-        const auto firstScene = std::find_first_of(order.begin(), order.end(), scene.begin(), scene.end());
-        if (std::all_of(firstScene, order.end(),
-                        [&](Base* c) { return std::find(scene.begin(), scene.end(), c) != scene.end(); }))
-            return;
-        for (Base* c : scene)
-            if (c->Registered())
-                manager->RemoveControl(c), c->Unregister(), c->Register(manager);
+        std::vector<Base*> wanted = order;
+        const auto last = std::stable_partition(wanted.begin(), wanted.end(), [&](Base* c) {
+            return (std::find(scene.begin(), scene.end(), c) != scene.end()) != onTop;
+        });
+        if (wanted != order)
+            for (auto it = last; it != wanted.end(); ++it)
+                manager->RemoveControl(*it), (*it)->Unregister(), (*it)->Register(manager);
     }
     /// The host's camera on a circle round the scene, looking at its centre.
     void Orbit(int w, int h, float angle) {
@@ -395,8 +396,8 @@ void RunSession(const std::vector<World*>& worlds, unsigned seed, int frames, bo
                 for (Base* root : w.roots)
                     root->Register(w.manager);
             });
-        if (orbiting) // a host keeps its scene widgets over the rest (a click raises what it hits)
-            both([&](World& w) { w.RaiseScene(); });
+        if (orbiting) // scene widgets over the rest for a while, then under it
+            both([&](World& w) { w.ArrangeScene(frame / 40 % 2 == 0); });
         now += 40;
         both([&](World& w) { w.manager->UpdateLayers(); });
         check(frame, op, width, height);
@@ -455,55 +456,62 @@ std::vector<uint8_t> HostPicture(GUI::GUIManager& manager, int width, int height
     return pixels;
 }
 
+/// Checks a manager drawing its scene widgets into the host's frame against the plain one: picks
+/// while the ids are stale (one pixel brought up to date each), then the whole id layer, then the
+/// picture over a host frame, colour within rounding (the alpha the composite leaves in the host's
+/// frame is A * A + a (1 - A) of the layer's accumulated A, which drawing piece by piece does not
+/// reproduce). Returns whether the colour layers differ, as they do while widgets are drawn directly.
+bool ExpectPlainPicksAndPicture(GUI::GUIManager& plain, GUI::GUIManager& direct, int width, int height,
+                                unsigned seed, const std::string& at) {
+    std::mt19937 rng(seed);
+    for (int i = 0; i < 8; ++i) {
+        const int x = std::uniform_int_distribution<int>(0, width - 1)(rng);
+        const int y = std::uniform_int_distribution<int>(0, height - 1)(rng);
+        unsigned a[2] = {}, b[2] = {};
+        plain.HitDetect(x, y, &a[0], &a[1]);
+        direct.HitDetect(x, y, &b[0], &b[1]);
+        EXPECT_TRUE(a[0] == b[0] && a[1] == b[1]) << at << ", pick at " << x << ", " << y;
+    }
+    direct.GetIdLayer();
+    auto expected = trelvo::test::ReadLayers(plain, width, height);
+    auto got = trelvo::test::ReadLayers(direct, width, height);
+    EXPECT_TRUE(expected.ids == got.ids) << at;
+    auto want = HostPicture(plain, width, height);
+    auto have = HostPicture(direct, width, height);
+    size_t worst = 0;
+    for (size_t i = 0; i < want.size(); ++i)
+        if (i % 4 != 3 && std::abs(want[i] - have[i]) > std::abs(want[worst] - have[worst]))
+            worst = i;
+    if (std::abs(want[worst] - have[worst]) > 3) {
+        trelvo::test::WritePng(trelvo::test::OutputDir() + "/direct-plain.png", want.data(), width, height);
+        trelvo::test::WritePng(trelvo::test::OutputDir() + "/direct-direct.png", have.data(), width, height);
+    }
+    EXPECT_LE(std::abs(want[worst] - have[worst]), 3)
+        << at << ", at " << worst / 4 % width << ", " << worst / 4 / width << " channel " << worst % 4;
+    return expected.color != got.color;
+}
+
 TEST_F(LayerEqualityTest, SceneWidgetsDrawnIntoTheHostFrameMatchThePlainUpdate) {
-    // Orbiting sessions: the camera turns every frame while the usual session goes on. The scene
-    // widgets drawn straight into the host's frame, with their ids brought up to date only when read,
-    // must pick exactly as the plain update and show its picture (but for rounding at translucent
-    // edges, where the layer's 8-bit round trip is skipped).
+    // Orbiting sessions: the camera turns every frame while the usual session goes on, the scene
+    // widgets drawn after the rest for 40 frames, then before it. Drawn straight into the host's frame
+    // (over the composite; under it where a root drawing text into the layers does not cover them),
+    // with their ids brought up to date only when read, they must pick exactly as the plain update and
+    // show its picture.
     constexpr int kFrames = 160;
     World plain(true, false), direct(false, true, true), directSampling(false, false, true);
     int directFrames = 0;
-    auto check = [&](int frame, int op, int width, int height) {
-        std::mt19937 rng(static_cast<unsigned>(frame));
-        for (World* w : {&direct, &directSampling}) {
-            const std::string at = std::string(w == &direct ? "fetch" : "sampling") + ": frame " +
-                                   std::to_string(frame) + " after operation " + std::to_string(op);
-            // Picks while the ids are stale (one pixel brought up to date each), then the whole layer.
-            for (int i = 0; i < 8; ++i) {
-                const int x = std::uniform_int_distribution<int>(0, width - 1)(rng);
-                const int y = std::uniform_int_distribution<int>(0, height - 1)(rng);
-                unsigned a[2] = {}, b[2] = {};
-                plain.manager->HitDetect(x, y, &a[0], &a[1]);
-                w->manager->HitDetect(x, y, &b[0], &b[1]);
-                ASSERT_TRUE(a[0] == b[0] && a[1] == b[1]) << at << ", pick at " << x << ", " << y;
-            }
-            w->manager->GetIdLayer();
-            auto expected = trelvo::test::ReadLayers(*plain.manager, width, height);
-            auto got = trelvo::test::ReadLayers(*w->manager, width, height);
-            ASSERT_TRUE(expected.ids == got.ids) << at;
-            // The widgets drawn into the host's frame are missing from the colour layer.
-            directFrames += expected.color != got.color ? 1 : 0;
-            auto want = HostPicture(*plain.manager, width, height);
-            auto have = HostPicture(*w->manager, width, height);
-            // Colour only: the alpha the composite leaves in the host's frame is A * A + a (1 - A) of
-            // the layer's accumulated A, which drawing piece by piece does not reproduce.
-            size_t worst = 0;
-            for (size_t i = 0; i < want.size(); ++i)
-                if (i % 4 != 3 && std::abs(want[i] - have[i]) > std::abs(want[worst] - have[worst]))
-                    worst = i;
-            if (std::abs(want[worst] - have[worst]) > 3) {
-                trelvo::test::WritePng(trelvo::test::OutputDir() + "/direct-plain.png", want.data(), width,
-                                       height);
-                trelvo::test::WritePng(trelvo::test::OutputDir() + "/direct-direct.png", have.data(), width,
-                                       height);
-            }
-            ASSERT_LE(std::abs(want[worst] - have[worst]), 3)
-                << at << ", at " << worst / 4 % width << ", " << worst / 4 / width << " channel "
-                << worst % 4;
-        }
-    };
-    RunSession({&plain, &direct, &directSampling}, 777u, kFrames, true, now, check);
-    EXPECT_GT(directFrames, 2 * kFrames * 3 / 4) << "the sessions draw scene widgets into the host's frame";
+    RunSession(
+        {&plain, &direct, &directSampling}, 777u, kFrames, true, now, [&](int frame, int op, int w, int h) {
+            for (World* world : {&direct, &directSampling})
+                directFrames += ExpectPlainPicksAndPicture(
+                                    *plain.manager, *world->manager, w, h, static_cast<unsigned>(frame),
+                                    std::string(world == &direct ? "fetch" : "sampling") + ": frame " +
+                                        std::to_string(frame) + " after operation " + std::to_string(op))
+                                    ? 1
+                                    : 0;
+            ASSERT_FALSE(HasFailure());
+        });
+    EXPECT_GT(directFrames, kFrames / 2) << "the sessions draw scene widgets into the host's frame";
 }
 
 TEST_F(LayerEqualityTest, TheCompositeLimitedToTheOverlayShowsTheSamePicture) {
@@ -557,27 +565,36 @@ TEST_F(LayerEqualityTest, TheCompositeLimitedToTheOverlayShowsTheSamePicture) {
 }
 
 TEST_F(LayerEqualityTest, SceneWidgetsRedrawnWhereTheySayTheyDrawMatchThePlainUpdate) {
-    // A view larger than the gizmo's square, with a plane outline reaching well beyond it, over a
+    // A view larger than the gizmo's square, with a plane outline reaching well beyond it, and a
     // panel: as the camera orbits and the widget is dragged, the fast update redraws only the
-    // widget's old and new footprints, and the layers must still be the plain update's.
+    // widget's old and new footprints, and the layers must still be the plain update's. Drawn
+    // straight into the host's frame, under the panel or over it, the widget picks and looks the same.
     constexpr int kW = 800, kH = 600;
     struct Scene {
         std::shared_ptr<Camera> camera = std::make_shared<Camera>();
         std::shared_ptr<GUI::GUIManager> manager = std::make_shared<GUI::GUIManager>();
         Panel panel;
         std::unique_ptr<PlaneControl> plane;
-        explicit Scene(bool strict) {
+        Scene(bool strict, bool direct, bool planeFirst) {
             manager->SetStrictSynchronisation(strict);
+            manager->SetDirectSceneWidgets(direct);
             manager->Initialize();
             manager->Resize(kW, kH);
             Orbit(0.f);
             panel.SetRectangle({40, 760, 40, 560});
-            panel.Register(manager);
+            auto button = std::make_unique<Button>();
+            button->SetRectangle({20, 200, 20, 60});
+            button->SetText(L"Over the plane");
+            panel.AddChild(button.release()); // the panel deletes its children
             plane = std::make_unique<PlaneControl>(camera);
             if (plane->Initialize())
                 plane->getFrame().setScale({5.f, 5.f, 5.f});
             plane->transformationSignal.connect([] { return DRAW_SCENE; });
-            plane->Register(manager);
+            if (planeFirst)
+                plane->Register(manager);
+            panel.Register(manager);
+            if (!planeFirst)
+                plane->Register(manager);
         }
         ~Scene() {
             plane.reset();
@@ -591,9 +608,11 @@ TEST_F(LayerEqualityTest, SceneWidgetsRedrawnWhereTheySayTheyDrawMatchThePlainUp
                 manager->SetCameraUpdated(true);
         }
     };
-    Scene strict(true), fast(false);
+    Scene strict(true, false, false), fast(false, false, false), over(false, true, false);
+    Scene strictUnder(true, false, true), under(false, true, true);
+    int directSteps = 0;
     for (int step = 0; step < 24; ++step) {
-        for (Scene* s : {&strict, &fast}) {
+        for (Scene* s : {&strict, &fast, &over, &strictUnder, &under}) {
             s->Orbit(0.13f * static_cast<float>(step));
             if (step % 6 == 5) // the widget moves without the camera
                 s->plane->getFrame().setPosition({0.1f * static_cast<float>(step % 4), 0.f, 0.f});
@@ -603,5 +622,12 @@ TEST_F(LayerEqualityTest, SceneWidgetsRedrawnWhereTheySayTheyDrawMatchThePlainUp
         auto a = trelvo::test::ReadLayers(*strict.manager, kW, kH);
         auto b = trelvo::test::ReadLayers(*fast.manager, kW, kH);
         ASSERT_TRUE(a.color == b.color && a.ids == b.ids) << "step " << step;
+        const std::string at = "step " + std::to_string(step);
+        directSteps +=
+            ExpectPlainPicksAndPicture(*strict.manager, *over.manager, kW, kH, step, at + ", over");
+        directSteps +=
+            ExpectPlainPicksAndPicture(*strictUnder.manager, *under.manager, kW, kH, step, at + ", under");
+        ASSERT_FALSE(HasFailure());
     }
+    EXPECT_EQ(directSteps, 2 * 23) << "from the second update on (the first learns where the widget draws)";
 }

@@ -71,8 +71,10 @@ using peer::Sample;
 class TrelvoUI {
 public:
     /// With `scene`, the camera-following widgets of a 3D viewer as well: a gizmo on the host's cube,
-    /// a plane widget beside it, the view cube and the light widget.
-    TrelvoUI(int n, bool scene) : manager_(std::make_shared<GUI::GUIManager>()) {
+    /// a plane widget beside it, the view cube and the light widget, drawn straight into the host's
+    /// frame unless `layered`.
+    TrelvoUI(int n, bool scene, bool layered = false) : manager_(std::make_shared<GUI::GUIManager>()) {
+        manager_->SetDirectSceneWidgets(scene && !layered);
         manager_->Initialize();
         manager_->Resize(kWidth, kHeight);
         if (scene) {
@@ -392,6 +394,7 @@ int main(int argc, char** argv) {
         GLMemory imguiGL = GLMemory::Now(&trelvoGL);
         // The same UI with a gizmo over the scene, for the frame in which only the camera moved.
         auto withGizmo = std::make_unique<TrelvoUI>(n, true);
+        auto withGizmoLayered = std::make_unique<TrelvoUI>(n, true, true);
         struct Case {
             const char* key; // of the RATIO lines; none for cases that compare unlike work
             const char* name;
@@ -439,6 +442,14 @@ int main(int argc, char** argv) {
                  withGizmo->Frame();
              },
              [&](int) { Clear(), imgui->Frame(); }},
+            // The same with the scene widgets drawn through the layers, as without SetDirectSceneWidgets.
+            {"orbit_layers", "orbit, scene widgets drawn through the layers",
+             [&](int k) {
+                 Clear();
+                 withGizmoLayered->OrbitCamera(k);
+                 withGizmoLayered->Frame();
+             },
+             [&](int) { Clear(), imgui->Frame(); }},
         };
         for (const Case& c : cases) {
             if (only && !std::strstr(c.name, only) && !(c.key && std::strstr(c.key, only)))
@@ -476,6 +487,7 @@ int main(int argc, char** argv) {
             ratios.push_back({"memory", n, double(trelvoRss) / double(imguiRss)});
         ratios.push_back({"memory_gl", n, trelvoGL.Total() / imguiGL.Total()});
         withGizmo.reset();
+        withGizmoLayered.reset();
         imgui.reset();
         trelvo.reset();
     }

@@ -160,8 +160,8 @@ public:
     /// The manager's display scale changed (or the control joined a manager whose scale is not 1):
     /// controls that lay out children in pixels lay them out again. Nothing by default.
     virtual void OnDisplayScaleChanged() {}
-    /// Whether the manager may draw this root straight into the host's framebuffer after the
-    /// composite instead of into the layers (GUIManager::SetDirectSceneWidgets): its shaders have a
+    /// Whether the manager may draw this root straight into the host's framebuffer, under or over the
+    /// composite, instead of into the layers (GUIManager::SetDirectSceneWidgets): its shaders have a
     /// direct build and it draws nothing else. False by default; the scene widgets say true, and a
     /// subclass of one that draws more says false again.
     virtual bool CanDrawDirect() { return false; }

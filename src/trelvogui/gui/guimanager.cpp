@@ -455,6 +455,8 @@ void GUIManager::updateLayers() {
         GUI::Geometry::Rectangle area{0, 0, 0, 0};
         bool knows = true;      // says where it draws
         bool candidate = false; // can be drawn straight into the host's frame
+        bool under = false;     // and is, under the composite
+        bool straight = false;  // drawn into the layers by shaders of its own, not from a cached layer
         bool stale = false;
         bool hadArea = false; // and where it was
         GUI::Geometry::Rectangle before{0, 0, 0, 0};
@@ -481,8 +483,9 @@ void GUIManager::updateLayers() {
             entry.hadArea = known != footprints_.end();
             if (entry.hadArea)
                 entry.before = known->second;
+            entry.straight = !control->CanDrawDirect();
             entry.candidate = direct && entry.knows && entry.hadArea && control->Visible() &&
-                              control->Enabled() && !control->HasChildren() && control->CanDrawDirect();
+                              control->Enabled() && !control->HasChildren() && !entry.straight;
             if (stale) {
                 // Asked whenever the root is stale, so that it forgets what it collected.
                 const std::size_t before = damagePieces_.size();
@@ -545,29 +548,59 @@ void GUIManager::updateLayers() {
         drawn.back().control = control;
         drawn.back().area = known->second;
     }
-    // A root is drawn into the host's frame when nothing drawn after it into the layers overlaps it:
-    // then drawing it after the composite gives the picture the layers would. What is drawn after it
-    // decides, so the roots are walked from the last one drawn.
-    std::vector<unsigned int> directNow;
+    // A root is drawn into the host's frame under the composite when nothing drawn before it into the
+    // layers overlaps it, or over the composite when nothing drawn after it does: either way the
+    // picture is the one the layers would give. Roots drawn under come first, walking forward; of the
+    // rest, those drawn over, walking back. A root under cannot follow an overlapping root over (that
+    // one would have had to go under too), so overlapping direct roots keep their order.
+    std::vector<unsigned int> under, over;
     {
-        std::vector<GUI::Geometry::Rectangle> above;
-        bool aboveAnywhere = false;
-        for (auto it = drawn.rbegin(); it != drawn.rend(); ++it) {
-            const GUI::Geometry::Rectangle& a = it->area;
-            if (it->candidate && !aboveAnywhere &&
-                std::none_of(above.begin(), above.end(), [&](const auto& b) {
+        auto clear = [](const std::vector<GUI::Geometry::Rectangle>& drawnAlready,
+                        const GUI::Geometry::Rectangle& a) {
+            return std::none_of(
+                drawnAlready.begin(), drawnAlready.end(), [&](const GUI::Geometry::Rectangle& b) {
                     return a.xMin < b.xMax && b.xMin < a.xMax && a.yMin < b.yMax && b.yMin < a.yMax;
-                })) {
-                directNow.push_back(it->control->GetId());
+                });
+        };
+        // Going under also needs every root drawn over it later to compose as one coverage over what
+        // it finds, as cached layers and the scene widgets do; a root drawing straight into the layers
+        // may not (text takes its coverage per colour channel), so none of those may overlap it.
+        std::vector<GUI::Geometry::Rectangle> others;
+        bool anywhere = false; // a root that does not say where it draws covers everything
+        for (std::size_t i = 0; i < drawn.size(); ++i) {
+            Drawn& d = drawn[i];
+            const auto laterOverlaps = [&] {
+                for (std::size_t j = i + 1; j < drawn.size(); ++j)
+                    if (drawn[j].straight && drawn[j].control->Visible() &&
+                        (!drawn[j].knows || !clear({drawn[j].area}, d.area)))
+                        return true;
+                return false;
+            };
+            if (d.candidate && !anywhere && clear(others, d.area) && !laterOverlaps()) {
+                d.under = true;
+                under.push_back(d.control->GetId());
+            } else if (!d.knows) {
+                anywhere = true;
+            } else if (d.control->Visible()) {
+                others.push_back(d.area);
+            }
+        }
+        others.clear();
+        anywhere = false;
+        for (auto it = drawn.rbegin(); it != drawn.rend(); ++it) {
+            if (it->under)
+                continue;
+            if (it->candidate && !anywhere && clear(others, it->area)) {
+                over.push_back(it->control->GetId());
                 continue;
             }
             it->candidate = false;
             if (!it->knows)
-                aboveAnywhere = true;
+                anywhere = true;
             else if (it->control->Visible())
-                above.push_back(a);
+                others.push_back(it->area);
         }
-        std::reverse(directNow.begin(), directNow.end());
+        std::reverse(over.begin(), over.end());
     }
     std::vector<GUI::Geometry::Rectangle> areas;
     for (Drawn& d : drawn) {
@@ -597,7 +630,9 @@ void GUIManager::updateLayers() {
         include(compositeBounds_, bounded, d.area);
         areas.push_back(d.area);
     }
-    directRoots_ = std::move(directNow);
+    directUnder_ = under.size();
+    directRoots_ = std::move(under);
+    directRoots_.insert(directRoots_.end(), over.begin(), over.end());
     if (!bounded)
         compositeBounds_ = {0, 0, 0, 0};
     setCompositeAreas(std::move(areas));
@@ -746,14 +781,16 @@ void GUIManager::drawLayerRegion(const GUI::Geometry::Rectangle* region, bool st
 void GUIManager::Draw() {
     if (!compositeProgram_ || !colorLayer_)
         return;
+    drawDirect(true);
     composite();
-    drawDirect();
+    drawDirect(false);
 }
 
-void GUIManager::drawDirect() {
-    if (directRoots_.empty() || !atlas_)
+void GUIManager::drawDirect(bool under) {
+    const std::size_t from = under ? 0 : directUnder_, to = under ? directUnder_ : directRoots_.size();
+    if (from >= to || !atlas_)
         return;
-    // Over the composite, where picking believes the overlay is, in the host's scissor if it set one.
+    // Where picking believes the overlay is, in the host's scissor if it set one.
     GL::GLScopedBindings hostState;
     glViewport(origin_.x, origin_.y, width_, height_);
     GB_CHECK_GL(kFile);
@@ -764,8 +801,8 @@ void GUIManager::drawDirect() {
     glBlendFuncSeparate(GL_ONE, GL_ONE_MINUS_SRC_ALPHA, GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     GB_CHECK_GL(kFile);
     GUI::Renderer::detail::SetDirectTarget(true);
-    for (unsigned int id : directRoots_)
-        if (GUI::Controls::Base* control = addressed(id))
+    for (std::size_t i = from; i < to; ++i)
+        if (GUI::Controls::Base* control = addressed(directRoots_[i]))
             control->Draw(atlas_);
     GUI::Renderer::detail::SetDirectTarget(false);
 }

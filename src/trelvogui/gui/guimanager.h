@@ -199,14 +199,16 @@ public:
     int32_t GetLayerUpdateCount() const { return layerUpdateCount_; }
     /// Scene widgets drawn straight into the host's frame (off by default). The gizmo, plane widget,
     /// view cube and light widget follow the camera, so while the host orbits every frame changes
-    /// them. With this on, Draw() draws them into the host's framebuffer after compositing the
-    /// layers, with their own draws and nothing else, and the layers keep only their ids, which are
+    /// them. With this on, Draw() draws them into the host's framebuffer with their own draws and
+    /// nothing else, under or over the composite of the layers, and the layers keep only their ids,
     /// brought up to date when something reads them (a pointer event's hit test, Locate, GetIdLayer):
     /// a camera move then costs no layer update and no composite. Picks are the same as without it,
-    /// and so is the picture, but for rounding at translucent edges (the layer's 8-bit
-    /// round trip is skipped). A widget is drawn directly only while it is visible, enabled, and no
-    /// root drawn after it into the layers overlaps it; the others are drawn as before, and so are
-    /// all of them when the composite is upside down or gamma-corrected.
+    /// and so is the picture's colour, but for rounding at translucent edges (the layer's 8-bit round
+    /// trip is skipped); the alpha left in the host's frame may differ. A widget is drawn directly
+    /// only while it is visible and enabled and no root drawn into the layers before it, or none drawn
+    /// after it, overlaps it; the others are drawn as before, and so are all of them when the
+    /// composite is upside down or gamma-corrected. Hosts that composite the colour layer themselves
+    /// leave it off: the widgets drawn directly are not in that layer.
     void SetDirectSceneWidgets(bool on);
     bool GetDirectSceneWidgets() const { return directSceneWidgets_; }
     /// The layer textures (for hosts that composite themselves, and for inspection). The id layer
@@ -228,8 +230,9 @@ private:
     bool drawnDirectly(unsigned int id) const;
     /// Composites the layers into the bound framebuffer where the overlay holds something.
     void composite();
-    /// Draws the directly drawn roots into the bound framebuffer (after the composite).
-    void drawDirect();
+    /// Draws the directly drawn roots that go under the composite, or those that go over it, into the
+    /// bound framebuffer.
+    void drawDirect(bool under);
     /// Redraws the layers in `region` (overlay pixels) for the ids of directly drawn roots that
     /// changed since they were last drawn there.
     void refreshIds(const GUI::Geometry::Rectangle& region);
@@ -297,9 +300,11 @@ private:
     bool layersWhole_ = true;
     bool compositeWhole_ = true;
     bool directSceneWidgets_ = false;
-    // The roots drawn into the host's frame by the last update, in drawing order (by id), and the
-    // bounds of the id layer's pixels that may hold their old ids.
+    // The roots drawn into the host's frame by the last update (by id): the first directUnder_ under
+    // the composite, the rest over it, each part in drawing order; and the bounds of the id layer's
+    // pixels that may hold their old ids.
     std::vector<unsigned int> directRoots_;
+    std::size_t directUnder_ = 0;
     GUI::Geometry::Rectangle staleIds_{0, 0, 0, 0};
 };
 

@@ -83,7 +83,7 @@ GraphicsBase::GLSLProgram& ProgramFor(GraphicsBase::GLSLProgram& literal, Graphi
 GraphicsBase::GLSLProgram& BeginTargetDraw(GraphicsBase::GLSLProgram& literal,
                                            GraphicsBase::GLSLProgram* fetch);
 
-/// Direct drawing: a scene widget drawn straight into the host's framebuffer after the composite, not
+/// Direct drawing: a scene widget drawn straight into the host's framebuffer beside the composite, not
 /// into the layers. Its shaders are the builds with TARGET_DIRECT defined, which compose over
 /// transparent black (colour weighted by coverage) for the GL blend to lay over the host's pixels; no
 /// target is read, so no barrier is issued. Set by the manager around those draws only.
