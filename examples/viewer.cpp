@@ -129,6 +129,7 @@ int main(int argc, char** argv) {
     {
         // TrelvoGUI {
         auto manager = std::make_shared<GUI::GUIManager>();
+        manager->SetDirectSceneWidgets(true); // an orbit redraws the scene widgets alone
         if (!manager->Initialize())
             return 1;
         manager->Resize(w, h);
