@@ -21,6 +21,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <optional>
 #include <string>
 
 using namespace GraphicsBase;
@@ -419,15 +420,23 @@ void GUIManager::updateLayers() {
     updating_ = true;
 
     // Whatever the host had bound (its own framebuffer, program, vertex array) comes back afterwards.
-    GL::GLScopedBindings hostState;
+    // Opened when the first GL call comes: an update in which only scene widgets drawn into the
+    // host's frame changed makes none, and on a software rasteriser saving and setting the host's
+    // state can cost more than such a frame's draws.
+    std::optional<GL::GLScopedBindings> hostState;
+    auto touchGL = [&hostState] {
+        if (hostState)
+            return;
+        hostState.emplace();
+        // A host's scissor would clip the layers; the bindings put it back.
+        glDisable(GL_SCISSOR_TEST);
+        GB_CHECK_GL(kFile);
+    };
     // Without a texture barrier in the context only finishing every draw keeps the target reads
     // defined; with one, barriers are issued where draws overlap and nothing waits.
     const bool strict = strictSynchronisation_ || !GUI::Renderer::detail::TextureBarrierAvailable();
     GUI::Renderer::detail::SetStrictBarriers(strict);
     GUI::Renderer::detail::AllowTargetFetch(framebufferFetch_);
-    // A host's scissor would clip the layers; the bindings above put it back.
-    glDisable(GL_SCISSOR_TEST);
-    GB_CHECK_GL(kFile);
 
     // Only roots composite a cached layer; a stale animatable child is redrawn inside its root. When
     // only cached roots changed, the layers are redrawn just where they were and are now composited;
@@ -471,6 +480,8 @@ void GUIManager::updateLayers() {
             continue;
         const bool stale = control->NeedsRedraw();
         anyStale = anyStale || stale;
+        if (stale && !(direct && !control->Animatable() && control->CanDrawDirect()))
+            touchGL();
         control->DrawToTexture(atlas_);
         if (!control->Animatable()) {
             // Drawn below, straight into the layers. A root that says where it draws is redrawn only
@@ -680,6 +691,7 @@ void GUIManager::updateLayers() {
         return;
     }
 
+    touchGL();
     glBindFramebuffer(GL_FRAMEBUFFER, layerFramebuffer_);
     GB_CHECK_GL(kFile);
     if (glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE)
