@@ -435,6 +435,13 @@ TEST_F(LayerEqualityTest, FastAndStrictUpdatesProduceIdenticalLayers) {
                        std::any_of(a.ids.begin(), a.ids.end(), [](uint32_t id) { return id != 0; }) ? 1 : 0;
                });
     EXPECT_GT(drawnFrames, kFrames * 3 / 4) << "the sessions compare drawn layers, not empty ones";
+    for (World* compact : {&compactFetch, &compactLater}) {
+        glBindTexture(GL_TEXTURE_2D, compact->manager->GetIdLayer());
+        GLint format = 0;
+        glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_INTERNAL_FORMAT, &format);
+        EXPECT_EQ(format, GL_RG32UI) << "the compact sessions ran on two-word id layers";
+    }
+    glBindTexture(GL_TEXTURE_2D, 0);
 }
 
 /// The picture a host sees: the manager's frame drawn over a patterned frame of the host's own
