@@ -78,8 +78,8 @@ public:
     /// With `scene`, the camera-following widgets of a 3D viewer as well: a gizmo on the host's cube,
     /// a plane widget beside it, the view cube and the light widget.
     TrelvoUI(int n, bool scene) : manager_(std::make_shared<GUI::GUIManager>()) {
-        manager_->SetCompactIdLayers(compactIds);
         manager_->Initialize();
+        manager_->SetCompactIdLayers(compactIds);
         manager_->Resize(kWidth, kHeight);
         if (scene) {
             camera_ = std::make_shared<Camera>();

@@ -293,6 +293,9 @@ private:
     bool exactPointerRows_ = false;
     float displayScale_ = 1.f;
     bool framebufferFetch_ = true;
+    // The id layout asked for, and the one the existing layers were made with.
+    bool compactIdLayers_ = false;
+    bool layersCompact_ = false;
     // A GLsync, kept opaque here so that the header needs no sync types.
     void* layersFence_ = nullptr;
     GUI::Geometry::Rectangle compositeBounds_;
@@ -306,9 +309,6 @@ private:
     bool layersWhole_ = true;
     bool compositeWhole_ = true;
     bool directSceneWidgets_ = false;
-    // The id layout asked for, and the one the existing layers were made with.
-    bool compactIdLayers_ = false;
-    bool layersCompact_ = false;
     // The roots drawn into the host's frame by the last update, in drawing order (by id), and the
     // bounds of the id layer's pixels that may hold their old ids.
     std::vector<unsigned int> directRoots_;
