@@ -19,6 +19,10 @@ if [ -x build/bench/bench/trelvogui_peer_bench ]; then
     for n in 100 1000; do
         ./build/bench/bench/trelvogui_peer_bench --case memory --n "$n" | grep "^RATIO memory "
     done
+    # The same with compact id layers (RATIO memory_compact), every size in a process of its own.
+    for n in 10 100 1000; do
+        ./build/bench/bench/trelvogui_peer_bench --case memory --n "$n" --compact-ids | grep "^RATIO memory_compact "
+    done
 fi
 if [ -x build/bench/bench/trelvogui_chart_peer_bench ]; then
     ./build/bench/bench/trelvogui_chart_peer_bench

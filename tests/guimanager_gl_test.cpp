@@ -156,6 +156,36 @@ TEST_F(GUIManagerTest, IdLayerCarriesIdsOfWhatIsDrawnAndCompositeBlendsOverHostF
     EXPECT_FALSE(glIsEnabled(GL_BLEND)) << "Draw restores the host's blend state";
 }
 
+TEST_F(GUIManagerTest, CompactIdLayersTakeEffectAtTheNextUpdateAndPickTheSame) {
+    Probe* plain = AddRoot("plain", {20, 60, 30, 70});
+    Probe* cached = AddRoot("cached", {100, 140, 30, 70});
+    cached->MakeAnimatable();
+    manager->UpdateLayers();
+    auto idFormat = [&] {
+        GLint format = 0;
+        glBindTexture(GL_TEXTURE_2D, manager->GetIdLayer());
+        glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_INTERNAL_FORMAT, &format);
+        glBindTexture(GL_TEXTURE_2D, 0);
+        return format;
+    };
+    for (bool compact : {true, false}) {
+        SCOPED_TRACE(compact ? "compact" : "back to four words");
+        manager->SetCompactIdLayers(compact);
+        EXPECT_EQ(idFormat(), compact ? GL_RGBA32UI : GL_RG32UI) << "the layers change at the next update";
+        EXPECT_TRUE(manager->NeedsRedraw());
+        manager->UpdateLayers();
+        EXPECT_EQ(idFormat(), compact ? GL_RG32UI : GL_RGBA32UI);
+        for (Probe* p : {plain, cached}) {
+            unsigned pid = 0, sid = 0;
+            const auto& r = p->GetRectangle();
+            manager->HitDetect(r.xMin + 5, r.yMin + 5, &pid, &sid);
+            EXPECT_EQ(pid, p->GetId());
+            EXPECT_EQ(sid, 7u);
+        }
+        EXPECT_EQ(PidAt(80, 50), 0u);
+    }
+}
+
 TEST_F(GUIManagerTest, IdleUpdateDrawsNothingAndAChangeRedrawsOnce) {
     Probe* a = AddRoot("a", {0, 10, 0, 10});
     manager->UpdateLayers();

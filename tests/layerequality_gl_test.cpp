@@ -67,8 +67,10 @@ struct World {
     HistogramRenderer histogram;
     int lastX = 0, lastY = 0, buttons = 0;
 
-    World(bool strict, bool fetch, bool direct = false) : manager(std::make_shared<GUI::GUIManager>()) {
+    World(bool strict, bool fetch, bool direct = false, bool compact = false)
+        : manager(std::make_shared<GUI::GUIManager>()) {
         Orbit(320, 240, 0.3f);
+        manager->SetCompactIdLayers(compact);
         manager->SetDirectSceneWidgets(direct);
         manager->SetStrictSynchronisation(strict);
         manager->SetFramebufferFetch(fetch);
@@ -405,15 +407,23 @@ void RunSession(const std::vector<World*>& worlds, unsigned seed, int frames, bo
 }
 
 TEST_F(LayerEqualityTest, FastAndStrictUpdatesProduceIdenticalLayers) {
-    World strict(true, false), barriers(false, false), fetch(false, true);
+    // The compact id layout too, from the start with framebuffer fetch and switched on in the middle
+    // of the session with barriers (every cached id layer replaced while the UI is in use).
+    World strict(true, false), barriers(false, false), fetch(false, true),
+        compactFetch(false, true, false, true), compactLater(false, false);
     const int kFrames = 240;
     int drawnFrames = 0;
-    RunSession({&strict, &barriers, &fetch}, 4242u, kFrames, false, now,
+    const std::pair<World*, const char*> fast[] = {{&barriers, "barriers"},
+                                                   {&fetch, "fetch"},
+                                                   {&compactFetch, "compact-fetch"},
+                                                   {&compactLater, "compact-later"}};
+    RunSession({&strict, &barriers, &fetch, &compactFetch, &compactLater}, 4242u, kFrames, false, now,
                [&](int frame, int op, int width, int height) {
+                   if (frame == kFrames / 3)
+                       compactLater.manager->SetCompactIdLayers(true);
                    auto a = trelvo::test::ReadLayers(*strict.manager, width, height);
-                   for (World* fast : {&barriers, &fetch}) {
-                       const char* name = fast == &barriers ? "barriers" : "fetch";
-                       auto b = trelvo::test::ReadLayers(*fast->manager, width, height);
+                   for (auto [world, name] : fast) {
+                       auto b = trelvo::test::ReadLayers(*world->manager, width, height);
                        bool same = a.color == b.color && a.ids == b.ids;
                        if (!same) {
                            trelvo::test::SaveLayer(a, "equality-strict");
@@ -426,6 +436,13 @@ TEST_F(LayerEqualityTest, FastAndStrictUpdatesProduceIdenticalLayers) {
                        std::any_of(a.ids.begin(), a.ids.end(), [](uint32_t id) { return id != 0; }) ? 1 : 0;
                });
     EXPECT_GT(drawnFrames, kFrames * 3 / 4) << "the sessions compare drawn layers, not empty ones";
+    for (World* compact : {&compactFetch, &compactLater}) {
+        glBindTexture(GL_TEXTURE_2D, compact->manager->GetIdLayer());
+        GLint format = 0;
+        glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_INTERNAL_FORMAT, &format);
+        EXPECT_EQ(format, GL_RG32UI) << "the compact sessions ran on two-word id layers";
+    }
+    glBindTexture(GL_TEXTURE_2D, 0);
 }
 
 /// The picture a host sees: the manager's frame drawn over a patterned frame of the host's own
@@ -498,7 +515,8 @@ TEST_F(LayerEqualityTest, SceneWidgetsDrawnIntoTheHostFrameMatchThePlainUpdate) 
     // with their ids brought up to date only when read, they must pick exactly as the plain update and
     // show its picture.
     constexpr int kFrames = 160;
-    World plain(true, false), direct(false, true, true), directSampling(false, false, true);
+    World plain(true, false), direct(false, true, true, true),
+        directSampling(false, false, true); // the first on compact id layers
     int directFrames = 0;
     RunSession(
         {&plain, &direct, &directSampling}, 777u, kFrames, true, now, [&](int frame, int op, int w, int h) {

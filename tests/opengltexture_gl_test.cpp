@@ -68,7 +68,7 @@ TEST_F(GLTest, TextureStoragePerFormat) {
         int32_t format;
         GLint internalFormat; // 0: no storage defined
     };
-    const Case cases[] = {{0, GL_RGBA8}, {1, GL_RGBA32UI}, {2, GL_SRGB8_ALPHA8}, {7, 0}};
+    const Case cases[] = {{0, GL_RGBA8}, {1, GL_RGBA32UI}, {2, GL_SRGB8_ALPHA8}, {3, GL_RG32UI}, {7, 0}};
     for (const Case& c : cases) {
         SCOPED_TRACE("format " + std::to_string(c.format));
         OpenglTexture texture(c.format);
@@ -116,15 +116,21 @@ TEST_F(GLTest, TextureSetDataUploadsAndFollowsSizeChanges) {
     EXPECT_EQ(LevelParameter(color.GetTextureName(), GL_TEXTURE_WIDTH), 3);
     EXPECT_EQ(LevelParameter(color.GetTextureName(), GL_TEXTURE_HEIGHT), 1);
 
-    OpenglTexture ids(GUI::Texture::Identifier);
-    ids.SetSize(1, 2);
+    // Both id layouts take four words a pixel; the compact one keeps the two ids and reads back the
+    // rest as (0, 1), as any two-channel integer texture does.
     const std::array<uint32_t, 8> idData = {7, 3, 0, 0, 4000000000u, 1, 2, 3};
-    ASSERT_TRUE(ids.SetData(idData.data()));
-    ASSERT_TRUE(ids.Bind());
-    std::array<uint32_t, 8> idBack{};
-    glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA_INTEGER, GL_UNSIGNED_INT, idBack.data());
-    glBindTexture(GL_TEXTURE_2D, 0);
-    EXPECT_EQ(idBack, idData);
+    const std::array<uint32_t, 8> compactBack = {7, 3, 0, 1, 4000000000u, 1, 0, 1};
+    for (auto [format, expected] : {std::pair{GUI::Texture::Identifier, idData},
+                                    std::pair{GUI::Texture::CompactIdentifier, compactBack}}) {
+        OpenglTexture ids(format);
+        ids.SetSize(1, 2);
+        ASSERT_TRUE(ids.SetData(idData.data()));
+        ASSERT_TRUE(ids.Bind());
+        std::array<uint32_t, 8> idBack{};
+        glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA_INTEGER, GL_UNSIGNED_INT, idBack.data());
+        glBindTexture(GL_TEXTURE_2D, 0);
+        EXPECT_EQ(idBack, expected) << "format " << format;
+    }
 }
 
 TEST_F(GLTest, TextureSetDataWithoutValidSizeStoresNothing) {

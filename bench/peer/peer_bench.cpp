@@ -4,7 +4,10 @@
 // glFinish), with ratios to the peer and to the floor of one full-view blended quad. Every ratio is
 // printed once more as a line `RATIO <case> <N> <value>` (TrelvoGUI over the peer) for scripts.
 //
-//     peer_bench [--blocks B] [--frames F] [--case WORD] [--n N]
+//     peer_bench [--blocks B] [--frames F] [--case WORD] [--n N] [--compact-ids]
+//
+// --compact-ids runs TrelvoGUI with compact id layers (two words a pixel); its memory lines are then
+// `RATIO memory_compact` and `RATIO memory_gl_compact`.
 #include <trelvogui/gui/button.h>
 #include <trelvogui/gui/guimanager.h>
 #include <trelvogui/gui/label.h>
@@ -68,6 +71,8 @@ struct Layout {
 using peer::Measure;
 using peer::Sample;
 
+bool compactIds = false;
+
 class TrelvoUI {
 public:
     /// With `scene`, the camera-following widgets of a 3D viewer as well: a gizmo on the host's cube,
@@ -76,6 +81,7 @@ public:
     TrelvoUI(int n, bool scene, bool layered = false) : manager_(std::make_shared<GUI::GUIManager>()) {
         manager_->SetDirectSceneWidgets(scene && !layered);
         manager_->Initialize();
+        manager_->SetCompactIdLayers(compactIds);
         manager_->Resize(kWidth, kHeight);
         if (scene) {
             camera_ = std::make_shared<Camera>();
@@ -340,6 +346,8 @@ int main(int argc, char** argv) {
     int blocks = 12, frames = 8;
     const char* only = nullptr;
     std::vector<int> sizes{10, 100, 1000};
+    for (int i = 1; i < argc; ++i)
+        compactIds = compactIds || !std::strcmp(argv[i], "--compact-ids");
     for (int i = 1; i + 1 < argc; ++i) {
         if (!std::strcmp(argv[i], "--blocks"))
             blocks = std::atoi(argv[++i]);
@@ -484,8 +492,10 @@ int main(int argc, char** argv) {
         // Only the first size of a process gives a fair resident figure: later ones reuse what the
         // earlier ones' libraries keep (the driver's pools). scripts/bench.sh runs each size alone.
         if (n == sizes.front())
-            ratios.push_back({"memory", n, double(trelvoRss) / double(imguiRss)});
-        ratios.push_back({"memory_gl", n, trelvoGL.Total() / imguiGL.Total()});
+            ratios.push_back(
+                {compactIds ? "memory_compact" : "memory", n, double(trelvoRss) / double(imguiRss)});
+        ratios.push_back(
+            {compactIds ? "memory_gl_compact" : "memory_gl", n, trelvoGL.Total() / imguiGL.Total()});
         withGizmo.reset();
         withGizmoLayered.reset();
         imgui.reset();

@@ -35,6 +35,9 @@ LayerPixels ReadBoundTarget(int width, int height) {
     glReadBuffer(GL_COLOR_ATTACHMENT1);
     glReadPixels(0, 0, width, height, GL_RGBA_INTEGER, GL_UNSIGNED_INT, out.ids.data());
     glReadBuffer(GL_COLOR_ATTACHMENT0);
+    // Only the two ids carry meaning; compact id layers read the other two words back as (0, 1).
+    for (std::size_t i = 0; i < out.ids.size(); i += 4)
+        out.ids[i + 2] = out.ids[i + 3] = 0;
     return out;
 }
 

@@ -14,7 +14,7 @@ struct LayerPixels {
     int width = 0;
     int height = 0;
     std::vector<uint8_t> color; ///< RGBA8, rows bottom-up
-    std::vector<uint32_t> ids;  ///< RGBA32UI, rows bottom-up
+    std::vector<uint32_t> ids;  ///< four words a pixel (pid, sid, 0, 0), rows bottom-up
 
     std::array<uint8_t, 4> Color(int x, int y) const;
     /// The ids at (x, y); 0 outside the layers.

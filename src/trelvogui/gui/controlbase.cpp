@@ -87,8 +87,16 @@ void Base::DrawToTexture(GUI::Texture::Atlas* atlas) {
     GUI::Renderer::Base* renderer = atlas->GetRenderer();
     if (!colorTexture_)
         renderer->GenerateTexture(&colorTexture_, GUI::Texture::Color);
-    if (!idTexture_)
-        renderer->GenerateTexture(&idTexture_, GUI::Texture::Identifier);
+    // The cached ids take the manager's id layout; a change of layout leaves nothing to keep.
+    const int32_t idFormat = manager_ && manager_->GetCompactIdLayers() ? GUI::Texture::CompactIdentifier
+                                                                        : GUI::Texture::Identifier;
+    if (idTexture_ && idTexture_->Format() != idFormat) {
+        renderer->DeleteTexture(idTexture_);
+        idTexture_ = nullptr;
+    }
+    const bool freshIds = !idTexture_;
+    if (freshIds)
+        renderer->GenerateTexture(&idTexture_, idFormat);
     const GUI::Geometry::Rectangle previous = renderRectangle_;
     CalcBoundingBox(atlas);
     CalcRenderingBoundingBox(atlas);
@@ -96,7 +104,7 @@ void Base::DrawToTexture(GUI::Texture::Atlas* atlas) {
     // they cover (before and after) is cleared and drawn again. Strict synchronisation redraws whole.
     GUI::Geometry::Rectangle damage{0, 0, 0, 0};
     bool any = false;
-    const bool partial = drawn_ && !damaged_ && previous == renderRectangle_ &&
+    const bool partial = !freshIds && drawn_ && !damaged_ && previous == renderRectangle_ &&
                          renderer->SupportsPartialRedraw() && collectDamage(damage, any);
     redrewPartially_ = partial;
     redrawnRegion_ = {0, 0, 0, 0};

@@ -190,6 +190,16 @@ void GUIManager::SetDirectSceneWidgets(bool on) {
     SetNeedsRedraw(true);
 }
 
+void GUIManager::SetCompactIdLayers(bool on) {
+    if (on == compactIdLayers_)
+        return;
+    compactIdLayers_ = on;
+    // Every cached id layer is replaced by one of the new layout when its root is drawn again.
+    for (GUI::Controls::Base* control : Controls())
+        control->SetNeedsRedraw(true);
+    SetNeedsRedraw(true);
+}
+
 bool GUIManager::drawnDirectly(unsigned int id) const {
     return std::find(directRoots_.begin(), directRoots_.end(), id) != directRoots_.end();
 }
@@ -295,6 +305,7 @@ void GUIManager::deleteLayers() {
 void GUIManager::InitLayers() {
     deleteLayers();
     layersWhole_ = true;
+    layersCompact_ = compactIdLayers_;
     if (width_ <= 0 || height_ <= 0)
         return;
     GL::GLScopedBindings hostState;
@@ -312,7 +323,8 @@ void GUIManager::InitLayers() {
     };
     const Layer layers[] = {
         {&colorLayer_, GL_RGBA, GL_RGBA, GL_UNSIGNED_BYTE, GL_COLOR_ATTACHMENT0},
-        {&idLayer_, GL_RGBA32UI, GL_RGBA_INTEGER, GL_UNSIGNED_INT, GL_COLOR_ATTACHMENT1},
+        {&idLayer_, compactIdLayers_ ? GL_RG32UI : GL_RGBA32UI, GL_RGBA_INTEGER, GL_UNSIGNED_INT,
+         GL_COLOR_ATTACHMENT1},
         {&depthLayer_, GL_DEPTH_COMPONENT24, GL_DEPTH_COMPONENT, GL_UNSIGNED_INT, GL_DEPTH_ATTACHMENT},
     };
     for (const Layer& l : layers) {
@@ -346,6 +358,8 @@ void GUIManager::InitLayers() {
 }
 
 void GUIManager::UpdateLayers() {
+    if (layerFramebuffer_ && layersCompact_ != compactIdLayers_)
+        InitLayers();
     updateLayers();
     fireDeferredSignals();
     // A running camera flight changes nothing the host can see until it draws again: ask for it.

@@ -30,6 +30,9 @@ bool StorageFor(int32_t format, Storage& out) {
     case Identifier:
         out = {GL_RGBA32UI, GL_RGBA_INTEGER, GL_UNSIGNED_INT};
         return true;
+    case CompactIdentifier:
+        out = {GL_RG32UI, GL_RGBA_INTEGER, GL_UNSIGNED_INT};
+        return true;
     case SrgbColor:
         out = {GL_SRGB8_ALPHA8, GL_RGBA, GL_UNSIGNED_BYTE};
         return true;

@@ -7,8 +7,9 @@
 namespace GUI::Texture {
 
 /// Created by OpenglRenderer::GenerateTexture. Storage per format: 0 GL_RGBA (RGBA8), 1 GL_RGBA32UI,
-/// 2 GL_SRGB8_ALPHA8; any other format gets a name and filters but no storage. Binding and
-/// allocating use the active texture unit and leave 0 bound on it.
+/// 2 GL_SRGB8_ALPHA8, 3 GL_RG32UI (data passes as four words a pixel, the last two ignored); any other format
+/// gets a name and filters but no storage. Binding and allocating use the active texture unit and leave 0
+/// bound on it.
 class TRELVOGUI_EXPORT OpenglTexture : public Base {
 public:
     /// Larger textures are refused by Allocate with a message (512 MiB as an id texture).

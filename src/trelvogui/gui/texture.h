@@ -7,8 +7,9 @@
 
 namespace GUI::Texture {
 
-/// 0 colour (RGBA8), 1 identifiers (RGBA32UI), 2 sRGB colour.
-enum TextureFormat : int32_t { Color = 0, Identifier = 1, SrgbColor = 2 };
+/// 0 colour (RGBA8), 1 identifiers (RGBA32UI), 2 sRGB colour, 3 identifiers in half the memory
+/// (RG32UI: the primary and secondary id alone; read as RGBA integers it gives (pid, sid, 0, 1)).
+enum TextureFormat : int32_t { Color = 0, Identifier = 1, SrgbColor = 2, CompactIdentifier = 3 };
 
 /// A texture created by the renderer's GenerateTexture. `valid` marks contents as current; text
 /// images are re-rasterised when it is clear.
