@@ -9,6 +9,7 @@
 #include <GL/glew.h>
 #include <glm/gtc/quaternion.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdlib>
@@ -456,6 +457,62 @@ TEST_F(TexturedRectangleTest, AreaStartsAtTheGivenTextureCorner) {
             EXPECT_TRUE(Near(Color(x, y), Over(2, 1))) << x << "," << y;
             EXPECT_EQ(IdsAt(x, y), IdPair(3, 4));
         }
+}
+
+// Pieces drawn together must give the very pixels and ids that drawing them one by one gives: the
+// nine pieces of a skin (stretched, so texture coordinates fall between texels), pieces that overlap
+// (each composes over the one before), and more pieces than one draw takes.
+TEST_F(TexturedRectangleTest, PiecesDrawnTogetherMatchPiecesDrawnOneByOne) {
+    auto nine = [](int x0, int x1, int y0, int y1, int b) {
+        const float s[4] = {0.f, 0.3f, 0.7f, 1.f}, t[4] = {0.f, 0.2f, 0.8f, 1.f};
+        const int xs[4] = {x0 - b, x0, x1, x1 + b}, ys[4] = {y0 - b, y0, y1, y1 + b};
+        std::vector<TexturedRectangle> pieces;
+        for (int row = 0; row < 3; ++row)
+            for (int col = 0; col < 3; ++col)
+                pieces.push_back({{xs[col], xs[col + 1], ys[row], ys[row + 1]},
+                                  s[col],
+                                  t[2 - row],
+                                  s[col + 1],
+                                  t[3 - row]});
+        return pieces;
+    };
+    std::vector<TexturedRectangle> many = nine(6, 20, 6, 14, 3);
+    for (const TexturedRectangle& piece : nine(30, 40, 20, 30, 4))
+        many.push_back(piece);
+    const struct {
+        const char* name;
+        std::vector<TexturedRectangle> pieces;
+    } cases[] = {
+        {"a skin's nine pieces", nine(8, 30, 10, 24, 3)},
+        {"overlapping pieces",
+         {{{4, 30, 4, 20}, 0.1f, 0.1f, 0.9f, 0.6f},
+          {{12, 40, 10, 36}, 0.f, 0.4f, 1.f, 1.f},
+          {{20, 26, 2, 44}, 0.5f, 0.f, 0.9f, 1.f}}},
+        {"more pieces than one draw takes", many},
+    };
+    constexpr int kSide = 48;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::vector<uint8_t> colours[2];
+        std::vector<Ids> ids[2];
+        for (int together = 0; together < 2; ++together) {
+            UseScreenTarget();
+            BindAtlas(GUI::Texture::SrgbColor);
+            renderer->SetIds(3, 4);
+            if (together)
+                renderer->DrawTexturedRectangles(c.pieces.data(), static_cast<int>(c.pieces.size()));
+            else
+                for (const TexturedRectangle& piece : c.pieces)
+                    renderer->DrawTexturedRectangle(piece);
+            colours[together] = ReadColorRegion(0, 0, kSide, kSide);
+            for (int y = 0; y < kSide; ++y)
+                for (int x = 0; x < kSide; ++x)
+                    ids[together].push_back(IdsAt(x, y));
+        }
+        EXPECT_TRUE(colours[0] == colours[1]) << "the colours differ";
+        EXPECT_TRUE(ids[0] == ids[1]) << "the ids differ";
+        EXPECT_NE(std::count(ids[1].begin(), ids[1].end(), IdPair(3, 4)), 0) << "the pieces drew nothing";
+    }
 }
 
 TEST_F(RendererTest, StateSettersKeepTheirValues) {

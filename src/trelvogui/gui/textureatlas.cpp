@@ -181,8 +181,7 @@ void Atlas::DrawExpandableTexture(Expandable& region, GUI::Geometry::Rectangle& 
         {{x0, x1, y1, y1 + b}, s[1], tc[0], s[2], tc[1]},
         {{x1, x1 + r, y1, y1 + b}, s[2], tc[0], s[3], tc[1]},
     };
-    for (const GUI::Geometry::TexturedRectangle& piece : pieces)
-        renderer_->DrawTexturedRectangle(piece);
+    renderer_->DrawTexturedRectangles(pieces, 9);
 }
 
 void Atlas::DrawNonExpandableTexture(NonExpandable& region, GUI::Geometry::Rectangle& rect) {

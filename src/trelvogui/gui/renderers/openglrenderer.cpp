@@ -19,6 +19,7 @@
 
 #include <GL/glew.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 
@@ -262,24 +263,16 @@ void OpenglRenderer::DrawFilledRectangle(GUI::Geometry::Rectangle const& rectang
     detail::EndDraw(line);
 }
 
-void OpenglRenderer::DrawTexturedRectangle(GUI::Geometry::TexturedRectangle const& piece) {
-    const GUI::Geometry::Rectangle& r = piece.rectangle;
-    if (!initialized_ || !detail::InDrawRegion(r))
-        return;
+bool OpenglRenderer::BeginTextured(GLSLProgram*& textured) {
     detail::DisableBlending();
     bool textureIsSrgb = IsSrgbOnUnit(kAtlasColorUnit);
     bool stencilIsSrgb = IsSrgbOnUnit(kAtlasStencilUnit);
 
-    GLSLProgram& textured = detail::ProgramFor(*texturedProgram_, texturedFetchProgram_.get());
-    const bool samples = &textured == texturedProgram_.get();
-    GLuint program = textured.getProgram();
-    textured.begin();
+    textured = &detail::ProgramFor(*texturedProgram_, texturedFetchProgram_.get());
+    const bool samples = textured == texturedProgram_.get();
+    GLuint program = textured->getProgram();
+    textured->begin();
     SetIdUniforms(program);
-    SetPlacement(program, r);
-    glUniform2f(UniformLocation(program, "uvMin"), piece.s0, piece.t0);
-    GB_CHECK_GL(kTag);
-    glUniform2f(UniformLocation(program, "uvDim"), piece.s1 - piece.s0, piece.t1 - piece.t0);
-    GB_CHECK_GL(kTag);
     glUniform1i(UniformLocation(program, "textureSampler"), kAtlasColorUnit);
     GB_CHECK_GL(kTag);
     glUniform1i(UniformLocation(program, "stencilSampler"), kAtlasStencilUnit);
@@ -294,13 +287,107 @@ void OpenglRenderer::DrawTexturedRectangle(GUI::Geometry::TexturedRectangle cons
     GB_CHECK_GL(kTag);
     glUniform1i(UniformLocationQuiet(program, "stencilIsSrgb"), stencilIsSrgb ? 1 : 0);
     GB_CHECK_GL(kTag);
+    return samples;
+}
+
+void OpenglRenderer::DrawTexturedRectangle(GUI::Geometry::TexturedRectangle const& piece) {
+    const GUI::Geometry::Rectangle& r = piece.rectangle;
+    if (!initialized_ || !detail::InDrawRegion(r))
+        return;
+    GLSLProgram* textured = nullptr;
+    const bool samples = BeginTextured(textured);
+    GLuint program = textured->getProgram();
+    SetPlacement(program, r);
+    glUniform2f(UniformLocation(program, "uvMin"), piece.s0, piece.t0);
+    GB_CHECK_GL(kTag);
+    glUniform2f(UniformLocation(program, "uvDim"), piece.s1 - piece.s0, piece.t1 - piece.t0);
+    GB_CHECK_GL(kTag);
     detail::TargetBarrierFor(r, samples);
     quadBuffer_->draw(GLVertexBuffer::TriangleFan);
-    detail::EndDraw(textured);
+    detail::EndDraw(*textured);
     if (detail::StrictBarriers()) {
         glFlush();
         GB_CHECK_GL(kTag);
     }
+}
+
+void OpenglRenderer::DrawTexturedRectangles(const GUI::Geometry::TexturedRectangle* pieces, int count) {
+    if (!initialized_ || pieces == nullptr || count <= 0)
+        return;
+    // Strict synchronisation gives the reference picture: every piece its own draw and flush.
+    if (detail::StrictBarriers() || count == 1) {
+        for (int i = 0; i < count; ++i)
+            DrawTexturedRectangle(pieces[i]);
+        return;
+    }
+    // A shader that samples its target sees none of its own draw's writes, so pieces that overlap
+    // one another go one by one; framebuffer fetch reads earlier primitives of the same draw.
+    const bool fetch =
+        &detail::ProgramFor(*texturedProgram_, texturedFetchProgram_.get()) != texturedProgram_.get();
+    auto normalised = [](const GUI::Geometry::Rectangle& r) {
+        return GUI::Geometry::Rectangle{std::min(r.xMin, r.xMax), std::max(r.xMin, r.xMax),
+                                        std::min(r.yMin, r.yMax), std::max(r.yMin, r.yMax)};
+    };
+    for (int i = 0; i < count && !fetch; ++i)
+        for (int j = 0; j < i; ++j) {
+            const GUI::Geometry::Rectangle a = normalised(pieces[i].rectangle);
+            const GUI::Geometry::Rectangle b = normalised(pieces[j].rectangle);
+            if (a.xMin < b.xMax && b.xMin < a.xMax && a.yMin < b.yMax && b.yMin < a.yMax) {
+                for (int k = 0; k < count; ++k)
+                    DrawTexturedRectangle(pieces[k]);
+                return;
+            }
+        }
+
+    // The placement of every piece, in the vertex shader's arrays; the arithmetic is the single
+    // draw's, so each piece lands on the same pixels with the same texture coordinates.
+    GLint bboxMin[2 * kMostPieces], bboxDim[2 * kMostPieces];
+    GLfloat uvMin[2 * kMostPieces], uvDim[2 * kMostPieces];
+    GLSLProgram* textured = nullptr;
+    bool samples = false;
+    for (int first = 0; first < count; first += kMostPieces) {
+        int n = 0;
+        for (int i = first; i < std::min(count, first + kMostPieces); ++i) {
+            const GUI::Geometry::TexturedRectangle& piece = pieces[i];
+            const GUI::Geometry::Rectangle& r = piece.rectangle;
+            if (!detail::InDrawRegion(r))
+                continue;
+            bboxMin[2 * n] = r.xMin;
+            bboxMin[2 * n + 1] = r.yMin;
+            bboxDim[2 * n] = r.xMax - r.xMin;
+            bboxDim[2 * n + 1] = r.yMax - r.yMin;
+            uvMin[2 * n] = piece.s0;
+            uvMin[2 * n + 1] = piece.t0;
+            uvDim[2 * n] = piece.s1 - piece.s0;
+            uvDim[2 * n + 1] = piece.t1 - piece.t0;
+            ++n;
+        }
+        if (n == 0)
+            continue;
+        if (textured == nullptr)
+            samples = BeginTextured(textured);
+        GLuint program = textured->getProgram();
+        glUniform2iv(UniformLocation(program, "bboxMin"), n, bboxMin);
+        GB_CHECK_GL(kTag);
+        glUniform2iv(UniformLocation(program, "bboxDim"), n, bboxDim);
+        GB_CHECK_GL(kTag);
+        glUniform2fv(UniformLocation(program, "uvMin"), n, uvMin);
+        GB_CHECK_GL(kTag);
+        glUniform2fv(UniformLocation(program, "uvDim"), n, uvDim);
+        GB_CHECK_GL(kTag);
+        for (int i = 0; i < n; ++i)
+            detail::TargetBarrierFor({bboxMin[2 * i], bboxMin[2 * i] + bboxDim[2 * i], bboxMin[2 * i + 1],
+                                      bboxMin[2 * i + 1] + bboxDim[2 * i + 1]},
+                                     samples);
+        glBindVertexArray(quadBuffer_->vertexArray());
+        GB_CHECK_GL(kTag);
+        glDrawArraysInstanced(GL_TRIANGLE_FAN, 0, quadBuffer_->vertexCount(), n);
+        GB_CHECK_GL(kTag);
+        glBindVertexArray(0);
+        GB_CHECK_GL(kTag);
+    }
+    if (textured != nullptr)
+        detail::EndDraw(*textured);
 }
 
 void OpenglRenderer::DrawText(GUI::Texture::Base* target, GUI::Text* text, GUI::Geometry::Rectangle area,
@@ -394,11 +481,13 @@ void OpenglRenderer::bindTarget(GUI::Texture::Base* color, GUI::Texture::Base* i
         std::printf("SetRenderTargetToTexture: Texture is set to invalid size %d %d.\n", width, height);
         return;
     }
-    // A region redraw keeps the layer's contents: only a layer of the same size can be reused.
-    if (region && (NameOf(color) == 0 || NameOf(ids) == 0 || color->Width() != width ||
-                   color->Height() != height || ids->Width() != width || ids->Height() != height))
+    // A layer of the same size keeps its storage: a region redraw needs its contents, and a whole
+    // redraw clears every texel below, where fresh storage would only give the driver new pages to
+    // fault in and zero on every full re-render.
+    const bool reusable = NameOf(color) != 0 && NameOf(ids) != 0 && color->Width() == width &&
+                          color->Height() == height && ids->Width() == width && ids->Height() == height;
+    if (!reusable) {
         region = nullptr;
-    if (!region) {
         color->SetSize(width, height);
         ids->SetSize(width, height);
         if (!color->Allocate() || !ids->Allocate())

@@ -57,6 +57,9 @@ public:
     /// Draws an atlas area (colour on unit 13, stencil on unit 14) masked by the stencil's red
     /// coverage; ids are stamped where the coverage exceeds one half.
     void DrawTexturedRectangle(GUI::Geometry::TexturedRectangle const& rectangle) override;
+    /// One instanced draw for up to kMostPieces pieces; piece by piece under strict synchronisation
+    /// (the reference picture) and where the shader samples its target and pieces overlap.
+    void DrawTexturedRectangles(const GUI::Geometry::TexturedRectangle* pieces, int count) override;
     void DrawText(GUI::Texture::Base* target, GUI::Text* text, GUI::Geometry::Rectangle area,
                   int horizontalAlignment, int verticalAlignment) override;
     void GetTextSize(GUI::Text* text, int* width, int* height) override;
@@ -135,6 +138,12 @@ private:
     void SetIdUniforms(unsigned int program);
     /// Places the unit geometry on the rectangle (`bboxMin`, `bboxDim`).
     void SetPlacement(unsigned int program, GUI::Geometry::Rectangle const& r);
+    /// Binds the textured program's build for the next draw and sets what every piece shares (ids,
+    /// samplers, the atlas's encoding); true when that build samples its target.
+    bool BeginTextured(GraphicsBase::GLSLProgram*& textured);
+
+    /// As many pieces as the textured vertex shader's uniform arrays hold.
+    static constexpr int kMostPieces = 9;
 
     unsigned int screenWidth_ = 0;
     unsigned int screenHeight_ = 0;

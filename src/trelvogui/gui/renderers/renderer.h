@@ -74,6 +74,13 @@ public:
     virtual void RenderTexture(GUI::Texture::Base* color, GUI::Texture::Base* ids,
                                GUI::Animation::Frame* frame, GUI::Geometry::Rectangle* rectangle,
                                GUI::Geometry::Point* pivot) = 0;
+    /// Draws `count` textured rectangles from the bound atlas with the current ids, in order, as
+    /// DrawTexturedRectangle would one by one; a renderer may draw them together (the nine pieces of
+    /// a skin cost one draw instead of nine).
+    virtual void DrawTexturedRectangles(const GUI::Geometry::TexturedRectangle* pieces, int count) {
+        for (int i = 0; i < count; ++i)
+            DrawTexturedRectangle(pieces[i]);
+    }
 
     bool DebugMode() const { return debug_; }
 
