@@ -513,7 +513,7 @@ TEST_F(LayerEqualityTest, SceneWidgetsDrawnIntoTheHostFrameMatchThePlainUpdate) 
     // widgets drawn after the rest for 40 frames, then before it. Drawn straight into the host's frame
     // (over the composite; under it where a root drawing text into the layers does not cover them),
     // with their ids brought up to date only when read, they must pick exactly as the plain update and
-    // show its picture.
+    // show its picture, also after the setting is switched off and on again.
     constexpr int kFrames = 160;
     World plain(true, false), direct(false, true, true, true),
         directSampling(false, false, true); // the first on compact id layers
@@ -528,6 +528,9 @@ TEST_F(LayerEqualityTest, SceneWidgetsDrawnIntoTheHostFrameMatchThePlainUpdate) 
                                     ? 1
                                     : 0;
             ASSERT_FALSE(HasFailure());
+            // The sampling world turns the setting off for a while: its widgets go back into the layers.
+            if (frame == 60 || frame == 100)
+                directSampling.manager->SetDirectSceneWidgets(frame == 100);
         });
     EXPECT_GT(directFrames, kFrames / 2) << "the sessions draw scene widgets into the host's frame";
 }
