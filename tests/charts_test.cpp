@@ -113,43 +113,59 @@ TEST(MinMaxPyramid, FloatSamplesStayFloatUntilOneNeedsMore) {
 
 TEST(DataSetRenderer, PointIndexAndStatisticsMatchBruteForceSortedOrNot) {
     std::mt19937 rng(11);
-    for (bool sorted : {true, false})
-        for (bool implicit : {true, false}) {
-            if (implicit && !sorted)
-                continue;
-            SCOPED_TRACE(std::string(sorted ? "sorted" : "unsorted") + (implicit ? ", implicit x" : ""));
-            const std::size_t n = 5000;
-            std::vector<double> y = Noisy(rng, n), x(n);
-            std::uniform_real_distribution<double> spread(-100.0, 100.0);
-            for (std::size_t i = 0; i < n; ++i)
-                x[i] = implicit ? double(i) : spread(rng);
-            if (sorted)
-                std::sort(x.begin(), x.end());
-            DataSetRenderer set;
-            ASSERT_TRUE(implicit ? set.SetData(y.data(), n) : set.SetData(x.data(), y.data(), n));
-            EXPECT_EQ(set.XSorted(), sorted);
-            std::uniform_real_distribution<double> where(implicit ? -10.0 : -120.0,
-                                                         implicit ? 5010.0 : 120.0);
-            for (int q = 0; q < 200; ++q) {
-                const double at = where(rng);
-                // Brute force: the nearest x among samples with finite y.
-                double best = std::numeric_limits<double>::infinity();
+    for (bool single : {false, true})
+        for (bool sorted : {true, false})
+            for (bool implicit : {true, false}) {
+                if (implicit && !sorted)
+                    continue;
+                SCOPED_TRACE(std::string(sorted ? "sorted" : "unsorted") + (implicit ? ", implicit x" : "") +
+                             (single ? ", floats" : ""));
+                const std::size_t n = 5000;
+                std::vector<double> y = Noisy(rng, n), x(n);
+                std::uniform_real_distribution<double> spread(-100.0, 100.0);
                 for (std::size_t i = 0; i < n; ++i)
-                    if (std::isfinite(y[i]))
-                        best = std::min(best, std::fabs(x[i] - at));
-                const std::size_t found = set.NearestIndex(at);
-                ASSERT_NE(found, DataSetRenderer::npos);
-                EXPECT_TRUE(std::isfinite(y[found]));
-                EXPECT_EQ(std::fabs(x[found] - at), best) << at;
+                    x[i] = implicit ? double(i) : spread(rng);
+                if (sorted)
+                    std::sort(x.begin(), x.end());
+                const std::vector<float> xf(x.begin(), x.end()), yf(y.begin(), y.end());
+                if (single) // the brute force sees what the set holds
+                    x.assign(xf.begin(), xf.end()), y.assign(yf.begin(), yf.end());
+                DataSetRenderer set;
+                ASSERT_TRUE(implicit ? (single ? set.SetData(yf.data(), n) : set.SetData(y.data(), n))
+                                     : (single ? set.SetData(xf.data(), yf.data(), n)
+                                               : set.SetData(x.data(), y.data(), n)));
+                EXPECT_EQ(set.XSorted(), sorted);
+                // Samples as given (float stays float) and the pyramid at most half of them.
+                const std::size_t sample = single ? sizeof(float) : sizeof(double);
+                EXPECT_LE(set.MemoryBytes(), n * sample * (implicit ? 3 : 5) / 2);
+                std::uniform_real_distribution<double> where(implicit ? -10.0 : -120.0,
+                                                             implicit ? 5010.0 : 120.0);
+                for (int q = 0; q < 200; ++q) {
+                    const double at = where(rng);
+                    // Brute force: the nearest x among samples with finite y.
+                    double best = std::numeric_limits<double>::infinity();
+                    for (std::size_t i = 0; i < n; ++i)
+                        if (std::isfinite(y[i]))
+                            best = std::min(best, std::fabs(x[i] - at));
+                    const std::size_t found = set.NearestIndex(at);
+                    ASSERT_NE(found, DataSetRenderer::npos);
+                    EXPECT_TRUE(std::isfinite(y[found]));
+                    EXPECT_EQ(std::fabs(x[found] - at), best) << at;
 
-                double lo = where(rng), hi = where(rng);
-                MinMaxPyramid::Summary expected;
-                for (std::size_t i = 0; i < n; ++i)
-                    if (x[i] >= std::min(lo, hi) && x[i] <= std::max(lo, hi))
-                        expected.Add(y[i]);
-                ExpectSame(set.Statistics(lo, hi), expected);
+                    double lo = where(rng), hi = where(rng);
+                    MinMaxPyramid::Summary expected;
+                    for (std::size_t i = 0; i < n; ++i)
+                        if (x[i] >= std::min(lo, hi) && x[i] <= std::max(lo, hi))
+                            expected.Add(y[i]);
+                    ExpectSame(set.Statistics(lo, hi), expected);
+                }
+                if (single && !implicit) { // an x a float cannot hold moves them all to double, exactly
+                    ASSERT_TRUE(set.Append(100.1, 1.0));
+                    EXPECT_EQ(set.X(n), 100.1);
+                    for (std::size_t i : {std::size_t(0), n / 2, n - 1})
+                        EXPECT_EQ(set.X(i), x[i]);
+                }
             }
-        }
 }
 
 TEST(DataSetRenderer, BadInputIsRefusedWithAMessageAndLeavesTheSetAsItWas) {

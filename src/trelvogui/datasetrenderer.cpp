@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <limits>
 #include <numeric>
+#include <type_traits>
 
 using namespace GraphicsBase;
 
@@ -125,6 +126,41 @@ private:
 
 } // namespace
 
+template <class T> void DataSetRenderer::XColumn::Assign(const T* x, std::size_t count) {
+    Clear();
+    single_ = std::is_same_v<T, float>;
+    if constexpr (std::is_same_v<T, float>)
+        floats_.assign(x, x + count);
+    else
+        doubles_.assign(x, x + count);
+}
+
+void DataSetRenderer::XColumn::Append(double x) {
+    if (single_ && static_cast<double>(static_cast<float>(x)) != x && !std::isnan(x)) {
+        doubles_.assign(floats_.begin(), floats_.end());
+        floats_.clear();
+        floats_.shrink_to_fit();
+        single_ = false;
+    }
+    if (single_)
+        floats_.push_back(static_cast<float>(x));
+    else
+        doubles_.push_back(x);
+}
+
+void DataSetRenderer::XColumn::EraseFront(std::size_t count) {
+    if (single_)
+        floats_.erase(floats_.begin(), floats_.begin() + static_cast<std::ptrdiff_t>(count));
+    else
+        doubles_.erase(doubles_.begin(), doubles_.begin() + static_cast<std::ptrdiff_t>(count));
+}
+
+void DataSetRenderer::XColumn::Clear() {
+    floats_.clear();
+    doubles_.clear();
+    single_ = true;
+}
+
 DataSetRenderer::DataSetRenderer() : marks_(std::make_unique<trelvo::detail::ChartMarks>()) {}
 
 DataSetRenderer::~DataSetRenderer() = default;
@@ -134,7 +170,7 @@ bool DataSetRenderer::Initialize() {
 }
 
 std::size_t DataSetRenderer::MemoryBytes() const {
-    return y_.MemoryBytes() + x_.capacity() * sizeof(double) + order_.capacity() * sizeof(std::uint32_t) +
+    return y_.MemoryBytes() + x_.MemoryBytes() + order_.capacity() * sizeof(std::uint32_t) +
            byX_.MemoryBytes();
 }
 
@@ -161,13 +197,13 @@ template <class T> bool DataSetRenderer::Assign(const T* x, const T* y, std::siz
     if (!Fits(count, x != nullptr, "SetData", sizeof(T)))
         return false;
     y_.Assign(y, count);
-    x_.clear();
+    x_.Clear();
     xOffset_ = 0;
     dropped_ = 0;
     hasX_ = x != nullptr;
     xSorted_ = true;
     if (hasX_) {
-        x_.assign(x, x + count);
+        x_.Assign(x, count);
         for (std::size_t i = 0; i < count && xSorted_; ++i)
             xSorted_ = std::isfinite(x_[i]) && (i == 0 || x_[i] >= x_[i - 1]);
     }
@@ -219,13 +255,13 @@ bool DataSetRenderer::Append(double x, double y) {
     if (!Fits(Size() + 1, true, "Append", y_.SinglePrecision() ? sizeof(float) : sizeof(double)))
         return false;
     if (!hasX_) {
-        x_.clear();
+        x_.Clear();
         xOffset_ = 0;
         xSorted_ = true;
     }
     hasX_ = true;
-    xSorted_ = xSorted_ && std::isfinite(x) && (Size() == 0 || x >= x_.back());
-    x_.push_back(x);
+    xSorted_ = xSorted_ && std::isfinite(x) && (Size() == 0 || x >= x_[x_.Size() - 1]);
+    x_.Append(x);
     y_.Append(y);
     Touch();
     return true;
@@ -239,14 +275,14 @@ void DataSetRenderer::DropFront(std::size_t count) {
     dropped_ += count;
     if (hasX_) {
         xOffset_ += count;
-        if (xOffset_ * 2 >= x_.size()) {
-            x_.erase(x_.begin(), x_.begin() + static_cast<std::ptrdiff_t>(xOffset_));
+        if (xOffset_ * 2 >= x_.Size()) {
+            x_.EraseFront(xOffset_);
             xOffset_ = 0;
         }
         if (!xSorted_) {
             // Dropping the samples that were out of order may sort the rest.
             xSorted_ = true;
-            for (std::size_t i = xOffset_; i < x_.size() && xSorted_; ++i)
+            for (std::size_t i = xOffset_; i < x_.Size() && xSorted_; ++i)
                 xSorted_ = std::isfinite(x_[i]) && (i == xOffset_ || x_[i] >= x_[i - 1]);
         }
     }
@@ -255,7 +291,7 @@ void DataSetRenderer::DropFront(std::size_t count) {
 
 void DataSetRenderer::Clear() {
     y_.Clear();
-    x_.clear();
+    x_.Clear();
     xOffset_ = 0;
     dropped_ = 0;
     hasX_ = false;
@@ -315,9 +351,15 @@ std::size_t DataSetRenderer::LowerIndex(double v, bool after) const {
         const double i = (after ? std::floor(v) + 1.0 : std::ceil(v)) - static_cast<double>(dropped_);
         return i <= 0.0 ? 0 : i >= static_cast<double>(n) ? n : static_cast<std::size_t>(i);
     }
-    const auto begin = x_.begin() + static_cast<std::ptrdiff_t>(xOffset_);
-    const auto it = after ? std::upper_bound(begin, x_.end(), v) : std::lower_bound(begin, x_.end(), v);
-    return static_cast<std::size_t>(it - begin);
+    std::size_t lo = xOffset_, hi = x_.Size();
+    while (lo < hi) {
+        const std::size_t mid = lo + (hi - lo) / 2;
+        if (after ? x_[mid] <= v : x_[mid] < v)
+            lo = mid + 1;
+        else
+            hi = mid;
+    }
+    return lo - xOffset_;
 }
 
 void DataSetRenderer::EnsureOrder() const {

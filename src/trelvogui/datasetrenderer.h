@@ -104,9 +104,29 @@ private:
     void EnsureOrder() const;
     void Touch();
 
+    /// Explicit x as given: float x stays float (half the memory) until a double that a float cannot
+    /// hold is appended, and then all of it moves to double, nothing rounded away.
+    class XColumn {
+    public:
+        template <class T> void Assign(const T* x, std::size_t count);
+        void Append(double x);
+        void EraseFront(std::size_t count);
+        void Clear();
+        std::size_t Size() const { return single_ ? floats_.size() : doubles_.size(); }
+        double operator[](std::size_t i) const { return single_ ? double(floats_[i]) : doubles_[i]; }
+        std::size_t MemoryBytes() const {
+            return floats_.capacity() * sizeof(float) + doubles_.capacity() * sizeof(double);
+        }
+
+    private:
+        std::vector<float> floats_;
+        std::vector<double> doubles_;
+        bool single_ = true;
+    };
+
     std::unique_ptr<trelvo::detail::ChartMarks> marks_;
     MinMaxPyramid y_;
-    std::vector<double> x_;
+    XColumn x_;
     std::size_t xOffset_ = 0; // dropped x not yet erased, as in the pyramid
     std::uint64_t dropped_ = 0;
     bool hasX_ = false;
