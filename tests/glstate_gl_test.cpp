@@ -359,6 +359,19 @@ TEST_F(GLStateTest, EveryEntryPointLeavesEveryItemOfHostStateAsItWas) {
         {"GUIManager::HitDetect", [&] { PidAt(60, 180); }},
         {"GUIManager::WaitForLayers", [&] { stale(), manager->UpdateLayers(), manager->WaitForLayers(); }},
         {"GUIManager::SetUpsideDown", [&] { manager->SetUpsideDown(false); }},
+        {"scene widgets drawn directly: update, Draw, a pick and GetIdLayer after an orbit",
+         [&] {
+             manager->SetDirectSceneWidgets(true);
+             manager->UpdateLayers();
+             scene.camera->SetPosition({1.f, 2.f, 5.f});
+             scene.camera->CalcMatrices();
+             manager->UpdateLayers();
+             manager->Draw();
+             PidAt(128, 128);
+             manager->GetIdLayer();
+             manager->SetDirectSceneWidgets(false);
+             manager->UpdateLayers();
+         }},
         {"pointer press, move, release", [&] { Move(60, 70, 61, 70), Press(60, 70), Release(60, 70); }},
         {"gizmo drag", [&] { Press(128, 128), Move(140, 120, 128, 128, 1), Release(140, 120); }},
         {"ColorBar::Initialize", [&] { scene.bar.Initialize(); }},
