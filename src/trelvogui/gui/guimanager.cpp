@@ -473,20 +473,7 @@ void GUIManager::updateLayers() {
     bool bounded = false;
     // Every visible root in drawing order with where it lands. A root that can be drawn straight
     // into the host's frame keeps its damage aside until it is known whether it will be.
-    struct Drawn {
-        GUI::Controls::Base* control = nullptr;
-        GUI::Geometry::Rectangle area{0, 0, 0, 0};
-        bool knows = true;      // says where it draws
-        bool candidate = false; // can be drawn straight into the host's frame
-        bool under = false;     // and is, under the composite
-        bool straight = false;  // drawn into the layers by shaders of its own, not from a cached layer
-        bool stale = false;
-        bool hadArea = false; // and where it was
-        GUI::Geometry::Rectangle before{0, 0, 0, 0};
-        bool wholeArea = false;                       // changed all over its old and new footprints
-        std::vector<GUI::Geometry::Rectangle> pieces; // or only there
-    };
-    std::vector<Drawn> drawn;
+    std::vector<DrawnRoot> drawn;
     const bool direct = directAllowed();
     bool anyStale = false;
     for (GUI::Controls::Base* control : Controls()) {
@@ -500,7 +487,7 @@ void GUIManager::updateLayers() {
         if (!control->Animatable()) {
             // Drawn below, straight into the layers. A root that says where it draws is redrawn only
             // there; an invisible one draws nothing (an empty footprint); any other redraws all.
-            Drawn entry;
+            DrawnRoot entry;
             entry.control = control;
             entry.knows = !control->Visible() || control->LayerFootprint(width_, height_, entry.area);
             entry.stale = stale;
@@ -573,62 +560,10 @@ void GUIManager::updateLayers() {
         drawn.back().control = control;
         drawn.back().area = known->second;
     }
-    // A root is drawn into the host's frame under the composite when nothing drawn before it into the
-    // layers overlaps it, or over the composite when nothing drawn after it does: either way the
-    // picture is the one the layers would give. Roots drawn under come first, walking forward; of the
-    // rest, those drawn over, walking back. A root under cannot follow an overlapping root over (that
-    // one would have had to go under too), so overlapping direct roots keep their order.
-    std::vector<unsigned int> under, over;
-    {
-        auto clear = [](const std::vector<GUI::Geometry::Rectangle>& drawnAlready,
-                        const GUI::Geometry::Rectangle& a) {
-            return std::none_of(
-                drawnAlready.begin(), drawnAlready.end(), [&](const GUI::Geometry::Rectangle& b) {
-                    return a.xMin < b.xMax && b.xMin < a.xMax && a.yMin < b.yMax && b.yMin < a.yMax;
-                });
-        };
-        // Going under also needs every root drawn over it later to compose as one coverage over what
-        // it finds, as cached layers and the scene widgets do; a root drawing straight into the layers
-        // may not (text takes its coverage per colour channel), so none of those may overlap it.
-        std::vector<GUI::Geometry::Rectangle> others;
-        bool anywhere = false; // a root that does not say where it draws covers everything
-        for (std::size_t i = 0; i < drawn.size(); ++i) {
-            Drawn& d = drawn[i];
-            const auto laterOverlaps = [&] {
-                for (std::size_t j = i + 1; j < drawn.size(); ++j)
-                    if (drawn[j].straight && drawn[j].control->Visible() &&
-                        (!drawn[j].knows || !clear({drawn[j].area}, d.area)))
-                        return true;
-                return false;
-            };
-            if (d.candidate && !anywhere && clear(others, d.area) && !laterOverlaps()) {
-                d.under = true;
-                under.push_back(d.control->GetId());
-            } else if (!d.knows) {
-                anywhere = true;
-            } else if (d.control->Visible()) {
-                others.push_back(d.area);
-            }
-        }
-        others.clear();
-        anywhere = false;
-        for (auto it = drawn.rbegin(); it != drawn.rend(); ++it) {
-            if (it->under)
-                continue;
-            if (it->candidate && !anywhere && clear(others, it->area)) {
-                over.push_back(it->control->GetId());
-                continue;
-            }
-            it->candidate = false;
-            if (!it->knows)
-                anywhere = true;
-            else if (it->control->Visible())
-                others.push_back(it->area);
-        }
-        std::reverse(over.begin(), over.end());
-    }
+    std::vector<unsigned int> placed;
+    const std::size_t placedUnder = placeDirectRoots(drawn, placed);
     std::vector<GUI::Geometry::Rectangle> areas;
-    for (Drawn& d : drawn) {
+    for (DrawnRoot& d : drawn) {
         const bool wasDirect = drawnDirectly(d.control->GetId());
         if (d.candidate) {
             // Its colour is not in the layers: they change only where it leaves them. Its ids are,
@@ -655,9 +590,8 @@ void GUIManager::updateLayers() {
         include(compositeBounds_, bounded, d.area);
         areas.push_back(d.area);
     }
-    directUnder_ = under.size();
-    directRoots_ = std::move(under);
-    directRoots_.insert(directRoots_.end(), over.begin(), over.end());
+    directUnder_ = placedUnder;
+    directRoots_ = std::move(placed);
     if (!bounded)
         compositeBounds_ = {0, 0, 0, 0};
     setCompositeAreas(std::move(areas));
@@ -735,6 +669,62 @@ void GUIManager::updateLayers() {
     needsRedraw_ = !animations_.empty();
     layerUpdateTime_ += static_cast<int32_t>(GUI::Clock::Ticks() - t0);
     ++layerUpdateCount_;
+}
+
+std::size_t GUIManager::placeDirectRoots(std::vector<DrawnRoot>& drawn, std::vector<unsigned int>& placed) {
+    // A root is drawn into the host's frame under the composite when nothing drawn before it into the
+    // layers overlaps it, or over the composite when nothing drawn after it does: either way the
+    // picture is the one the layers would give. Roots drawn under come first, walking forward; of the
+    // rest, those drawn over, walking back. A root under cannot follow an overlapping root over (that
+    // one would have had to go under too), so overlapping direct roots keep their order.
+    auto clear = [](const std::vector<GUI::Geometry::Rectangle>& drawnAlready,
+                    const GUI::Geometry::Rectangle& a) {
+        return std::none_of(drawnAlready.begin(), drawnAlready.end(), [&](const GUI::Geometry::Rectangle& b) {
+            return a.xMin < b.xMax && b.xMin < a.xMax && a.yMin < b.yMax && b.yMin < a.yMax;
+        });
+    };
+    // Going under also needs every root drawn over it later to compose as one coverage over what
+    // it finds, as cached layers and the scene widgets do; a root drawing straight into the layers
+    // may not (text takes its coverage per colour channel), so none of those may overlap it.
+    std::vector<unsigned int> over; // walking back
+    std::vector<GUI::Geometry::Rectangle> others;
+    bool anywhere = false; // a root that does not say where it draws covers everything
+    for (std::size_t i = 0; i < drawn.size(); ++i) {
+        DrawnRoot& d = drawn[i];
+        const auto laterOverlaps = [&] {
+            for (std::size_t j = i + 1; j < drawn.size(); ++j)
+                if (drawn[j].straight && drawn[j].control->Visible() &&
+                    (!drawn[j].knows || !clear({drawn[j].area}, d.area)))
+                    return true;
+            return false;
+        };
+        if (d.candidate && !anywhere && clear(others, d.area) && !laterOverlaps()) {
+            d.under = true;
+            placed.push_back(d.control->GetId());
+        } else if (!d.knows) {
+            anywhere = true;
+        } else if (d.control->Visible()) {
+            others.push_back(d.area);
+        }
+    }
+    others.clear();
+    anywhere = false;
+    for (auto it = drawn.rbegin(); it != drawn.rend(); ++it) {
+        if (it->under)
+            continue;
+        if (it->candidate && !anywhere && clear(others, it->area)) {
+            over.push_back(it->control->GetId());
+            continue;
+        }
+        it->candidate = false;
+        if (!it->knows)
+            anywhere = true;
+        else if (it->control->Visible())
+            others.push_back(it->area);
+    }
+    const std::size_t under = placed.size();
+    placed.insert(placed.end(), over.rbegin(), over.rend());
+    return under;
 }
 
 void GUIManager::drawLayerRegion(const GUI::Geometry::Rectangle* region, bool strict) {

@@ -234,6 +234,24 @@ private:
     /// Clears the layers in `region` (all of them for null) and draws every control there; the roots
     /// drawn directly leave the colour layer alone and write their ids only.
     void drawLayerRegion(const GUI::Geometry::Rectangle* region, bool strict);
+    /// A visible root as an update found it, in drawing order.
+    struct DrawnRoot {
+        GUI::Controls::Base* control = nullptr;
+        GUI::Geometry::Rectangle area{0, 0, 0, 0};
+        bool knows = true;      // says where it draws
+        bool candidate = false; // can be drawn straight into the host's frame (and is, after placing)
+        bool under = false;     // and is, under the composite
+        bool straight = false;  // drawn into the layers by shaders of its own, not from a cached layer
+        bool stale = false;
+        bool hadArea = false; // and where it was
+        GUI::Geometry::Rectangle before{0, 0, 0, 0};
+        bool wholeArea = false;                       // changed all over its old and new footprints
+        std::vector<GUI::Geometry::Rectangle> pieces; // or only there
+    };
+    /// Decides which candidates are drawn straight into the host's frame: their ids into `placed`,
+    /// those under the composite first (their count is returned), then those over it, each part in
+    /// drawing order. Clears `candidate` of the rest.
+    static std::size_t placeDirectRoots(std::vector<DrawnRoot>& drawn, std::vector<unsigned int>& placed);
     /// Whether the roots that can be drawn directly are drawn that way now.
     bool directAllowed() const { return directSceneWidgets_ && !upsideDown_ && !explicitGammaCorrection_; }
     bool drawnDirectly(unsigned int id) const;
